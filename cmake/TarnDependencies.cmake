@@ -1,0 +1,43 @@
+# Finds what Tarn builds against; a missing dependency is named with its Debian package.
+function(tarn_missing what package)
+    message(FATAL_ERROR "${what} not found. On Debian: apt install ${package}")
+endfunction()
+
+find_package(PkgConfig)
+if(NOT PkgConfig_FOUND)
+    tarn_missing("pkg-config" pkg-config)
+endif()
+
+pkg_check_modules(SDL IMPORTED_TARGET sdl)
+if(NOT SDL_FOUND)
+    tarn_missing("SDL 1.2" libsdl1.2-dev)
+endif()
+
+find_path(INIPARSER_INCLUDE_DIR iniparser.h PATH_SUFFIXES iniparser)
+find_library(INIPARSER_LIBRARY iniparser)
+if(NOT INIPARSER_INCLUDE_DIR OR NOT INIPARSER_LIBRARY)
+    tarn_missing("iniparser" libiniparser-dev)
+endif()
+add_library(iniparser::iniparser UNKNOWN IMPORTED)
+set_target_properties(iniparser::iniparser PROPERTIES
+    IMPORTED_LOCATION ${INIPARSER_LIBRARY}
+    INTERFACE_INCLUDE_DIRECTORIES ${INIPARSER_INCLUDE_DIR})
+
+if(TARN_TESTS)
+    find_package(GTest)
+    if(NOT GTest_FOUND)
+        tarn_missing("GoogleTest" libgtest-dev)
+    endif()
+endif()
+if(TARN_BENCH)
+    find_package(benchmark)
+    if(NOT benchmark_FOUND)
+        tarn_missing("Google Benchmark" libbenchmark-dev)
+    endif()
+endif()
+if(TARN_GUEST)
+    find_program(GUEST_CC mipsel-linux-gnu-gcc)
+    if(NOT GUEST_CC)
+        tarn_missing("The guest compiler mipsel-linux-gnu-gcc" gcc-mipsel-linux-gnu)
+    endif()
+endif()

@@ -1,0 +1,40 @@
+// Declares the entry points of the Graphics Synthesizer, by their plug-in names.
+#pragma once
+
+#include "base/types.h"
+
+struct SDL_Surface;
+
+namespace tarn {
+
+u32 PS2EgetLibType();          ///< 1
+u32 PS2EgetLibVersion();       ///< 0x10000
+const char* PS2EgetLibName();  ///< "Gravel-sdl Driver"
+
+s32 GSinit();  ///< allocates local memory, sets start values; 0, or -1 without memory
+s32 GSopen(SDL_Surface* display, const char* title);  ///< opens the display on a surface; 0 or -1
+void GSclose();                                       ///< closes the display; the surface stays its owner's
+void GSshutdown();                                    ///< frees local memory
+void GSvsync();                                       ///< presents the displayed frame buffer
+void GSkeyEvent();                                    ///< does nothing
+void GSconfigure();                                   ///< reads the renderer's configuration again
+void GSabout();                                       ///< does nothing
+s32 GStest();                                         ///< 0
+
+/// Privileged register accesses by full guest address (0x12000000 and up).
+void GSwrite32(u32 address, u32 value);
+void GSwrite64(u32 address, u64 value);
+u32 GSread32(u32 address);
+u64 GSread64(u32 address);
+
+/// Consumes `count` quadwords of GIF packets at `data`; a packet may go on in the next call.
+void GSgifTransfer(const u8* data, u32 count);
+
+/// Consumes packets until one with EOP is complete, but nothing beyond the end of main memory when `data`
+/// lies there.
+void GSgifTransfer2(const u8* data);
+
+/// Writes local memory as "<prefix>snapNNN.bmp", NNN the lowest number that is free.
+void GSmakeSnapshot(const char* prefix);
+
+}  // namespace tarn

@@ -1,0 +1,25 @@
+// Declares the interpreter's entry points: one step, and the register and opcode displays.
+#pragma once
+
+#include "base/types.h"
+
+namespace tarn {
+
+/// Executes one instruction at PC, and its delay slot when it is a taken branch or a jump.
+/// What is not implemented sets `pause` and leaves PC on the instruction.
+void MipsUpdateCpu();
+
+/// The mnemonic of an instruction word as the tables name it ("ADDIU", "C_EQ_S", "NI").
+const char* mnemonicOf(u32 word);
+
+/// Sends the 34 register lines (r0 to ra, hi, lo) to the CpuRegisters pane.
+void MipsCpuPrintRegtoOutput();
+
+/// Print the integer or the single-precision registers to standard output, three a line.
+void MipsCpuPrintReg();
+void MipsCpuFPR1PrintReg();
+
+/// Prints the decoding of the current instruction word, by name, to standard output.
+void PrintDebugOpcode();
+
+}  // namespace tarn

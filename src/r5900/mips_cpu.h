@@ -1,0 +1,44 @@
+// Owns the CPU record, MipsCpu: registers, program counter and the pause flag of the R5900.
+#pragma once
+
+#include "base/types.h"
+
+#include <array>
+
+namespace tarn {
+
+/// The state of the interpreted CPU. Zero at program start; start-up sets what the guest expects.
+///
+/// A register is read as its low doubleword; only LQ, LDL, SQ, SDL (general-purpose registers) and
+/// MULT1 (HI1 and LO1, the upper halves of HI and LO) touch the high one. r0 is an ordinary slot.
+struct MipsCpuRecord {
+    u32 opcode = 0;  ///< the instruction word being executed
+    u8 pause = 0;    ///< 1: stopped, until F2 clears it
+    std::array<GuestValue, 32> GPR{};
+    GuestValue HI{};                           ///< HI, and HI1 in the high doubleword
+    GuestValue LO{};                           ///< LO, and LO1 in the high doubleword
+    std::array<std::array<u64, 4>, 32> CP0{};  ///< by register number and select
+    std::array<GuestValue, 32> FPR128{};       ///< bit images (low doubleword) of the FPU registers
+    std::array<f32, 32> FPR32{};               ///< their single-precision values
+    std::array<u64, 32> FCR{};                 ///< only bit 23 of entry 31, the condition bit, is used
+    u64 cycle = 0;                             ///< MipsUpdateCpu calls so far, delay slots included
+    u64 PC = 0;                                ///< byte address of the instruction word
+    u32 entry = 0;                             ///< entry point from the ELF header
+};
+
+inline MipsCpuRecord MipsCpu;
+
+/// Numbers of the registers that calls and messages name.
+enum RegisterNumber : u8 {
+    REG_V0 = 2,
+    REG_V1 = 3,
+    REG_A0 = 4,
+    REG_A1 = 5,
+    REG_A2 = 6,
+    REG_A3 = 7,
+    REG_GP = 28,
+    REG_SP = 29,
+    REG_RA = 31
+};
+
+}  // namespace tarn

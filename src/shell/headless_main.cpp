@@ -1,0 +1,2 @@
+// The program without a window.
+int main(int, char**) { return 1; }

@@ -1,0 +1,2 @@
+// The window application.
+int main(int, char**) { return 1; }

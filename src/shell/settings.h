@@ -1,0 +1,28 @@
+// Owns the record of the process-wide settings that the configuration file sets.
+#pragma once
+
+#include "base/types.h"
+
+namespace tarn {
+
+/// All zero until TarnLoadConfig has run; a flag is on when it equals 1.
+struct TarnSettings {
+    char ElfToExecute[256] = {};      ///< path of the guest program, zero-terminated
+    u8 debug_op = 0;                  ///< 1: trace every instruction (F3 toggles it)
+    u8 debug_dma = 0;                 ///< 1: log DMA register traffic
+    u8 debug_print_syscall = 0;       ///< 1: log every system call
+    u8 debug_gs = 0;                  ///< 1: log GS register accesses
+    u16 koGUI_MainScreenW = 0;        ///< width of MainScreen in pixels
+    u16 koGUI_MainScreenH = 0;        ///< height of MainScreen in pixels
+    u16 koGUI_MainScreenBPP = 0;      ///< bits per pixel of the window and of MainScreen
+    u16 koGUI_MainScreenStretch = 0;  ///< stored, but read by nothing: the renderer has its own copy
+
+    // Opt-in keys: with 0 the program behaves as if they did not exist.
+    u32 stepsPerPoll = 0;  ///< "General:Steps_per_poll": more than 1 batches driver steps
+    u32 frameRate = 0;     ///< "Video:Frame_rate": vertical blanks shown per second at most
+    u8 blend = 0;          ///< "Video:Blend": 1 sends primitives with ABE through the blender
+};
+
+inline TarnSettings Settings;
+
+}  // namespace tarn
