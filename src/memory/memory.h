@@ -1,25 +1,41 @@
-// Declares the guest's view of memory: the two access functions, the width codes and the allocation.
+// Owns the guest's view of memory: the two access functions that every load and store goes through, with
+// the way into main memory inline, and declares the allocation of the areas.
 #pragma once
 
 #include "base/types.h"
+#include "memory/areas.h"
+#include "memory/main_memory.h"
+#include "memory/width.h"
+#include "memory/width_helpers.h"
 
 namespace tarn {
 
-/// Access widths as every caller codes them. A read of 4 bytes or less zero-extends to 64 bits.
-enum class Width : u8 {
-    Quadword = 1,
-    Doubleword = 2,
-    Word = 4,
-    Halfword = 8,
-    Byte = 16,
-    HighDoubleword = 32,  ///< 8 bytes from or into bits 64-127 of the register
-};
+/// The 32 bits of (base + offset) that the memory map looks at.
+constexpr u32 guestAddress(u64 base, s32 offset) {
+    return static_cast<u32>(base + static_cast<u64>(s64{offset}));
+}
+
+/// Accesses outside main memory: devices, the BIOS image, and what is refused.
+void writeOutsideMainMemory(GuestValue value, Width width, u64 base, s32 offset);
+void readOutsideMainMemory(GuestValue* destination, Width width, u64 base, s32 offset);
 
 /// Stores to the guest address (base + offset), low 32 bits. What cannot be served prints and pauses.
-void MipsMemoryWrite(GuestValue value, Width width, u64 base, s32 offset);
+inline void MipsMemoryWrite(GuestValue value, Width width, u64 base, s32 offset) {
+    const auto at = mainMemoryOffset<Access::Store>(guestAddress(base, offset), bytesOf(width));
+    if (at && MipsMemory != nullptr && writeWidth(MipsMemory, *at, value, width)) [[likely]] {
+        return;
+    }
+    writeOutsideMainMemory(value, width, base, offset);
+}
 
 /// Loads from the guest address (base + offset), low 32 bits; on failure `destination` stays as it was.
-void MipsMemoryRead(GuestValue* destination, Width width, u64 base, s32 offset);
+inline void MipsMemoryRead(GuestValue* destination, Width width, u64 base, s32 offset) {
+    const auto at = mainMemoryOffset<Access::Load>(guestAddress(base, offset), bytesOf(width));
+    if (at && MipsMemory != nullptr && readWidth(destination, MipsMemory, *at, width)) [[likely]] {
+        return;
+    }
+    readOutsideMainMemory(destination, width, base, offset);
+}
 
 /// Each allocates one area, says so in the EmuOutput pane, and returns 1, or 0 when that failed.
 u8 MipsMemoryAlloc();

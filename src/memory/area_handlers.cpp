@@ -1,0 +1,107 @@
+// Owns the accesses to the special I/O area, the GS registers and the BIOS image.
+#include "memory/area_handlers.h"
+
+#include "gs/gs.h"
+#include "kernel/ps2_bios.h"
+#include "memory/areas.h"
+#include "memory/width_helpers.h"
+#include "r5900/mips_cpu.h"
+#include "shell/settings.h"
+
+#include <cstdio>
+
+namespace tarn {
+namespace {
+
+constexpr u64 sum(u64 base, s32 offset) { return base + static_cast<u64>(s64{offset}); }
+
+/// Whether an access of this width at `at` stays inside an area of `size` bytes.
+bool holds(const u8* area, u32 size, u32 at, Width width) {
+    return area != nullptr && at + bytesOf(width) <= size;
+}
+
+void refuse(const char* message) {
+    std::fputs(message, stdout);
+    MipsCpu.pause = 1;
+}
+
+}  // namespace
+
+void MipsSpecialMemWrite(u8* area, GuestValue value, Width width, u64 base, s32 offset) {
+    const u32 at = static_cast<u32>(sum(base, offset)) & (specialAreaSize - 1);
+    // The DMA controller sees every attempt, also one whose width is refused below.
+    if (at >= dmaRegisterBase) {
+        Ps2Bios.dmaWritePending = 1;
+        Ps2Bios.dmaWriteOffset = at;
+        Ps2Bios.dmaWriteValue = value.low;
+    }
+    if ((width == Width::Doubleword || width == Width::Word) && holds(area, specialAreaSize, at, width)) {
+        writeWidth(area, at, value, width);
+    } else {
+        refuse("MemSpecial:Write DataType Not Handled\n");
+    }
+}
+
+void MipsSpecialMemRead(const u8* area, GuestValue* destination, Width width, u64 base, s32 offset) {
+    const u32 at = static_cast<u32>(sum(base, offset)) & (specialAreaSize - 1);
+    if ((width == Width::Doubleword || width == Width::Word) && holds(area, specialAreaSize, at, width)) {
+        readWidth(destination, area, at, width);
+    } else {
+        refuse("MemSpecial:Read DataType Not Handled\n");
+    }
+    // A refused read is recorded too, with what the destination held.
+    if (at >= dmaRegisterBase) {
+        Ps2Bios.dmaReadPending = 1;
+        Ps2Bios.dmaReadOffset = at;
+        Ps2Bios.dmaReadValue = destination->low;
+    }
+}
+
+void MipsGSAreaMemWrite(u8*, GuestValue value, Width width, u64 base, s32 offset) {
+    const u32 address = static_cast<u32>(sum(base, offset));
+    if (width == Width::Doubleword) {
+        if (Settings.debug_gs == 1) {
+            std::printf("%8.8llx: GSwrite64 at %lx with %llx\n", MipsCpu.PC,
+                        static_cast<unsigned long>(address), value.low);
+        }
+        GSwrite64(address, value.low);
+    } else if (width == Width::Word) {
+        if (Settings.debug_gs == 1) {
+            std::printf("%8.8llx: GSwrite32 at %lx with %llx\n", MipsCpu.PC,
+                        static_cast<unsigned long>(address), value.low);
+        }
+        GSwrite32(address, static_cast<u32>(value.low));
+    } else {
+        refuse("MemGSArea:Write DataType Not Handled\n");
+    }
+}
+
+void MipsGSAreaMemRead(const u8*, GuestValue* destination, Width width, u64 base, s32 offset) {
+    // The register is chosen by 32 bits of the address; the trace shows all 64.
+    const u64 address = sum(base, offset);
+    const auto trace = [&](const char* name) {
+        if (Settings.debug_gs == 1) {
+            std::printf("%8.8llx: %s at %llx with %llx\n", MipsCpu.PC, name, address, destination->low);
+        }
+    };
+    if (width == Width::Doubleword) {
+        destination->low = GSread64(static_cast<u32>(address));
+        trace("GSread64");
+    } else if (width == Width::Word) {
+        destination->low = GSread32(static_cast<u32>(address));
+        trace("GSread32");
+    } else {
+        refuse("MemGSArea:Read DataType Not Handled\n");
+    }
+}
+
+void MipsBiosAreaMemRead(const u8* area, GuestValue* destination, Width width, u64 base, s32 offset) {
+    const u32 at = static_cast<u32>(sum(base, offset)) & (biosMemorySize - 1);
+    if ((width == Width::Word || width == Width::Byte) && holds(area, biosMemorySize, at, width)) {
+        readWidth(destination, area, at, width);
+    } else {
+        refuse("MemBIOS:Read DataType Not Handled\n");
+    }
+}
+
+}  // namespace tarn

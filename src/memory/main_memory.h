@@ -1,0 +1,64 @@
+// Owns the question that every load and store starts with: is it wholly in main memory, and where?
+#pragma once
+
+#include "base/types.h"
+#include "memory/areas.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace tarn {
+
+/// What an access does: the BIOS image hides the top of the cached kernel segment from loads only.
+enum class Access : u8 { Load, Store };
+
+/// Where main memory begins and ends for the guest. The first megabyte and the last byte are not mapped.
+inline constexpr u32 mainMemoryFirst = 0x00100000;
+inline constexpr u32 mainMemoryLast = 0x01FFFFFE;
+
+/// The cached kernel segment, 0x80000000-0x9FFFFFFE, folded onto physical memory; other addresses as they
+/// are.
+constexpr u32 foldKernelSegment(u32 address) {
+    return address - 0x80000000 <= 0x1FFFFFFE ? address & (mainMemorySize - 1) : address;
+}
+
+/// Whether `bytes` from a physical address on are mapped main memory. The start must not be the last byte,
+/// and the end not beyond the buffer: one comparison does for both.
+constexpr bool inMainMemory(u32 physical, u32 bytes) {
+    return physical - mainMemoryFirst <= mainMemorySize - mainMemoryFirst - std::max(bytes, 2U);
+}
+
+/// Whether a load finds the BIOS image at `address`, in one of its three views.
+constexpr bool isBios(u32 address) {
+    constexpr u32 last = biosMemorySize - 2;
+    return address - 0x1FC00000 <= last || address - 0x9FC00000 <= last || address - 0xBFC00000 <= last;
+}
+
+/// The rarer views of main memory: the uncached mirrors and the repetitions of the kernel segment.
+template <Access access>
+constexpr std::optional<u32> mirroredMainMemoryOffset(u32 address, u32 bytes) {
+    if (access == Access::Load && isBios(address)) {
+        return std::nullopt;
+    }
+    const u32 folded = foldKernelSegment(address);
+    const u32 physical = folded & (mainMemorySize - 1);
+    const u32 view = folded - physical;
+    if ((view == 0 || view == 0x20000000 || view == 0x30000000) && inMainMemory(physical, bytes)) {
+        return physical;
+    }
+    return std::nullopt;
+}
+
+/// Offset in MipsMemory of an access of `bytes` bytes at a guest address, or nothing when it does not lie
+/// wholly in main memory. Programs and their stacks live in the first view and its kernel alias: they take
+/// one comparison.
+template <Access access>
+constexpr std::optional<u32> mainMemoryOffset(u32 address, u32 bytes) {
+    const u32 physical = address & 0x7FFFFFFF;
+    if (inMainMemory(physical, bytes)) [[likely]] {
+        return physical;
+    }
+    return mirroredMainMemoryOffset<access>(address, bytes);
+}
+
+}  // namespace tarn

@@ -1,0 +1,63 @@
+// Owns the dispatch of the accesses that main memory does not serve, and the messages of those that nothing
+// serves.
+#include "memory/memory.h"
+
+#include "gui/text_sinks.h"
+#include "memory/area_handlers.h"
+#include "r5900/mips_cpu.h"
+
+#include <cstdio>
+
+namespace tarn {
+namespace {
+
+constexpr u32 specialAreaFirst = 0x10000000;
+constexpr u32 gsAreaFirst = 0x12000000;
+constexpr u32 gsAreaLast = 0x12001080;
+
+constexpr bool isGsArea(u32 address) { return address - gsAreaFirst <= gsAreaLast - gsAreaFirst; }
+
+/// Whether an access got here for its width code alone, its address being one of main memory.
+template <Access access>
+bool isUnknownWidth(u32 address, Width width) {
+    return bytesOf(width) == 0 && mainMemoryOffset<access>(address, 0);
+}
+
+}  // namespace
+
+void writeOutsideMainMemory(GuestValue value, Width width, u64 base, s32 offset) {
+    const u32 address = guestAddress(base, offset);
+    if (address - specialAreaFirst < specialAreaSize) {
+        MipsSpecialMemWrite(SpecialAreaMemory, value, width, base, offset);
+    } else if (isGsArea(address)) {
+        MipsGSAreaMemWrite(GSAreaMemory, value, width, base, offset);
+    } else {
+        if (isUnknownWidth<Access::Store>(address, width)) {
+            PrintToEmuOutput("Mem:Write DataType Not Handled\n");
+        } else {
+            PrintfToEmuOutput("Mem:Write:NEED SPECIAL HANDLE ADD :  %llx\n", u64{foldKernelSegment(address)});
+        }
+        MipsCpu.pause = 1;
+    }
+}
+
+void readOutsideMainMemory(GuestValue* destination, Width width, u64 base, s32 offset) {
+    const u32 address = guestAddress(base, offset);
+    // The last byte of the special area can be written but not read.
+    if (address - specialAreaFirst < specialAreaSize - 1) {
+        MipsSpecialMemRead(SpecialAreaMemory, destination, width, base, offset);
+    } else if (isGsArea(address)) {
+        MipsGSAreaMemRead(GSAreaMemory, destination, width, base, offset);
+    } else if (isBios(address)) {
+        MipsBiosAreaMemRead(BiosMemory, destination, width, base, offset);
+    } else {
+        if (isUnknownWidth<Access::Load>(address, width)) {
+            std::printf("Mem:Read DataType Not Handled\n");
+        } else {
+            std::printf("Mem:Read:NEED SPECIAL HANDLE ADD :  %llx\n", u64{foldKernelSegment(address)});
+        }
+        MipsCpu.pause = 1;
+    }
+}
+
+}  // namespace tarn
