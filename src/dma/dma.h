@@ -1,18 +1,34 @@
-// Declares the two steps that follow every instruction: the DMA controller and vertical-blank pacing.
+// Owns the two steps that follow every instruction: the DMA controller's and vertical-blank pacing's, with
+// what they do nearly every time inline.
 #pragma once
 
 #include "base/types.h"
+#include "kernel/ps2_bios.h"
 
 namespace tarn {
 
 inline u64 nb_dma_transfert = 0;  ///< channel 2 starts so far
 inline u64 verticalBlanks = 0;    ///< frames presented so far
 
+/// The work of DmaUpdate when something may be pending, and of GSUpdate when the countdown is over.
+void serveDmaRequests();
+void testVerticalBlank();
+
 /// Acts on the last guest write and read in the DMA register block and on a SIF0 start request.
-void DmaUpdate();
+inline void DmaUpdate() {
+    if ((Ps2Bios.dmaWritePending | Ps2Bios.dmaReadPending | Ps2Bios.sif0StartRequest) != 0) [[unlikely]] {
+        serveDmaRequests();
+    }
+}
 
 /// Counts towards the next vertical blank; at one, presents the frame and marks pane 0 dirty.
-void GSUpdate();
+inline void GSUpdate() {
+    if (Ps2Bios.vsyncCountdown > vsyncThreshold) [[likely]] {
+        --Ps2Bios.vsyncCountdown;
+    } else {
+        testVerticalBlank();
+    }
+}
 
 /// Prints a channel's register copy to standard output; nothing for a channel of 10 or more.
 void DmaPrintChannelInfo(u8 channel);

@@ -26,7 +26,10 @@ struct DmacHandlerSlot {
 };
 
 inline constexpr unsigned dmaChannelCount = 10;
+inline constexpr unsigned gifChannel = 2;   ///< to the GS
+inline constexpr unsigned sif0Channel = 5;  ///< from the I/O processor
 inline constexpr u64 vsyncPeriod = 0x6FFF;  ///< start value of vsyncCountdown, in driver steps
+inline constexpr u64 vsyncThreshold = 14;   ///< at or below it each step tests for a vertical blank
 
 struct Ps2BiosRecord {
     u8 dmaWritePending = 0;  ///< 1: the guest has written the DMA register half of the special area

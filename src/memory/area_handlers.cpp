@@ -4,7 +4,7 @@
 #include "gs/gs.h"
 #include "kernel/ps2_bios.h"
 #include "memory/areas.h"
-#include "memory/width_helpers.h"
+#include "memory/memory.h"
 #include "r5900/mips_cpu.h"
 #include "shell/settings.h"
 
@@ -12,8 +12,6 @@
 
 namespace tarn {
 namespace {
-
-constexpr u64 sum(u64 base, s32 offset) { return base + static_cast<u64>(s64{offset}); }
 
 /// Whether an access of this width at `at` stays inside an area of `size` bytes.
 bool holds(const u8* area, u32 size, u32 at, Width width) {
@@ -28,7 +26,7 @@ void refuse(const char* message) {
 }  // namespace
 
 void MipsSpecialMemWrite(u8* area, GuestValue value, Width width, u64 base, s32 offset) {
-    const u32 at = static_cast<u32>(sum(base, offset)) & (specialAreaSize - 1);
+    const u32 at = guestAddress(base, offset) & (specialAreaSize - 1);
     // The DMA controller sees every attempt, also one whose width is refused below.
     if (at >= dmaRegisterBase) {
         Ps2Bios.dmaWritePending = 1;
@@ -43,7 +41,7 @@ void MipsSpecialMemWrite(u8* area, GuestValue value, Width width, u64 base, s32 
 }
 
 void MipsSpecialMemRead(const u8* area, GuestValue* destination, Width width, u64 base, s32 offset) {
-    const u32 at = static_cast<u32>(sum(base, offset)) & (specialAreaSize - 1);
+    const u32 at = guestAddress(base, offset) & (specialAreaSize - 1);
     if ((width == Width::Doubleword || width == Width::Word) && holds(area, specialAreaSize, at, width)) {
         readWidth(destination, area, at, width);
     } else {
@@ -58,7 +56,7 @@ void MipsSpecialMemRead(const u8* area, GuestValue* destination, Width width, u6
 }
 
 void MipsGSAreaMemWrite(u8*, GuestValue value, Width width, u64 base, s32 offset) {
-    const u32 address = static_cast<u32>(sum(base, offset));
+    const u32 address = guestAddress(base, offset);
     if (width == Width::Doubleword) {
         if (Settings.debug_gs == 1) {
             std::printf("%8.8llx: GSwrite64 at %lx with %llx\n", MipsCpu.PC,
@@ -78,7 +76,7 @@ void MipsGSAreaMemWrite(u8*, GuestValue value, Width width, u64 base, s32 offset
 
 void MipsGSAreaMemRead(const u8*, GuestValue* destination, Width width, u64 base, s32 offset) {
     // The register is chosen by 32 bits of the address; the trace shows all 64.
-    const u64 address = sum(base, offset);
+    const u64 address = base + static_cast<u64>(s64{offset});
     const auto trace = [&](const char* name) {
         if (Settings.debug_gs == 1) {
             std::printf("%8.8llx: %s at %llx with %llx\n", MipsCpu.PC, name, address, destination->low);
@@ -96,7 +94,7 @@ void MipsGSAreaMemRead(const u8*, GuestValue* destination, Width width, u64 base
 }
 
 void MipsBiosAreaMemRead(const u8* area, GuestValue* destination, Width width, u64 base, s32 offset) {
-    const u32 at = static_cast<u32>(sum(base, offset)) & (biosMemorySize - 1);
+    const u32 at = guestAddress(base, offset) & (biosMemorySize - 1);
     if ((width == Width::Word || width == Width::Byte) && holds(area, biosMemorySize, at, width)) {
         readWidth(destination, area, at, width);
     } else {

@@ -5,16 +5,17 @@
 #include "memory/areas.h"
 
 #include <algorithm>
-#include <optional>
 
 namespace tarn {
 
 /// What an access does: the BIOS image hides the top of the cached kernel segment from loads only.
 enum class Access : u8 { Load, Store };
 
-/// Where main memory begins and ends for the guest. The first megabyte and the last byte are not mapped.
+/// Where main memory begins for the guest: the first megabyte is not mapped. Neither is the last byte.
 inline constexpr u32 mainMemoryFirst = 0x00100000;
-inline constexpr u32 mainMemoryLast = 0x01FFFFFE;
+
+/// Stands for "no offset"; a plain word, because an optional costs a store to the stack on this path.
+inline constexpr u32 notMainMemory = 0xFFFFFFFF;
 
 /// The cached kernel segment, 0x80000000-0x9FFFFFFE, folded onto physical memory; other addresses as they
 /// are.
@@ -36,9 +37,9 @@ constexpr bool isBios(u32 address) {
 
 /// The rarer views of main memory: the uncached mirrors and the repetitions of the kernel segment.
 template <Access access>
-constexpr std::optional<u32> mirroredMainMemoryOffset(u32 address, u32 bytes) {
+constexpr u32 mirroredMainMemoryOffset(u32 address, u32 bytes) {
     if (access == Access::Load && isBios(address)) {
-        return std::nullopt;
+        return notMainMemory;
     }
     const u32 folded = foldKernelSegment(address);
     const u32 physical = folded & (mainMemorySize - 1);
@@ -46,14 +47,14 @@ constexpr std::optional<u32> mirroredMainMemoryOffset(u32 address, u32 bytes) {
     if ((view == 0 || view == 0x20000000 || view == 0x30000000) && inMainMemory(physical, bytes)) {
         return physical;
     }
-    return std::nullopt;
+    return notMainMemory;
 }
 
-/// Offset in MipsMemory of an access of `bytes` bytes at a guest address, or nothing when it does not lie
-/// wholly in main memory. Programs and their stacks live in the first view and its kernel alias: they take
+/// Offset in MipsMemory of an access of `bytes` bytes at a guest address, or notMainMemory when it does not
+/// lie wholly there. Programs and their stacks live in the first view and its kernel alias: they take
 /// one comparison.
 template <Access access>
-constexpr std::optional<u32> mainMemoryOffset(u32 address, u32 bytes) {
+constexpr u32 mainMemoryOffset(u32 address, u32 bytes) {
     const u32 physical = address & 0x7FFFFFFF;
     if (inMainMemory(physical, bytes)) [[likely]] {
         return physical;

@@ -20,7 +20,7 @@ constexpr bool isGsArea(u32 address) { return address - gsAreaFirst <= gsAreaLas
 /// Whether an access got here for its width code alone, its address being one of main memory.
 template <Access access>
 bool isUnknownWidth(u32 address, Width width) {
-    return bytesOf(width) == 0 && mainMemoryOffset<access>(address, 0);
+    return bytesOf(width) == 0 && mainMemoryOffset<access>(address, 0) != notMainMemory;
 }
 
 }  // namespace

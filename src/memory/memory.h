@@ -21,8 +21,8 @@ void readOutsideMainMemory(GuestValue* destination, Width width, u64 base, s32 o
 
 /// Stores to the guest address (base + offset), low 32 bits. What cannot be served prints and pauses.
 inline void MipsMemoryWrite(GuestValue value, Width width, u64 base, s32 offset) {
-    const auto at = mainMemoryOffset<Access::Store>(guestAddress(base, offset), bytesOf(width));
-    if (at && MipsMemory != nullptr && writeWidth(MipsMemory, *at, value, width)) [[likely]] {
+    const u32 at = mainMemoryOffset<Access::Store>(guestAddress(base, offset), bytesOf(width));
+    if (at != notMainMemory && MipsMemory != nullptr && writeWidth(MipsMemory, at, value, width)) [[likely]] {
         return;
     }
     writeOutsideMainMemory(value, width, base, offset);
@@ -30,8 +30,9 @@ inline void MipsMemoryWrite(GuestValue value, Width width, u64 base, s32 offset)
 
 /// Loads from the guest address (base + offset), low 32 bits; on failure `destination` stays as it was.
 inline void MipsMemoryRead(GuestValue* destination, Width width, u64 base, s32 offset) {
-    const auto at = mainMemoryOffset<Access::Load>(guestAddress(base, offset), bytesOf(width));
-    if (at && MipsMemory != nullptr && readWidth(destination, MipsMemory, *at, width)) [[likely]] {
+    const u32 at = mainMemoryOffset<Access::Load>(guestAddress(base, offset), bytesOf(width));
+    if (at != notMainMemory && MipsMemory != nullptr && readWidth(destination, MipsMemory, at, width))
+        [[likely]] {
         return;
     }
     readOutsideMainMemory(destination, width, base, offset);

@@ -1,0 +1,158 @@
+// Owns the DMA controller: the registers of channel 2 (GIF) and channel 5 (SIF0) and what starting them does.
+// A transfer is over before the guest's next instruction.
+#include "dma/dma.h"
+#include "gs/gs.h"
+#include "memory/areas.h"
+#include "memory/width_helpers.h"
+#include "r5900/mips_cpu.h"
+#include "shell/settings.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+namespace tarn {
+namespace {
+
+constexpr u64 statusOffset = 0xE010;
+constexpr u64 startBit = 0x100;           ///< STR of a channel control register
+constexpr u64 startCleared = 0xFFFFFEFF;  ///< keeps the low word without STR
+constexpr u8 normalFromMemory = 0x01;     ///< DIR 1, normal mode, no tags, no interrupt
+constexpr u32 quadwordBytes = 16;
+
+/// A channel register that the controller knows, by its offset in the special area.
+struct ChannelRegister {
+    u64 offset;
+    const char* name;
+    unsigned channel;
+    u64 DmaChannelRegs::*field;
+};
+
+constexpr std::array channelRegisters{
+    ChannelRegister{0xA000, "DmaChannel2_CHCRT", gifChannel, &DmaChannelRegs::chcr},
+    ChannelRegister{0xA010, "DmaChannel2_MADR", gifChannel, &DmaChannelRegs::madr},
+    ChannelRegister{0xA020, "DmaChannel2_SIZE", gifChannel, &DmaChannelRegs::qwc},
+    ChannelRegister{0xA030, "DmaChannel2_TAG", gifChannel, &DmaChannelRegs::tadr},
+    ChannelRegister{0xA040, "DmaChannel2_ASR0", gifChannel, &DmaChannelRegs::asr0},
+    ChannelRegister{0xA050, "DmaChannel2_ASR1", gifChannel, &DmaChannelRegs::asr1},
+    ChannelRegister{0xA080, "DmaChannel2_SADR", gifChannel, &DmaChannelRegs::sadr},
+    ChannelRegister{0xC000, "DmaChannel5_CHCR", sif0Channel, &DmaChannelRegs::chcr},
+    ChannelRegister{0xC010, "DmaChannel5_MADR", sif0Channel, &DmaChannelRegs::madr},
+    ChannelRegister{0xC020, "DmaChannel5_QWC", sif0Channel, &DmaChannelRegs::qwc},
+};
+
+/// Clears STR in the copy and in what the guest reads back, without recording a guest write.
+void acknowledge(DmaChannelRegs& registers, u64 offset) {
+    registers.chcr &= startCleared;
+    if (SpecialAreaMemory != nullptr) {
+        MipsMemoryWriteW(SpecialAreaMemory, static_cast<u32>(offset), static_cast<u32>(registers.chcr));
+    }
+}
+
+/// Hands `qwc` quadwords at `madr` to the GIF, as many of them as main memory holds.
+void transferToGif(u64 madr, u32 qwc) {
+    if (madr < mainMemorySize && MipsMemory != nullptr) {
+        const u32 held = (mainMemorySize - static_cast<u32>(madr)) / quadwordBytes;
+        GSgifTransfer(MipsMemory + madr, std::min(qwc, held));
+    }
+}
+
+void startGif(DmaChannelRegs& registers, u64 offset) {
+    const u8 mode = static_cast<u8>(registers.chcr);
+    const u32 qwc = static_cast<u32>(registers.qwc);
+    if (mode == normalFromMemory) {
+        if (Settings.debug_dma == 1) {
+            std::printf("GSgifTransfer 101 : Add:%16.16llx size:%ld\n", registers.madr, long{qwc});
+        }
+        transferToGif(registers.madr, qwc);
+    } else if (Settings.debug_dma == 1) {
+        std::printf("GSgifTransfer Not Handled : %2.2llx \n", u64{mode});
+    }
+    acknowledge(registers, offset);
+    ++nb_dma_transfert;
+}
+
+/// Moves nothing; the guest only sees its start acknowledged.
+void startSif0(DmaChannelRegs& registers, u64 offset) {
+    if (registers.madr != 0) {
+        DmaPrintChannelInfo(sif0Channel);
+    }
+    acknowledge(registers, offset);
+}
+
+void writeChannelRegister(const ChannelRegister& target, u64 value) {
+    if (Settings.debug_dma == 1) {
+        std::printf("%s = %llx\n", target.name, value);
+    }
+    DmaChannelRegs& registers = Ps2Bios.dmaChannel[target.channel];
+    registers.*target.field = value;
+    if (target.field == &DmaChannelRegs::chcr && (value & startBit) != 0) {
+        const auto start = target.channel == gifChannel ? startGif : startSif0;
+        start(registers, target.offset);
+    }
+}
+
+void serveWrite(u64 offset, u64 value) {
+    if (Settings.debug_dma == 1) {
+        std::printf("%8.8llx:DMA Acces ( write ):1000 %4llx h: ", MipsCpu.PC, offset);
+    }
+    const auto target = std::find_if(channelRegisters.begin(), channelRegisters.end(),
+                                     [&](const ChannelRegister& entry) { return entry.offset == offset; });
+    if (target != channelRegisters.end()) {
+        writeChannelRegister(*target, value);
+    } else if (offset == statusOffset) {
+        if (Settings.debug_dma == 1) {
+            std::printf("DMAC Status = %llx NI\n", value);
+        }
+    } else {
+        std::printf("DMA Adress Non-Impl.  1000%4llx h (i:%lld) \n", offset, static_cast<s64>(MipsCpu.cycle));
+    }
+}
+
+/// Diverts the guest into the handler that it registered for SIF0: its next instruction is the handler's.
+void enterSif0Handler() {
+    DmacHandlerSlot& slot = Ps2Bios.dmacHandler[sif0Channel];
+    std::printf("DMA:Sif_0 : Start\n");
+    std::printf("|DmaHandler Add: %8.8llx\n", slot.handlerAddress);
+    slot.savedPc = MipsCpu.PC;
+    slot.active = 1;
+    MipsCpu.PC = slot.handlerAddress;
+}
+
+}  // namespace
+
+void serveDmaRequests() {
+    if (Ps2Bios.dmaWritePending == 1) {
+        serveWrite(Ps2Bios.dmaWriteOffset, Ps2Bios.dmaWriteValue);
+        Ps2Bios.dmaWritePending = 0;
+    }
+    if (Ps2Bios.dmaReadPending == 1) {
+        if (Settings.debug_dma == 1) {
+            std::printf("%8.8llx:DMA Acces ( read  ):1000 %4llx h: %llx\n", MipsCpu.PC, Ps2Bios.dmaReadOffset,
+                        Ps2Bios.dmaReadValue);
+        }
+        Ps2Bios.dmaReadPending = 0;
+    }
+    // A request byte other than 1 stays where it is until the guest overwrites it.
+    if (Ps2Bios.sif0StartRequest == 1) {
+        enterSif0Handler();
+        Ps2Bios.sif0StartRequest = 0;
+    }
+}
+
+void DmaPrintChannelInfo(u8 channel) {
+    if (channel >= dmaChannelCount) {
+        return;
+    }
+    const DmaChannelRegs& registers = Ps2Bios.dmaChannel[channel];
+    std::printf("\nDMA Channel n\xB0 %2.2d\n", channel);  // the degree sign in Latin-1
+    std::printf("Channel Control register: %llx\n", registers.chcr);
+    std::printf("Memory address          : %llx\n", registers.madr);
+    std::printf("Quadra-word counter     : %llx\n", registers.qwc);
+    std::printf("Tag address             : %llx\n", registers.tadr);
+    std::printf("Assembler Reserved 0    : %llx\n", registers.asr0);
+    std::printf("Assembler Reserved 1    : %llx\n", registers.asr1);
+    std::printf("\?\?\?                     : %llx\n", registers.sadr);
+}
+
+}  // namespace tarn

@@ -1,0 +1,110 @@
+// Owns the DMA, SIF and GS calls. They reach the devices as a guest would, through the memory map, and run
+// the DMA controller at once so that a write has taken effect when the call returns.
+#include "base/bits.h"
+#include "dma/dma.h"
+#include "kernel/ps2_bios.h"
+#include "kernel/syscalls.h"
+#include "memory/memory.h"
+
+#include <cstdio>
+
+namespace tarn {
+namespace {
+
+constexpr u64 dmacStatus = 0x1000E010;       // D_STAT
+constexpr u64 sif0Control = 0x1000C000;      // D5_CHCR
+constexpr u64 sif0Quadwords = 0x1000C020;    // D5_QWC
+constexpr u64 gsInterruptMask = 0x12001010;  // IMR
+constexpr u64 startChain = 0x184;            ///< STR, TIE and chain mode
+
+u64& argument0() { return MipsCpu.GPR[REG_A0].low; }
+u64& argument1() { return MipsCpu.GPR[REG_A1].low; }
+u64& result() { return MipsCpu.GPR[REG_V0].low; }
+
+void writeDoubleword(u64 address, u64 value) { MipsMemoryWrite({value, 0}, Width::Doubleword, address, 0); }
+
+u64 readDoubleword(u64 address) {
+    GuestValue value;
+    MipsMemoryRead(&value, Width::Doubleword, address, 0);
+    return value.low;
+}
+
+}  // namespace
+
+/// a0: channel, a1: guest address of the handler. A channel without a slot registers nothing.
+void SYSCALL_AddDmacHandler() {
+    if (logSyscall()) {
+        std::printf("|channel: %2lld, Address: 0x%8.8llx\n", static_cast<s64>(argument0()), argument1());
+    }
+    const u32 channel = static_cast<u32>(argument0());
+    if (channel < dmaChannelCount) {
+        Ps2Bios.dmacHandler[channel].handlerAddress = argument1();
+    }
+    finishSyscall();
+}
+
+/// a0: channel. v0 is 1, or 0 when the channel's mask bit was set already. The mask bit replaces what D_STAT
+/// held; it is a 32-bit quantity, so channel 15 sign-extends and channels 16-31 have none.
+void SYSCALL__EnableDmac() {
+    if (logSyscall()) {
+        std::printf("|Channel: %lld\n", static_cast<s64>(argument0()));
+    }
+    const u64 status = readDoubleword(dmacStatus);
+    DmaUpdate();
+    const u64 mask = signExtend32(u32{0x10000} << (argument0() & 31));
+    if ((status & mask) != 0) {
+        result() = 0;
+    } else {
+        writeDoubleword(dmacStatus, mask);
+        DmaUpdate();
+        result() = 1;
+    }
+    finishSyscall();
+}
+
+/// a0: the GS interrupt mask, which is also the result.
+void SYSCALL_GsPutIMR() {
+    if (logSyscall()) {
+        std::printf("|A0\t= %llx\n", argument0());
+    }
+    result() = argument0();
+    writeDoubleword(gsInterruptMask, argument0());
+    finishSyscall();
+}
+
+/// a1: count of transfers; a list (a0) of one makes the DMA controller enter the guest's SIF0 handler after
+/// this instruction, once in a run. The list itself is not read.
+void SYSCALL_sceSifSetDma() {
+    if (logSyscall()) {
+        std::printf("|A0\t= %llx, A1 = %llx \n", argument0(), argument1());
+    }
+    if (Ps2Bios.dmacHandler[sif0Channel].active == 0) {
+        Ps2Bios.sif0StartRequest = static_cast<u8>(argument1());
+    }
+    finishSyscall();
+}
+
+/// Starts channel 5 in chain mode; v0 is its control register afterwards, which also goes below the stack.
+void SYSCALL_sceSifSetDChain() {
+    logSyscall();
+    writeDoubleword(sif0Quadwords, 0);
+    DmaUpdate();
+    argument0() = startChain;
+    writeDoubleword(sif0Control, argument0());
+    DmaUpdate();
+    MipsMemoryRead(&MipsCpu.GPR[REG_V0], Width::Doubleword, sif0Control, 0);
+    std::printf("|%llx \n", result());
+    MipsMemoryWrite({result(), 0}, Width::Doubleword, MipsCpu.GPR[REG_SP].low, -16);
+    finishSyscall();
+}
+
+/// a0: the register, whatever it is.
+void SYSCALL_sceSifGetReg() {
+    if (logSyscall()) {
+        std::printf("|a0=%llx\n", argument0());
+    }
+    result() = 0x60000;
+    finishSyscall();
+}
+
+}  // namespace tarn
