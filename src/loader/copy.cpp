@@ -1,0 +1,120 @@
+// Owns the reading of the ELF header tables and the copying of the program and the BIOS image into memory.
+// Nothing that the headers say is trusted: work and memory are bounded by the files and the areas.
+#include "gui/text_sinks.h"
+#include "loader/loader.h"
+#include "memory/areas.h"
+#include "r5900/mips_cpu.h"
+
+#include <algorithm>
+#include <span>
+
+namespace tarn {
+namespace {
+
+/// Sections must end before the last two bytes of main memory; segments may fill it.
+constexpr u32 segmentLimit = mainMemorySize;
+constexpr u32 sectionLimit = 0x1FFFFFE;
+
+/// Reads up to `size` bytes at the current position; returns how many there were.
+std::size_t readBytes(const FilePtr& file, void* destination, std::size_t size) {
+    return file != nullptr ? std::fread(destination, 1, size, file.get()) : 0;
+}
+
+void seek(const FilePtr& file, u32 position) {
+    if (file != nullptr) {
+        std::fseek(file.get(), long{position}, SEEK_SET);
+    }
+}
+
+/// Reads one header; false, and the header as it was, when the file ends before it does.
+template <class Header>
+bool readHeader(Header& header) {
+    Header read;
+    if (readBytes(Loader.ElfFile, &read, sizeof read) != sizeof read) {
+        return false;
+    }
+    header = read;
+    return true;
+}
+
+/// Reads a table of `count` headers at a file offset; returns how many were missing or had no room.
+template <class Header>
+u32 readTable(std::span<Header, elfTableEntries> table, u32 position, u32 count) {
+    seek(Loader.ElfFile, position);
+    u32 errors = count - std::min(count, elfTableEntries);
+    for (Header& header : table.first(std::min(count, elfTableEntries))) {
+        errors += readHeader(header) ? 0 : 1;
+    }
+    return errors;
+}
+
+/// Copies `size` bytes at a file offset to a main-memory offset; returns the number of errors. A part that
+/// would end beyond `limit` is skipped and is one error; a byte that the file does not have is one error.
+u64 copyPart(u32 position, u32 address, u32 size, u32 limit) {
+    if (MipsMemory == nullptr || u64{address} + size > limit) {
+        return 1;
+    }
+    seek(Loader.ElfFile, position);
+    return size - readBytes(Loader.ElfFile, MipsMemory + address, size);
+}
+
+void reportCopy(const char* what, u64 errors) {
+    if (errors == 0) {
+        PrintfToEmuOutput("Init:Copy %s To Memory: Done", what);
+    } else {
+        PrintfToEmuOutput("Init:Copy %s To Memory: Done with %lld errors", what, static_cast<s64>(errors));
+    }
+}
+
+}  // namespace
+
+u8 ElfLoadHeader() {
+    const ElfFileHeader& header = Loader.ico_elf_hdr;
+    u32 errors = 0;
+    seek(Loader.ElfFile, 0);
+    if (readHeader(Loader.ico_elf_hdr)) {
+        PrintToEmuOutput("File:Read Elf Header ");
+        MipsCpu.entry = header.e_entry;
+    } else {
+        ++errors;
+    }
+    errors += readTable(std::span(Loader.ico_elf_prg_hdr), header.e_phoff, header.e_phnum);
+    PrintfToEmuOutput("File:Read Elf Program Header Numero 0 to %d", header.e_phnum);
+    errors += readTable(std::span(Loader.ico_elf_sec_hdr), header.e_shoff, header.e_shnum);
+    PrintfToEmuOutput("File:Read Elf Section Header Numero 0 to %d", header.e_shnum);
+    PrintToEmuOutput(errors == 0 ? "File:Read Elf Header DONE" : "File:Read Elf Header ERROR");
+    return static_cast<u8>(std::min(errors, 255U));
+}
+
+u8 CopyProgramToMemory() {
+    PrintToEmuOutput("Init:Copy Program To Memory: ");
+    u64 errors = 0;
+    const u32 count = std::min<u32>(Loader.ico_elf_hdr.e_phnum, elfTableEntries);
+    for (const ElfProgramHeader& segment : std::span(Loader.ico_elf_prg_hdr).first(count)) {
+        errors += copyPart(segment.p_offset, segment.p_paddr, segment.p_filesz, segmentLimit);
+    }
+    reportCopy("Program", errors);
+    return 0;
+}
+
+u8 CopySectionToMemory() {
+    PrintToEmuOutput("Init:Copy Section To Memory: ");
+    u64 errors = 0;
+    const u32 count = std::min<u32>(Loader.ico_elf_hdr.e_shnum, elfTableEntries);
+    for (const ElfSectionHeader& section : std::span(Loader.ico_elf_sec_hdr).first(count)) {
+        errors += copyPart(section.sh_offset, section.sh_addr, section.sh_size, sectionLimit);
+    }
+    reportCopy("Section", errors);
+    return 0;
+}
+
+u8 CopyBiosToMemory() {
+    seek(Loader.BiosFile, 0);
+    if (BiosMemory != nullptr) {
+        readBytes(Loader.BiosFile, BiosMemory, biosMemorySize);
+    }
+    PrintToEmuOutput("Init:Copy BIOS To Memory:...Done");
+    return 0;
+}
+
+}  // namespace tarn
