@@ -11,10 +11,11 @@ u32 PS2EgetLibType();          ///< 1
 u32 PS2EgetLibVersion();       ///< 0x10000
 const char* PS2EgetLibName();  ///< "Gravel-sdl Driver"
 
-s32 GSinit();  ///< allocates local memory, sets start values; 0, or -1 without memory
+s32 GSinit();  ///< allocates local memory, sets start values; 0, or -1 (and nothing set) without memory
 s32 GSopen(SDL_Surface* display, const char* title);  ///< opens the display on a surface; 0 or -1
 void GSclose();                                       ///< closes the display; the surface stays its owner's
 void GSshutdown();                                    ///< frees local memory
+void GSreset();                                       ///< puts everything back as at process start
 void GSvsync();                                       ///< presents the displayed frame buffer
 void GSkeyEvent();                                    ///< does nothing
 void GSconfigure();                                   ///< reads the renderer's configuration again
@@ -27,14 +28,16 @@ void GSwrite64(u32 address, u64 value);
 u32 GSread32(u32 address);
 u64 GSread64(u32 address);
 
-/// Consumes `count` quadwords of GIF packets at `data`; a packet may go on in the next call.
+/// Consumes `count` quadwords of GIF packets at `data`; a packet may go on in the next call. Without local
+/// memory, packets are dropped.
 void GSgifTransfer(const u8* data, u32 count);
 
 /// Consumes packets until one with EOP is complete, but nothing beyond the end of main memory when `data`
 /// lies there.
 void GSgifTransfer2(const u8* data);
 
-/// Writes local memory as "<prefix>snapNNN.bmp", NNN the lowest number that is free.
-void GSmakeSnapshot(const char* prefix);
+/// Writes local memory, as a frame buffer of the displayed width, to "<prefix>snapNNN.bmp" (24-bit BMP), NNN
+/// the lowest number that is free. False when the file could not be written.
+bool GSmakeSnapshot(const char* prefix);
 
 }  // namespace tarn

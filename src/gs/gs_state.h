@@ -186,9 +186,17 @@ struct GifTag {
     u32 pre = 0;
 };
 
+/// What the next quadword of a GIF stream is.
+enum class GifMode : u32 {
+    Tag = 0,
+    Packed = 1,
+    Reglist = 2,
+    Image = 3,
+};
+
 /// SMODE2.
 struct GsSmode2 {
-    u32 int_ = 0;
+    u32 int_ = 0;  ///< INT, interlaced
     u32 ffmd = 0;
     u32 dpms = 0;
 };
@@ -214,6 +222,10 @@ struct GsDisplay {
 /// All that the renderer remembers. Per-context arrays carry a leading underscore (index 0 is context 1);
 /// the bare names point at the record of the current context, set by gsSetCtxt.
 struct GsState {
+    GsState() = default;
+    GsState(const GsState&) = delete;  // the current-context pointers point into the record itself
+    GsState& operator=(const GsState&) = delete;
+
     // Local memory, as bytes and as words; the same 4 MB. Every index into it is taken modulo its size.
     u8* vRam = nullptr;
     u32* vRamUL = nullptr;
@@ -277,9 +289,9 @@ struct GsState {
 
     // GIF.
     GifTag gtag{};
-    u64 regs = 0;     ///< descriptors, four bits each
-    u32 regn = 0;     ///< next descriptor
-    u32 gifMode = 0;  ///< a GifMode
+    u64 regs = 0;  ///< descriptors, four bits each
+    u32 regn = 0;  ///< next descriptor
+    GifMode gifMode = GifMode::Tag;
 
     // Display.
     u32 pmode = 0;  ///< the circuit shown, 0 or 1

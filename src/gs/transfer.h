@@ -5,16 +5,20 @@
 
 namespace tarn {
 
-/// Stores one pixel word at the transfer cursor, unless outside the destination, and advances the cursor.
+/// Stores one pixel word at the transfer cursor, unless that is outside the destination, and advances the
+/// cursor: along the rectangle's row, down its rows, and from the last to the first again.
 void TransferPixel(u32 pixel);
 
-/// Four 32-bit pixels from one quadword (16 bytes).
+/// Four 32-bit pixels from one quadword (16 bytes), each by the rule of TransferPixel.
 void FBwrite(const u8* quadword);
 
-/// Sixteen 24-bit pixels from 48 bytes.
+/// FBwrite of `quadwords` in a row.
+void FBwriteBlock(const u8* data, u32 quadwords);
+
+/// Sixteen 24-bit pixels from 48 bytes, widened with an upper byte of 0.
 void FBwrite24_3(const u8* group);
 
-/// The local-to-local rectangle copy that TRXDIR 2 starts.
+/// The local-to-local rectangle copy that TRXDIR 2 starts. Clips to both buffers; at most 4 MB move.
 void FBmoveImage();
 
 /// One 16-bit palette entry as a 32-bit colour, its alpha from TEXA.

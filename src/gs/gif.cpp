@@ -1,0 +1,236 @@
+// Owns the GIF packet parser: tags, and the PACKED, REGLIST and IMAGE forms of their data.
+#include "gs/gif.h"
+
+#include "base/bits.h"
+#include "gs/gs.h"
+#include "gs/gs_state.h"
+#include "gs/registers.h"
+#include "gs/transfer.h"
+#include "memory/areas.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstring>
+#include <limits>
+
+namespace tarn {
+namespace {
+
+constexpr u32 quadwordBytes = 16;
+
+template <class Word>
+Word load(const u8* data) {
+    Word word;
+    std::memcpy(&word, data, sizeof word);
+    return word;
+}
+
+constexpr u64 join(u32 low, u32 high) { return low | (u64{high} << 32); }
+
+u32 currentDescriptor() { return static_cast<u32>(Gs.regs >> (4 * Gs.regn)) & 15; }
+
+/// Steps to the next descriptor, and at the last one to the next loop; true when that was the tag's last.
+bool stepDescriptor() {
+    if (++Gs.regn < Gs.gtag.nreg) {
+        return false;
+    }
+    Gs.regn = 0;
+    return --Gs.gtag.nloop == 0;
+}
+
+/// What is left of the data that a transfer handed over.
+struct Stream {
+    const u8* data;
+    u64 quadwords;
+
+    void skip(u64 count) {
+        data += count * quadwordBytes;
+        quadwords -= count;
+    }
+};
+
+// Each consumes data of one form until the tag's or the stream's end; the tag's end sets the mode.
+
+void consumePacked(Stream& stream) {
+    while (stream.quadwords > 0) {
+        GIFprocessReg(stream.data, currentDescriptor());
+        stream.skip(1);
+        if (stepDescriptor()) {
+            Gs.gifMode = GifMode::Tag;
+            return;
+        }
+    }
+}
+
+void consumeReglist(Stream& stream) {
+    while (stream.quadwords > 0) {
+        GSwrite(load<u64>(stream.data), currentDescriptor());
+        bool last = stepDescriptor();  // then the upper half is padding
+        if (!last) {
+            GSwrite(load<u64>(stream.data + 8), currentDescriptor());
+            last = stepDescriptor();
+        }
+        stream.skip(1);
+        if (last) {
+            Gs.gifMode = GifMode::Tag;
+            return;
+        }
+    }
+}
+
+void consumeImage(Stream& stream) {
+    const u32 count = static_cast<u32>(std::min<u64>(stream.quadwords, Gs.gtag.nloop));
+    FBwriteBlock(stream.data, count);
+    stream.skip(count);
+    Gs.gtag.nloop -= count;
+    if (Gs.gtag.nloop == 0) {
+        Gs.gifMode = GifMode::Tag;
+    }
+}
+
+/// For a 24-bit destination NLOOP counts groups of three quadwords, of sixteen pixels each. An incomplete
+/// group at the end of the stream uses up the rest of NLOOP, and what there is of it is read as tags.
+void consumeImage24(Stream& stream) {
+    while (stream.quadwords > 2 && Gs.gtag.nloop > 0) {
+        FBwrite24_3(stream.data);
+        stream.skip(3);
+        --Gs.gtag.nloop;
+    }
+    if (stream.quadwords > 0) {
+        Gs.gtag.nloop = 0;
+    }
+    if (Gs.gtag.nloop == 0) {
+        Gs.gifMode = GifMode::Tag;
+    }
+}
+
+/// The stream's next tag, or of its data what one form's loop takes.
+void consume(Stream& stream, bool groups24) {
+    if (Gs.gifMode == GifMode::Tag) {
+        GIFtag(stream.data);
+        stream.skip(1);
+    } else if (Gs.gtag.nloop == 0) {
+        Gs.gifMode = GifMode::Tag;
+    } else if (Gs.gifMode == GifMode::Packed) {
+        consumePacked(stream);
+    } else if (Gs.gifMode == GifMode::Reglist) {
+        consumeReglist(stream);
+    } else if (groups24 && Gs.dstbuf.psm == 1) {
+        consumeImage24(stream);
+    } else {
+        consumeImage(stream);
+    }
+}
+
+/// The quadwords from `data` to the end of main memory; any number for data that lies elsewhere.
+u64 quadwordsInMainMemory(const u8* data) {
+    const auto begin = reinterpret_cast<std::uintptr_t>(MipsMemory);
+    const auto offset = reinterpret_cast<std::uintptr_t>(data) - begin;
+    const bool inside = MipsMemory != nullptr && offset <= mainMemorySize;
+    return inside ? (mainMemorySize - offset) / quadwordBytes : std::numeric_limits<u64>::max();
+}
+
+}  // namespace
+
+void GIFtag(const u8* quadword) {
+    const u64 low = load<u64>(quadword);
+    const u32 nreg = bits(low, 60, 4);
+    Gs.gtag = {
+        .nloop = bits(low, 0, 15),
+        .eop = bit(low, 15),
+        .flg = bits(low, 58, 2),
+        .nreg = nreg == 0 ? 16 : nreg,
+        .prim = bits(low, 47, 11),
+        .pre = bit(low, 46),
+    };
+    if (Gs.gtag.flg <= 1) {
+        Gs.regs = load<u64>(quadword + 8);
+        Gs.regn = 0;
+    }
+    switch (Gs.gtag.flg) {
+    case 0:
+        Gs.gifMode = GifMode::Packed;
+        if (Gs.gtag.pre == 1) {
+            GSwrite(Gs.gtag.prim, gs_register::PRIM);
+        }
+        break;
+    case 1:
+        Gs.gifMode = GifMode::Reglist;
+        break;
+    default:
+        if (Gs.imageTransfer == 2) {
+            Gs.imageTransfer = 0;  // the move within local memory is done; there are no data to wait for
+        } else {
+            Gs.gifMode = GifMode::Image;
+            Gs.imagePtr = Gs.dstbuf.bp;
+        }
+        break;
+    }
+}
+
+void GIFprocessReg(const u8* quadword, u32 descriptor) {
+    using namespace gs_register;
+    const auto w = load<std::array<u32, 4>>(quadword);
+    const GsVertex& pending = Gs.gsvertex[static_cast<u32>(Gs.primC)];
+    const u32 xy = (w[0] & 0xFFFF) | (w[1] & 0xFFFF) << 16;
+    const bool noDrawing = bit(w[3], 15) != 0;  // bit 111 of the quadword
+    switch (descriptor) {
+    case 0x0:
+        GSwrite(w[0], PRIM);
+        break;
+    case 0x1: {
+        const u32 rgba = bits(w[0], 0, 8) | bits(w[1], 0, 8) << 8 | bits(w[2], 0, 8) << 16 | w[3] << 24;
+        GSwrite(join(rgba, std::bit_cast<u32>(pending.q)), RGBAQ);
+        break;
+    }
+    case 0x2:
+        GSwrite(join(w[0], w[1]), ST);
+        // Q has no register of its own: it goes in with the vertex's colour, which so becomes the current
+        // one.
+        GSwrite(join(pending.rgba, w[2]), RGBAQ);
+        break;
+    case 0x3:
+        GSwrite((w[0] & 0x7FFF) | (w[1] & 0x7FFF) << 16, UV);
+        break;
+    case 0x4:
+        // The fog coefficient is taken from bits 104-111, four above its place on the console.
+        GSwrite(join(xy, ((w[2] >> 4) & 0xFFFFFF) | (w[3] & 0xFF00) << 16), noDrawing ? XYZF3 : XYZF2);
+        break;
+    case 0x5:
+        GSwrite(join(xy, w[2]), noDrawing ? XYZ3 : XYZ2);
+        break;
+    case 0xE:
+        GSwrite(join(w[0], w[1]), bits(w[2], 0, 8));
+        break;
+    default:
+        break;  // among them TEX0, CLAMP and FOG, which the console's packed form does have
+    }
+}
+
+void GSgifTransfer(const u8* data, u32 count) {
+    if (Gs.vRam == nullptr) {
+        return;
+    }
+    Stream stream{data, count};
+    while (stream.quadwords > 0) {
+        consume(stream, true);
+    }
+}
+
+void GSgifTransfer2(const u8* data) {
+    if (Gs.vRam == nullptr) {
+        return;
+    }
+    Gs.gtag.eop = 0;
+    Stream stream{data, quadwordsInMainMemory(data)};
+    while (Gs.gifMode != GifMode::Tag || Gs.gtag.eop == 0) {
+        if (stream.quadwords == 0) {
+            return;
+        }
+        consume(stream, false);
+    }
+    Gs.gtag.eop = 0;
+}
+
+}  // namespace tarn

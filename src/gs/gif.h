@@ -1,0 +1,14 @@
+// Declares the steps of the GIF packet parser below the transfer entry points.
+#pragma once
+
+#include "base/types.h"
+
+namespace tarn {
+
+/// Decodes a GIF tag (16 bytes) and sets what the following quadwords are.
+void GIFtag(const u8* quadword);
+
+/// One quadword (16 bytes) of PACKED data for the register of a descriptor, 0 to 15.
+void GIFprocessReg(const u8* quadword, u32 descriptor);
+
+}  // namespace tarn

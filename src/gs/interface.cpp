@@ -1,0 +1,82 @@
+// Owns the renderer's life cycle: identification, local memory, start values, and the plain entry points.
+#include "base/allocation.h"
+#include "gs/display.h"
+#include "gs/gs.h"
+#include "gs/gs_log.h"
+#include "gs/local_memory.h"
+#include "gs/registers.h"
+
+#include <cstdarg>
+#include <cstdlib>
+#include <memory>
+
+namespace tarn {
+
+u32 PS2EgetLibType() { return 1; }
+u32 PS2EgetLibVersion() { return 0x10000; }
+const char* PS2EgetLibName() { return "Gravel-sdl Driver"; }
+
+s32 GSinit() {
+    void* memory = allocateBuffer(localMemoryBytes);
+    if (memory == nullptr) {
+        return -1;
+    }
+    GSshutdown();
+    Gs.vRam = static_cast<u8*>(memory);
+    Gs.vRamUL = static_cast<u32*>(memory);
+
+    gsSetCtxt(0);
+    Gs.gsdspfb = &Gs._gsdspfb[0];
+    Gs.gsmode = &Gs._gsmode[0];
+    for (GsDisplay& mode : Gs._gsmode) {
+        mode = {.x = 0, .y = 0, .width = 640, .height = 480};
+    }
+    for (GsDispFb& buffer : Gs._gsdspfb) {
+        buffer.fbw = 640;
+        buffer.maxRows = maxRowsOf(buffer.fbw);
+        buffer.dbx = 0;
+        buffer.dby = 0;
+    }
+    Gs.prac = 1;
+    Gs.prim = &Gs._prim[0];  // in spite of prac, until PRMODECONT is written
+    return 0;
+}
+
+s32 GSopen(SDL_Surface* display, const char* /*title*/) {
+    LoadConfig();
+    GsHost.buffer = display;
+    return DXopen() == -1 ? -1 : 0;
+}
+
+void GSclose() { DXclose(); }
+
+void GSshutdown() {
+    std::free(Gs.vRam);
+    Gs.vRam = nullptr;
+    Gs.vRamUL = nullptr;
+}
+
+void GSreset() {
+    GSshutdown();
+    std::destroy_at(&Gs);
+    std::construct_at(&Gs);
+    GsHost = GsDisplayState{};
+}
+
+void GSvsync() { DXupdate(); }
+void GSkeyEvent() {}
+void GSconfigure() { LoadConfig(); }
+void GSabout() {}
+s32 GStest() { return 0; }
+
+void __Log(const char* format, ...) {
+    if (Log == 0 || gsLog == nullptr) {
+        return;
+    }
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::vfprintf(gsLog, format, arguments);
+    va_end(arguments);
+}
+
+}  // namespace tarn

@@ -1,0 +1,99 @@
+// Owns the privileged registers, which the guest reaches by address: display set-up, CSR, the field bit.
+#include "base/bits.h"
+#include "gs/gs.h"
+#include "gs/local_memory.h"
+
+namespace tarn {
+namespace {
+
+enum PrivilegedAddress : u32 {
+    PMODE = 0x12000000,
+    SMODE2 = 0x12000020,
+    DISPFB1 = 0x12000070,
+    DISPLAY1 = 0x12000080,
+    DISPFB2 = 0x12000090,
+    DISPLAY2 = 0x120000A0,
+    FIELD = 0x12000400,  // no register of the hardware: vertical-blank pacing reads the field here
+    CSR = 0x12001000,
+};
+
+constexpr u32 csrVerticalBlank = 8;  // VSINT, always raised
+
+GsDispFb decodeDispFb(u64 value) {
+    const u32 fbw = bits(value, 9, 6) * 64;
+    return {
+        .fbp = bits(value, 0, 9) * 2048,
+        .fbw = fbw,
+        .maxRows = maxRowsOf(fbw),
+        .psm = bits(value, 15, 5),
+        .dbx = bits(value, 32, 11),
+        .dby = bits(value, 43, 11),
+    };
+}
+
+void writeDisplay(GsDisplay& display, u64 value) {
+    Gs.magh = bits(value, 23, 4) + 1;
+    Gs.magv = bits(value, 59, 2) + 1;  // MAGV sits in bits 27-28 on the console; here in the upper word
+    display.width = (bits(value, 32, 12) + 1) / Gs.magh;
+    display.height = (bits(value, 44, 11) + 1) / Gs.magv;
+    if (Gs.smode2.int_ == 1 && Gs.smode2.ffmd == 1) {
+        display.height >>= 1;
+    }
+}
+
+void selectCircuit() {
+    Gs.gsdspfb = &Gs._gsdspfb[Gs.pmode];
+    Gs.gsmode = &Gs._gsmode[Gs.pmode];
+}
+
+}  // namespace
+
+void GSwrite64(u32 address, u64 value) {
+    switch (address) {
+    case PMODE:
+        Gs.pmode = bit(value, 0) != 0 ? 0 : 1;
+        break;
+    case SMODE2:
+        Gs.smode2 = {.int_ = bit(value, 0), .ffmd = bit(value, 1), .dpms = bits(value, 2, 2)};
+        break;
+    case DISPFB1:
+        Gs._gsdspfb[0] = decodeDispFb(value);
+        break;
+    case DISPFB2:
+        Gs._gsdspfb[1] = decodeDispFb(value);
+        break;
+    case DISPLAY1:
+        writeDisplay(Gs._gsmode[0], value);
+        break;
+    case DISPLAY2:
+        writeDisplay(Gs._gsmode[1], value);
+        break;
+    default:
+        break;
+    }
+    selectCircuit();
+}
+
+void GSwrite32(u32 address, u32 value) {
+    // The other registers need their upper word and ignore half writes; DISPFB takes it as 0.
+    if (address == PMODE || address == DISPFB1 || address == DISPFB2) {
+        GSwrite64(address, value);
+    }
+    selectCircuit();
+}
+
+u32 GSread32(u32 address) { return address == CSR ? csrVerticalBlank : 0; }
+
+u64 GSread64(u32 address) {
+    switch (address) {
+    case FIELD:
+        Gs.interlace ^= 1;
+        return u64{Gs.interlace} * 0x2000;
+    case CSR:
+        return csrVerticalBlank;
+    default:
+        return 0;
+    }
+}
+
+}  // namespace tarn
