@@ -1,0 +1,95 @@
+// Owns the display: opening and closing it on a host surface, and presenting a frame there.
+#include "gs/display.h"
+
+#include "gs/local_memory.h"
+
+#include <SDL.h>
+#include <array>
+#include <cstdio>
+
+namespace tarn {
+namespace {
+
+struct Conversion {
+    s32 depth;
+    s32 pixelBytes;
+    ScrBlitOperation plain;
+    ScrBlitOperation stretched;
+};
+
+constexpr std::array<Conversion, 4> conversions{{
+    {15, 2, ScrBlit15, ScrBlit15S},
+    {16, 2, ScrBlit16, ScrBlit16S},
+    {24, 3, ScrBlit24, ScrBlit24S},
+    {32, 4, ScrBlit32, ScrBlit32S},
+}};
+
+void fillWithGrey() {
+    if (GsHost.buffer != nullptr) {
+        SDL_FillRect(GsHost.buffer, nullptr, SDL_MapRGB(GsHost.buffer->format, 221, 221, 221));
+    }
+}
+
+}  // namespace
+
+int DXopen() {
+    if (GsHost.DXinit == 1) {
+        return 0;
+    }
+    if (GsHost.conf.fullscreen != 0) {
+        return -1;
+    }
+    GsHost.depth = GsHost.conf.bpp;
+    if (GsHost.buffer == nullptr) {
+        std::printf("DXopenError : Create buffer\n");
+    }
+    GsHost.DXinit = 1;
+    DXupdScrBlit();
+    fillWithGrey();
+    return 0;
+}
+
+void DXclose() {
+    GsHost.DXinit = 0;
+    if (GsHost.conf.fullscreen == 0) {
+        GsHost.buffer = nullptr;
+    }
+}
+
+void DXclearScr() {
+    if (GsHost.conf.fullscreen == 0) {
+        fillWithGrey();
+    }
+}
+
+int DXswitchScrMode() {
+    DXclose();
+    GsHost.conf.fullscreen = 1 - GsHost.conf.fullscreen;
+    return DXopen();
+}
+
+void DXupdScrBlit() {
+    for (const Conversion& conversion : conversions) {
+        if (conversion.depth == GsHost.depth) {
+            GsHost.ScrBlit = GsHost.conf.stretch != 0 ? conversion.stretched : conversion.plain;
+            GsHost.pixelBytes = conversion.pixelBytes;
+        }
+    }
+}
+
+void DXupdate() {
+    const SDL_Surface* buffer = GsHost.buffer;
+    if (Gs.vRam == nullptr || buffer == nullptr || GsHost.ScrBlit == nullptr ||
+        buffer->format->BytesPerPixel != GsHost.pixelBytes) {
+        return;
+    }
+    const GsRectangle rectangle{
+        .x = static_cast<s32>(Gs.gsdspfb->dbx + Gs.gsmode->x),
+        .y = static_cast<s32>(Gs.gsdspfb->dby + Gs.gsmode->y),
+        .w = static_cast<s32>(Gs.gsmode->width),
+        .h = static_cast<s32>(Gs.gsmode->height),
+    };
+    GsHost.ScrBlit(static_cast<u8*>(buffer->pixels), &dBufUL(0), rectangle, buffer->pitch);
+}
+
+}  // namespace tarn
