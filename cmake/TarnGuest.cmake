@@ -1,0 +1,37 @@
+# tarn_add_guest(NAME [BARE] SOURCES file...): builds a program for the emulated machine into the current
+# binary directory as NAME.elf, in target guest-NAME. Without BARE it gets the guest library and its
+# start-up code.
+set(TARN_GUEST_DIR ${CMAKE_CURRENT_LIST_DIR}/../guest)
+set(TARN_GUEST_FLAGS
+    # The processor: 64-bit registers, 32-bit pointers, single precision only, no global pointer.
+    -march=r5900 -mabi=n32 -msingle-float -mno-abicalls -fno-pic -G0
+    # Nothing underneath: no C library, no calls to the compiler's own.
+    -ffreestanding -nostdlib -fno-builtin -fno-tree-loop-distribute-patterns
+    # What it does not have: traps on division by zero, some of the likely branches.
+    -mno-check-zero-division -mno-branch-likely
+    # Every instruction takes one step, so the smallest code (which divides) is the fastest.
+    -Os -ffunction-sections -fdata-sections
+    -std=gnu17 -g -Wall -Wextra -Wconversion -Wno-sign-conversion -Werror
+    -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=
+    -static -Wl,--build-id=none,--gc-sections,-z,max-page-size=16,--no-warn-rwx-segments)
+
+function(tarn_add_guest name)
+    cmake_parse_arguments(guest "BARE" "" "SOURCES" ${ARGN})
+    file(GLOB library CONFIGURE_DEPENDS ${TARN_GUEST_DIR}/lib/*.[chS])
+    set(inputs ${guest_SOURCES})
+    list(FILTER inputs INCLUDE REGEX "\\.[cS]$")
+    if(NOT guest_BARE)
+        set(library_inputs ${library})
+        list(FILTER library_inputs INCLUDE REGEX "\\.[cS]$")
+        list(APPEND inputs ${library_inputs})
+    endif()
+    set(elf ${CMAKE_CURRENT_BINARY_DIR}/${name}.elf)
+    add_custom_command(
+        OUTPUT ${elf}
+        COMMAND ${GUEST_CC} ${TARN_GUEST_FLAGS} -I${TARN_GUEST_DIR}/lib -T ${TARN_GUEST_DIR}/lib/tarn.ld
+                ${inputs} -o ${elf}
+        DEPENDS ${guest_SOURCES} ${library} ${TARN_GUEST_DIR}/lib/tarn.ld
+        COMMENT "Building guest program ${name}"
+        VERBATIM)
+    add_custom_target(guest-${name} ALL DEPENDS ${elf})
+endfunction()

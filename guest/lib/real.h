@@ -1,0 +1,92 @@
+// Single-precision arithmetic within what the floating-point unit here can do.
+//
+// It adds, subtracts, multiplies, divides, negates, and compares with == and <. What the compiler would do
+// otherwise either stops the processor (<= and >=, fabsf, square roots) or goes wrong without a word (casts
+// between integers and floats, looking at the bits of a float): use these functions instead. The build
+// refuses a program that contains such instructions.
+#pragma once
+
+#include "types.h"
+
+/// a < b, also where the compiler would turn `!(a < b)` into the missing "less or equal".
+static inline s32 lessThan(f32 a, f32 b) {
+    s32 result;
+    __asm__(".set push\n\t"
+            ".set noreorder\n\t"
+            "c.lt.s %1, %2\n\t"
+            "bc1t   1f\n\t"
+            "li     %0, 1\n\t"
+            "li     %0, 0\n"
+            "1:\n\t"
+            ".set pop"
+            : "=&r"(result)
+            : "f"(a), "f"(b));
+    return result;
+}
+
+static inline f32 absolute(f32 value) { return value < 0.0f ? -value : value; }
+static inline f32 smaller(f32 a, f32 b) { return a < b ? a : b; }
+static inline f32 larger(f32 a, f32 b) { return a < b ? b : a; }
+
+/// The integer part, towards zero. MFC1 converts, and leaves bits 32 to 63 clear whatever the sign: the
+/// shift by 0 extends it.
+static inline s32 toInteger(f32 value) {
+    f32 whole;
+    s32 result;
+    __asm__(".set push\n\t"
+            ".set noreorder\n\t"
+            "trunc.w.s %0, %2\n\t"
+            "mfc1   %1, %0\n\t"
+            "sll    %1, %1, 0\n\t"
+            ".set pop"
+            : "=&f"(whole), "=r"(result)
+            : "f"(value));
+    return result;
+}
+
+/// CVT_S takes all 64 bits of its operand, unsigned: the upper half must be clear.
+static inline f32 toRealUnsigned(u32 value) {
+    f32 result;
+    u32 word = value;
+    __asm__(".set push\n\t"
+            ".set noreorder\n\t"
+            "dsll32 %1, %1, 0\n\t"
+            "dsrl32 %1, %1, 0\n\t"
+            "mtc1   %1, %0\n\t"
+            "cvt.s.w %0, %0\n\t"
+            ".set pop"
+            : "=f"(result), "+r"(word));
+    return result;
+}
+
+static inline f32 toReal(s32 value) {
+    return value < 0 ? -toRealUnsigned((u32)-value) : toRealUnsigned((u32)value);
+}
+
+/// The bit pattern of a float. MFC1 would convert, so it goes through memory.
+static inline u32 bitsOf(f32 value) {
+    u32 word;
+    __asm__("swc1 %1, %0" : "=m"(word) : "f"(value));
+    return word;
+}
+
+/// The product of two signed words, all 64 bits. MULT must name a destination: without one it writes r0.
+static inline s64 multiplyWide(s32 a, s32 b) {
+    s64 low;
+    s64 high;
+    __asm__("mult %0, %2, %3\n\t"
+            "mfhi %1"
+            : "=&r"(low), "=r"(high)
+            : "r"(a), "r"(b)
+            : "hi", "lo");
+    return (s64)((u64)high << 32 | (u32)low);
+}
+
+/// Sine and cosine of an angle in radians, exact to about 1e-5 within a few turns.
+f32 sine(f32 angle);
+f32 cosine(f32 angle);
+
+static inline f32 square(f32 value) { return value * value; }
+
+/// Square root by Newton's method; 0 for what is not positive.
+f32 squareRoot(f32 value);

@@ -1,0 +1,18 @@
+// All of the guest library. A program defines `int main(void)`.
+//
+// The machine lacks some of what the compiler would use: see real.h for floating point, and
+// - no NOR: complement(x) for ~x (with a constant ~ is fine);
+// - no unsigned 64-bit products of words, no shifts of 64-bit values by a variable, no arithmetic right
+//   shift of them by less than 32;
+// - signed 64-bit values compare by their low 32 bits;
+// - byte and halfword stores work in main memory only.
+// The build refuses what would stop the processor and says at which address.
+#pragma once
+
+#include "canvas.h"
+#include "gs.h"
+#include "kernel.h"
+#include "memory.h"
+#include "packet.h"
+#include "real.h"
+#include "types.h"
