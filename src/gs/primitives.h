@@ -1,4 +1,5 @@
-// Declares the vertex kick and the tables of primitive types.
+// Declares the vertex kick, the tables of primitive types and the set-up that every drawing routine relies
+// on.
 #pragma once
 
 #include "gs/gs_state.h"
@@ -20,5 +21,21 @@ void vertexKick(bool draws);
 /// Step the queue after a strip's and after a fan's primitive.
 void stepGSvertex();
 void stepGSfanvertex();
+
+/// The entries of primTable: take the queue, which they leave as it is, and draw in the current context.
+void primPoint(const GsVertex* vertices);
+void primLine(const GsVertex* vertices);
+void primTriangle(const GsVertex* vertices);
+void primSprite(const GsVertex* vertices);
+void primNull(const GsVertex* vertices);  ///< does nothing
+
+/// Moves a vertex into the scissor rectangle and the frame buffer.
+void clipVertex(GsVertex& vertex);
+
+/// The same for a textured vertex, whose texel follows the moves that the scissor makes.
+void clipVertexT(GsVertex& vertex);
+
+/// Sets u and v, in texels of the current texture, from s, t and q.
+void STQtoUV(GsVertex& vertex);
 
 }  // namespace tarn

@@ -1,0 +1,179 @@
+// Owns sprites: rectangles given by two corners, flat, depth-tested or textured, and the palettes of the
+// indexed textures.
+#include "gs/drawing.h"
+#include "gs/local_memory.h"
+#include "gs/spans.h"
+#include "gs/transfer.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstring>
+
+namespace tarn {
+namespace {
+
+enum TextureFormat : u32 {
+    PSMT8 = 19,
+    PSMT4 = 20,
+};
+
+enum PaletteFormat : u32 {
+    PSMCT32 = 0,
+    PSMCT16 = 2,
+};
+
+using Palette = std::array<u32, 256>;
+
+/// A piece of local memory from a word on, taken as `count` entries.
+template <class Entry, std::size_t count>
+std::array<Entry, count> entriesAt(u32 word) {
+    std::array<Entry, count> entries;
+    forLocalRuns(word, sizeof(entries) / 4, [&entries](const u32* words, u32 first, u32 run) {
+        std::memcpy(reinterpret_cast<u8*>(entries.data()) + first * 4, words, run * 4);
+    });
+    return entries;
+}
+
+/// The palette of an indexed texture as 32-bit colours; black where the palette's format is none of the two.
+Palette loadPalette(u32 textureFormat) {
+    const GsTex0& tex0 = *Gs.tex0;
+    Palette palette{};
+    // CSM 1 palettes start at a pixel of a buffer CBW × 64 wide, in steps of 16 pixels. So do the 16-bit
+    // palettes of 8-bit textures, whatever CSM says.
+    u32 source = tex0.cbp;
+    if (tex0.csm == 1 || (textureFormat == PSMT8 && tex0.cpsm == PSMCT16)) {
+        source += Gs.clut.cov * Gs.clut.cbw * 64 + Gs.clut.cou * 16;
+    }
+    if (tex0.cpsm == PSMCT16) {
+        copy_clut_cpsm16(palette.data(), entriesAt<u16, 256>(source).data());
+    } else if (tex0.cpsm == PSMCT32 && textureFormat == PSMT8) {
+        copy_clut_pscm32(palette.data(), entriesAt<u32, 256>(source).data());
+    } else if (tex0.cpsm == PSMCT32) {
+        copy_clut_pscm324(palette.data(), entriesAt<u32, 64>(source).data());
+    }
+    return palette;
+}
+
+// Colour sources of textured sprites. Each is put at the first texel of a row and steps a texel a pixel.
+
+struct Indexed8Source {
+    static constexpr bool constantAlpha = false;
+    const Palette* palette;
+    const u8* memory = Gs.vRam;
+    u32 base = Gs.tex0->tbp0 * 4;
+    u32 stride = Gs.tex0->tbw;
+    u32 index = 0;
+
+    bool startRow(s32 u, s32 v) {
+        index = base + static_cast<u32>(v) * stride + static_cast<u32>(u);
+        return true;
+    }
+    u32 colour() const { return (*palette)[memory[index & (localMemoryBytes - 1)]]; }
+    void step() { ++index; }
+};
+
+struct Indexed4Source {
+    static constexpr bool constantAlpha = false;
+    const Palette* palette;
+    const u8* memory = Gs.vRam;
+    u32 base = Gs.tex0->tbp0 * 4;
+    u32 stride = Gs.tex0->tbw / 2;
+    u32 row = 0;
+    u32 column = 0;
+
+    bool startRow(s32 u, s32 v) {
+        row = base + static_cast<u32>(v) * stride;
+        column = static_cast<u32>(u);
+        return true;
+    }
+    u32 colour() const {
+        const u8 pair = memory[(row + column / 2) & (localMemoryBytes - 1)];
+        return (*palette)[column % 2 == 0 ? pair & 15 : pair >> 4];  // the low nibble comes first
+    }
+    void step() { ++column; }
+};
+
+/// 32-bit texels, always modulated, alpha too.
+struct ModulatedSource {
+    static constexpr bool constantAlpha = false;
+    TexelModulator modulator{Gs.rgba};
+    const u32* memory = Gs.vRamUL;
+    u32 base = Gs.tex0->tbp0;
+    u32 stride = Gs.tex0->tbw;
+    u32 index = 0;
+
+    /// False for a row that starts beyond local memory: it ends the sprite. One that starts right at the end
+    /// is still drawn.
+    bool startRow(s32 u, s32 v) {
+        const u32 row = base + static_cast<u32>(v) * stride;
+        index = row + static_cast<u32>(u);
+        return row <= localMemoryWords;
+    }
+    u32 colour() const { return modulator.apply(memory[index & (localMemoryWords - 1)]); }
+    void step() { ++index; }
+};
+
+/// Fills the rectangle between two corners. They are not put in order: a second corner left of or above the
+/// first leaves it empty.
+template <class Source, class Depth, class End>
+void fillRectangle(const GsVertex* corners, Source source, Depth depth, End end) {
+    const s32 width = corners[1].x - corners[0].x;
+    for (s32 y = corners[0].y; y < corners[1].y; ++y) {
+        fillSpan(corners[0].x, y, width, source, depth, end);
+    }
+}
+
+template <class Source>
+void drawTextured(const GsVertex* corners, Source source) {
+    const s32 width = std::min(corners[1].x - corners[0].x, corners[1].u - corners[0].u);
+    const s32 height = std::min(corners[1].y - corners[0].y, corners[1].v - corners[0].v);
+    withPixelEnd(source, [&](auto end) {
+        NoDepth depth;
+        for (s32 row = 0; row < height && source.startRow(corners[0].u, corners[0].v + row); ++row) {
+            fillSpan(corners[0].x, corners[0].y + row, width, source, depth, end);
+        }
+    });
+}
+
+}  // namespace
+
+void drawSprite(const GsVertex* vertices) {
+    const FlatColour source;
+    withPixelEnd(source, [&](auto end) { fillRectangle(vertices, source, NoDepth{}, end); });
+}
+
+void drawSprite_Z(const GsVertex* vertices) {
+    const FlatColour source;
+    const u64 z = u64{vertices[1].z} << 16;
+    withDepthTest([&]<DepthTest test>(SteppedDepth<test> depth) {
+        depth.z = z;
+        if constexpr (test == DepthTest::always) {
+            withPixelEnd(source, [&](auto end) { fillRectangle(vertices, source, depth, end); });
+        } else {
+            // Where depth is compared, a sprite's pixels take no alpha test.
+            selectPixelWriter();
+            fillRectangle(vertices, source, depth, StoreColour{});
+        }
+    });
+}
+
+void drawSpriteT(const GsVertex* vertices) {
+    switch (Gs.tex0->psm) {
+    case PSMT8: {
+        const Palette palette = loadPalette(PSMT8);
+        drawTextured(vertices, Indexed8Source{&palette});
+        break;
+    }
+    case PSMT4: {
+        const Palette palette = loadPalette(PSMT4);
+        drawTextured(vertices, Indexed4Source{&palette});
+        break;
+    }
+    default:
+        drawTextured(vertices, ModulatedSource{});
+        break;
+    }
+}
+
+}  // namespace tarn

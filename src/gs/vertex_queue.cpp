@@ -1,0 +1,74 @@
+// Owns the vertex queue: when a primitive is complete, and what stays in the queue for the next one.
+#include "gs/primitives.h"
+
+#include <cstddef>
+
+namespace tarn {
+namespace {
+
+enum PrimitiveType : u32 {
+    lineStrip = 2,
+    triangleStrip = 4,
+    triangleFan = 5,
+};
+
+/// Moves a vertex down one slot. Attributes that the primitive does not use stay with their slot, so a
+/// flat-shaded strip keeps no colour of its own.
+void moveVertex(std::size_t to) {
+    const GsVertex& from = Gs.gsvertex[to + 1];
+    GsVertex& vertex = Gs.gsvertex[to];
+    vertex.x = from.x;
+    vertex.y = from.y;
+    vertex.z = from.z;
+    vertex.f = from.f;
+    if (Gs.prim->tme == 1) {
+        if (Gs.prim->fst == 1) {
+            vertex.u = from.u;
+            vertex.v = from.v;
+        } else {
+            vertex.s = from.s;
+            vertex.t = from.t;
+            vertex.q = from.q;
+        }
+    }
+    if (Gs.prim->iip == 1) {
+        vertex.rgba = from.rgba;
+    }
+}
+
+void stepFrom(std::size_t first) {
+    --Gs.primC;
+    for (std::size_t i = first; static_cast<s32>(i) < Gs.primC; ++i) {
+        moveVertex(i);
+    }
+}
+
+}  // namespace
+
+void stepGSvertex() { stepFrom(0); }
+void stepGSfanvertex() { stepFrom(1); }
+
+void vertexKick(bool draws) {
+    const u32 type = Gs.prim->type;
+    ++Gs.primC;
+    if (Gs.primC < primTableC[type]) {
+        return;
+    }
+    if (draws) {
+        primTable[type](Gs.gsvertex.data());
+    }
+    switch (type) {
+    case triangleFan:
+        stepGSfanvertex();
+        break;
+    case lineStrip:
+    case triangleStrip:
+        stepGSvertex();
+        break;
+    default:
+        Gs.primC = 0;
+        break;
+    }
+}
+
+}  // namespace tarn
