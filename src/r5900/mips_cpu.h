@@ -4,6 +4,7 @@
 #include "base/types.h"
 
 #include <array>
+#include <bit>
 
 namespace tarn {
 
@@ -24,6 +25,17 @@ struct MipsCpuRecord {
     u64 cycle = 0;                             ///< MipsUpdateCpu calls so far, delay slots included
     u64 PC = 0;                                ///< byte address of the instruction word
     u32 entry = 0;                             ///< entry point from the ELF header
+    u32 delaySlotDepth = 0;                    ///< delay slots being executed, 0 between steps
+
+    /// What the bit image of FPU register `number` is as a value.
+    f32 FPR128Ptr(u8 number) const { return std::bit_cast<f32>(static_cast<u32>(FPR128[number].low)); }
+
+    /// What the value of FPU register `number` is as a bit image: eight bytes, so that bits 32-63 are the
+    /// value of the next register (0 after the last). Meant.
+    u64 FPR32Ptr(u8 number) const {
+        const u64 next = number < 31 ? std::bit_cast<u32>(FPR32[number + 1U]) : 0;
+        return next << 32 | std::bit_cast<u32>(FPR32[number]);
+    }
 };
 
 inline MipsCpuRecord MipsCpu;

@@ -1,0 +1,122 @@
+// Owns the decoding of instruction words: one record of operands for each format, named as the fields are.
+#pragma once
+
+#include "base/bits.h"
+
+namespace tarn::r5900 {
+
+/// A field of up to 8 bits of an instruction word.
+constexpr u8 field(u32 word, unsigned first, unsigned count) {
+    return static_cast<u8>(bits(word, first, count));
+}
+
+/// The three register numbers in their usual places, and the 16-bit immediate. The floating-point and
+/// memory formats give the same bits other names.
+constexpr u8 bits21To25(u32 word) { return field(word, 21, 5); }
+constexpr u8 bits16To20(u32 word) { return field(word, 16, 5); }
+constexpr u8 bits11To15(u32 word) { return field(word, 11, 5); }
+constexpr u8 bits6To10(u32 word) { return field(word, 6, 5); }
+constexpr u16 bits0To15(u32 word) { return static_cast<u16>(word); }
+
+/// The fields that select an entry of the dispatch tables.
+constexpr u32 majorOpcode(u32 word) { return bits(word, 26, 6); }
+constexpr u32 functionCode(u32 word) { return bits(word, 0, 6); }
+constexpr u32 regimmCode(u32 word) { return bits(word, 16, 5); }
+constexpr u32 coprocessorCode(u32 word) { return bits(word, 21, 5); }
+constexpr u32 conditionBranchCode(u32 word) { return bits(word, 16, 2); }
+
+// Immediates and offsets stay raw here, as trace lines show them; the semantics extend them.
+
+struct ImmediateFields {
+    u8 rs, rt;
+    u16 imm;
+    static constexpr ImmediateFields from(u32 word) {
+        return {bits21To25(word), bits16To20(word), bits0To15(word)};
+    }
+};
+
+struct RegisterFields {
+    u8 rs, rt, rd;
+    static constexpr RegisterFields from(u32 word) {
+        return {bits21To25(word), bits16To20(word), bits11To15(word)};
+    }
+};
+
+struct ShiftFields {
+    u8 rt, rd, sa;
+    static constexpr ShiftFields from(u32 word) {
+        return {bits16To20(word), bits11To15(word), bits6To10(word)};
+    }
+};
+
+struct MemoryFields {
+    u8 base, rt;
+    u16 offset;
+    static constexpr MemoryFields from(u32 word) {
+        return {bits21To25(word), bits16To20(word), bits0To15(word)};
+    }
+};
+
+/// A branch that compares two registers.
+struct BranchFields {
+    u8 rs, rt;
+    u16 offset;
+    static constexpr BranchFields from(u32 word) {
+        return {bits21To25(word), bits16To20(word), bits0To15(word)};
+    }
+};
+
+/// A branch that compares one register with zero.
+struct ZeroBranchFields {
+    u8 rs;
+    u16 offset;
+    static constexpr ZeroBranchFields from(u32 word) { return {bits21To25(word), bits0To15(word)}; }
+};
+
+struct JumpFields {
+    u32 instr_index;
+    static constexpr JumpFields from(u32 word) { return {bits(word, 0, 26)}; }
+};
+
+struct Cop0Fields {
+    u8 rt, rd, sel;
+    static constexpr Cop0Fields from(u32 word) {
+        return {bits16To20(word), bits11To15(word), field(word, 0, 3)};
+    }
+};
+
+struct FpuFields {
+    u8 ft, fs, fd;
+    static constexpr FpuFields from(u32 word) {
+        return {bits16To20(word), bits11To15(word), bits6To10(word)};
+    }
+};
+
+/// A move between an integer and a floating-point register.
+struct FpuMoveFields {
+    u8 rt, fs;
+    static constexpr FpuMoveFields from(u32 word) { return {bits16To20(word), bits11To15(word)}; }
+};
+
+struct FpuMemoryFields {
+    u8 base, ft;
+    u16 offset;
+    static constexpr FpuMemoryFields from(u32 word) {
+        return {bits21To25(word), bits16To20(word), bits0To15(word)};
+    }
+};
+
+struct FpuCompareFields {
+    u8 ft, fs, cc;
+    static constexpr FpuCompareFields from(u32 word) {
+        return {bits16To20(word), bits11To15(word), field(word, 8, 3)};
+    }
+};
+
+struct FpuBranchFields {
+    u8 ccb;
+    u16 offset;
+    static constexpr FpuBranchFields from(u32 word) { return {field(word, 18, 3), bits0To15(word)}; }
+};
+
+}  // namespace tarn::r5900

@@ -1,0 +1,30 @@
+// Owns the two views of the floating-point registers, bit image and value, and how they are held in step,
+// and the condition bit.
+#pragma once
+
+#include "r5900/mips_cpu.h"
+
+namespace tarn::r5900 {
+
+/// Writes the bit image of a register and takes its value from it.
+inline void setFromImage(u8 number, u64 image) {
+    MipsCpu.FPR128[number].low = image;
+    MipsCpu.FPR32[number] = MipsCpu.FPR128Ptr(number);
+}
+
+/// Writes the value of a register and refreshes its bit image.
+inline void setValue(u8 number, f32 value) {
+    MipsCpu.FPR32[number] = value;
+    MipsCpu.FPR128[number].low = MipsCpu.FPR32Ptr(number);
+}
+
+/// The result of the last comparison: bit 23 of FCR31.
+inline constexpr u64 conditionMask = u64{1} << 23;
+
+inline bool conditionBit() { return (MipsCpu.FCR[31] & conditionMask) != 0; }
+
+inline void setConditionBit(bool holds) {
+    MipsCpu.FCR[31] = holds ? MipsCpu.FCR[31] | conditionMask : MipsCpu.FCR[31] & ~conditionMask;
+}
+
+}  // namespace tarn::r5900
