@@ -1,0 +1,371 @@
+// Owns the commands of the GDB remote serial protocol and the decision when the machine stops for the
+// debugger.
+#include "gdb/debugger.h"
+
+#include "base/bits.h"
+#include "gdb/machine.h"
+#include "gdb/packet.h"
+#include "memory/areas.h"
+#include "r5900/mips_cpu.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <vector>
+
+namespace tarn::gdb {
+
+namespace {
+
+// Replies. The numbers behind the E mean nothing to the debugger; they are errno values by custom.
+constexpr const char* ok = "OK";
+constexpr const char* unknownPacket = "";
+constexpr const char* badArguments = "E16";  // EINVAL
+constexpr const char* noMemory = "E0e";      // EFAULT
+constexpr const char* noRoom = "E1c";        // ENOSPC
+
+// Signals, in the debugger's numbering, that stop replies name.
+constexpr const char* stoppedByInterrupt = "S02";    // SIGINT
+constexpr const char* stoppedByTrap = "S05";         // SIGTRAP
+constexpr const char* stoppedByInstruction = "S04";  // SIGILL
+constexpr const char* stoppedByMemory = "S0b";       // SIGSEGV
+constexpr const char* stoppedBySystemCall = "S0c";   // SIGSYS
+
+constexpr std::size_t longestRead = maximumPacket / 2;
+
+/// Why the CPU has paused: what its last instruction could not do.
+const char* pauseReason() {
+    if (static_cast<u32>(MipsCpu.PC) > mainMemorySize - sizeof(u32)) {
+        return stoppedByMemory;  // nothing can be fetched there
+    }
+    const u32 major = bits(MipsCpu.opcode, 26, 6);
+    if (major == 0 && bits(MipsCpu.opcode, 0, 6) == 12) {
+        return stoppedBySystemCall;
+    }
+    if (major == 0 && bits(MipsCpu.opcode, 0, 6) == 13) {
+        return stoppedByTrap;  // BREAK
+    }
+    // Loads and stores that exist pause only for their addresses; the ones below do not exist.
+    constexpr std::array<u32, 10> missing = {48, 50, 51, 52, 53, 54, 56, 58, 59, 60};
+    const bool loadOrStore = major == 26 || major == 27 || major == 30 || major == 31 ||
+                             (major >= 32 && major < 61) || major == 63;
+    const bool exists = std::find(missing.begin(), missing.end(), major) == missing.end();
+    return loadOrStore && exists && major != 47 ? stoppedByMemory : stoppedByInstruction;
+}
+
+std::array<u8, 8> littleEndian(u64 value) {
+    std::array<u8, 8> bytes{};
+    std::memcpy(bytes.data(), &value, bytes.size());
+    return bytes;
+}
+
+std::string registerDigits(unsigned number) {
+    const std::array<u8, 8> bytes = littleEndian(readRegister(number));
+    return toHex(std::span(bytes).first(registerSize(number)));
+}
+
+std::string readAllRegisters() {
+    std::string digits;
+    for (unsigned number = 0; number < registerCount; ++number) {
+        digits += registerDigits(number);
+    }
+    return digits;
+}
+
+u64 registerValue(std::string_view bytes) {
+    u64 value = 0;
+    std::memcpy(&value, bytes.data(), bytes.size());
+    return value;
+}
+
+std::string writeAllRegisters(std::string_view digits) {
+    const std::optional<std::string> bytes = fromHex(digits);
+    std::size_t expected = 0;
+    for (unsigned number = 0; number < registerCount; ++number) {
+        expected += registerSize(number);
+    }
+    if (!bytes || bytes->size() != expected) {
+        return badArguments;
+    }
+    std::string_view rest = *bytes;
+    for (unsigned number = 0; number < registerCount; ++number) {
+        writeRegister(number, registerValue(rest.substr(0, registerSize(number))));
+        rest.remove_prefix(registerSize(number));
+    }
+    return ok;
+}
+
+std::string readOneRegister(std::string_view arguments) {
+    const std::optional<u64> number = takeHex(arguments);
+    if (!number || !arguments.empty() || *number >= registerCount) {
+        return badArguments;
+    }
+    return registerDigits(static_cast<unsigned>(*number));
+}
+
+std::string writeOneRegister(std::string_view arguments) {
+    const std::optional<u64> number = takeHex(arguments);
+    if (!number || *number >= registerCount || !takeCharacter(arguments, '=')) {
+        return badArguments;
+    }
+    const auto index = static_cast<unsigned>(*number);
+    const std::optional<std::string> bytes = fromHex(arguments);
+    if (!bytes || bytes->size() != registerSize(index)) {
+        return badArguments;
+    }
+    writeRegister(index, registerValue(*bytes));
+    return ok;
+}
+
+/// An address and a length, "ADDRESS,LENGTH". Addresses come sign-extended or not: their low 32 bits count.
+struct Range {
+    u32 address = 0;
+    u64 length = 0;
+};
+
+std::optional<Range> takeRange(std::string_view& text) {
+    const std::optional<u64> address = takeHex(text);
+    if (!address || !takeCharacter(text, ',')) {
+        return std::nullopt;
+    }
+    const std::optional<u64> length = takeHex(text);
+    if (!length) {
+        return std::nullopt;
+    }
+    return Range{static_cast<u32>(*address), *length};
+}
+
+std::string readMemoryDigits(std::string_view arguments) {
+    const std::optional<Range> range = takeRange(arguments);
+    if (!range || !arguments.empty()) {
+        return badArguments;
+    }
+    std::vector<u8> bytes(static_cast<std::size_t>(std::min<u64>(range->length, longestRead)));
+    bytes.resize(readMemory(range->address, bytes));
+    return bytes.empty() && range->length != 0 ? noMemory : toHex(bytes);
+}
+
+/// Writes memory from hexadecimal digits ('M') or raw bytes ('X').
+std::string writeMemoryFrom(std::string_view arguments, bool hexadecimal) {
+    const std::optional<Range> range = takeRange(arguments);
+    if (!range || !takeCharacter(arguments, ':')) {
+        return badArguments;
+    }
+    const std::optional<std::string> bytes = hexadecimal ? fromHex(arguments) : std::string(arguments);
+    if (!bytes || bytes->size() != range->length) {
+        return badArguments;
+    }
+    const auto* data = reinterpret_cast<const u8*>(bytes->data());
+    return writeMemory(range->address, {data, bytes->size()}) ? ok : noMemory;
+}
+
+/// A part of the target description: "OFFSET,LENGTH" of it, marked as the last part or not.
+std::string readTargetDescription(std::string_view arguments) {
+    const std::optional<u64> offset = takeHex(arguments);
+    if (!offset || !takeCharacter(arguments, ',')) {
+        return badArguments;
+    }
+    const std::optional<u64> length = takeHex(arguments);
+    if (!length || !arguments.empty()) {
+        return badArguments;
+    }
+    const std::string_view text = targetDescription();
+    if (*offset >= text.size()) {
+        return "l";
+    }
+    const std::string_view part = text.substr(static_cast<std::size_t>(*offset),
+                                              static_cast<std::size_t>(std::min<u64>(*length, longestRead)));
+    return (*offset + part.size() < text.size() ? "m" : "l") + std::string(part);
+}
+
+std::string query(std::string_view packet) {
+    constexpr std::string_view readFeatures = "qXfer:features:read:target.xml:";
+    if (packet == "qSupported" || packet.starts_with("qSupported:")) {
+        constexpr u16 size = maximumPacket;
+        const std::array<u8, 2> digits = {static_cast<u8>(size >> 8), static_cast<u8>(size & 0xFF)};
+        return "PacketSize=" + toHex(digits) + ";QStartNoAckMode+;qXfer:features:read+";
+    }
+    if (packet.starts_with(readFeatures)) {
+        return readTargetDescription(packet.substr(readFeatures.size()));
+    }
+    // One thread, which was there before the debugger.
+    if (packet == "qAttached") {
+        return "1";
+    }
+    if (packet == "qC") {
+        return "QC1";
+    }
+    if (packet == "qfThreadInfo") {
+        return "m1";
+    }
+    return packet == "qsThreadInfo" ? "l" : unknownPacket;
+}
+
+/// Sets or removes a breakpoint or watchpoint: "Z" or "z", then "TYPE,ADDRESS,LENGTH".
+std::string changePoint(std::string_view packet, DebugPoints& points) {
+    const bool add = packet.front() == 'Z';
+    packet.remove_prefix(1);
+    const std::optional<u64> type = takeHex(packet);
+    if (!type || !takeCharacter(packet, ',')) {
+        return badArguments;
+    }
+    const std::optional<Range> range = takeRange(packet);
+    if (!range) {
+        return badArguments;
+    }
+    if (*type > 4) {
+        return unknownPacket;
+    }
+    if (*type < 2) {  // a breakpoint in "software" or "hardware": to an interpreter the same
+        if (!add) {
+            points.removeBreakpoint(range->address);
+            return ok;
+        }
+        return points.addBreakpoint(range->address) ? ok : noRoom;
+    }
+    if (range->length == 0 || range->length > mainMemorySize) {
+        return badArguments;
+    }
+    constexpr std::array kinds = {WatchKind::Write, WatchKind::Read, WatchKind::Access};
+    const Watchpoint watchpoint{kinds[*type - 2], range->address, static_cast<u32>(range->length)};
+    if (!add) {
+        points.removeWatchpoint(watchpoint);
+        return ok;
+    }
+    return points.addWatchpoint(watchpoint) ? ok : noRoom;
+}
+
+/// The stop reply that names the watchpoint and the watched address.
+std::string watchReply(const WatchHit& hit) {
+    const char* kind = hit.kind == WatchKind::Write  ? "watch"
+                       : hit.kind == WatchKind::Read ? "rwatch"
+                                                     : "awatch";
+    const std::array<u8, 4> digits = {static_cast<u8>(hit.address >> 24), static_cast<u8>(hit.address >> 16),
+                                      static_cast<u8>(hit.address >> 8), static_cast<u8>(hit.address)};
+    return std::string("T05") + kind + ":" + toHex(digits) + ";";
+}
+
+}  // namespace
+
+void Debugger::attach() {
+    attached = true;
+    points.clear();
+    stop(MipsCpu.pause != 0 ? pauseReason() : stoppedByTrap);
+}
+
+void Debugger::drop() {
+    points.clear();
+    attached = false;
+}
+
+std::optional<std::string> Debugger::stop(std::string reply) {
+    current = Mode::Stopped;
+    lastStop = std::move(reply);
+    return lastStop;
+}
+
+std::optional<std::string> Debugger::resume(Mode how, std::string_view address) {
+    if (!address.empty()) {
+        const std::optional<u64> pc = takeHex(address);
+        if (!pc || !address.empty()) {
+            return badArguments;
+        }
+        MipsCpu.PC = *pc;
+    }
+    MipsCpu.pause = 0;  // what could not be executed is tried again
+    current = how;
+    return std::nullopt;
+}
+
+std::optional<std::string> Debugger::resumeWithSignal(Mode how, std::string_view arguments) {
+    // The guest knows no signals: the number is checked and forgotten.
+    if (!takeHex(arguments)) {
+        return badArguments;
+    }
+    takeCharacter(arguments, ';');
+    return resume(how, arguments);
+}
+
+std::optional<std::string> Debugger::answer(std::string_view packet) {
+    if (packet.empty()) {
+        return unknownPacket;
+    }
+    const std::string_view arguments = packet.substr(1);
+    switch (packet.front()) {
+    case '?':
+        return lastStop;
+    case 'g':
+        return readAllRegisters();
+    case 'G':
+        return writeAllRegisters(arguments);
+    case 'p':
+        return readOneRegister(arguments);
+    case 'P':
+        return writeOneRegister(arguments);
+    case 'm':
+        return readMemoryDigits(arguments);
+    case 'M':
+        return writeMemoryFrom(arguments, true);
+    case 'X':
+        return writeMemoryFrom(arguments, false);
+    case 'Z':
+    case 'z':
+        return changePoint(packet, points);
+    case 'c':
+        return resume(Mode::Running, arguments);
+    case 'C':
+        return resumeWithSignal(Mode::Running, arguments);
+    case 's':
+        return resume(Mode::Step, arguments);
+    case 'S':
+        return resumeWithSignal(Mode::Step, arguments);
+    case 'H':
+    case 'T':
+        return ok;  // there is one thread
+    case 'q':
+        return query(packet);
+    case 'D':
+        drop();
+        current = Mode::Running;
+        return ok;
+    case 'k':
+        current = Mode::Killed;
+        return std::nullopt;
+    case 'v':
+        if (packet.starts_with("vKill")) {
+            current = Mode::Killed;
+            return ok;
+        }
+        return unknownPacket;
+    default:
+        return unknownPacket;
+    }
+}
+
+std::optional<std::string> Debugger::interrupt() {
+    return current == Mode::Running ? stop(stoppedByInterrupt) : std::nullopt;
+}
+
+std::optional<std::string> Debugger::beforeStep() {
+    // A single step starts where the debugger stands, so only a continued run looks at breakpoints.
+    if (current == Mode::Running && points.breaksAt(MipsCpu.PC)) {
+        return stop(stoppedByTrap);
+    }
+    if (points.watching()) {
+        if (const std::optional<MemoryAccess> access = nextMemoryAccess()) {
+            if (const std::optional<WatchHit> hit = points.watchHit(*access)) {
+                return stop(watchReply(*hit));
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> Debugger::afterStep() {
+    if (MipsCpu.pause != 0 && attached) {
+        return stop(pauseReason());
+    }
+    return current == Mode::Step ? stop(stoppedByTrap) : std::nullopt;
+}
+
+}  // namespace tarn::gdb

@@ -1,0 +1,64 @@
+// Declares the debugger's side of the machine: what each packet asks, and when the running machine stops for
+// it.
+#pragma once
+
+#include "base/types.h"
+#include "gdb/debug_points.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tarn::gdb {
+
+/// Answers packets and decides whether the machine runs. Knows no sockets; the machine's step is its
+/// caller's.
+class Debugger {
+  public:
+    /// Whether driver steps are to be made now.
+    enum class Mode : u8 {
+        Stopped,  ///< none until the debugger says so
+        Step,     ///< one
+        Running,  ///< on and on
+        Killed,   ///< none any more: the run is to end
+    };
+
+    Mode mode() const { return current; }
+
+    /// False before a debugger has attached, and once it has detached or its connection is gone.
+    bool isAttached() const { return attached; }
+
+    /// A debugger has connected: the machine stops where it is.
+    void attach();
+
+    /// The connection is gone. Its breakpoints and watchpoints go with it; the machine runs on or stays
+    /// stopped.
+    void drop();
+
+    /// Takes the payload of a packet and returns the payload of the reply, or nothing when the packet has
+    /// none (yet).
+    std::optional<std::string> answer(std::string_view packet);
+
+    /// The debugger asks for the machine to stop. The reply, or nothing when it is stopped already.
+    std::optional<std::string> interrupt();
+
+    /// To be called before each driver step: the stop reply when a breakpoint or a watchpoint keeps it from
+    /// being made.
+    std::optional<std::string> beforeStep();
+
+    /// To be called after each driver step: the stop reply when that was the one asked for, or the CPU paused
+    /// while a debugger is attached.
+    std::optional<std::string> afterStep();
+
+  private:
+    std::optional<std::string> stop(std::string reply);
+    std::optional<std::string> resume(Mode how, std::string_view address);
+    std::optional<std::string> resumeWithSignal(Mode how, std::string_view arguments);
+
+    Mode current = Mode::Stopped;
+    bool attached = false;
+    DebugPoints points;
+    std::string lastStop;
+};
+
+}  // namespace tarn::gdb

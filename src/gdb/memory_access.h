@@ -1,0 +1,22 @@
+// Declares the look ahead at the load or store that the next driver step makes.
+#pragma once
+
+#include "base/types.h"
+
+#include <optional>
+
+namespace tarn::gdb {
+
+struct MemoryAccess {
+    u32 address = 0;
+    u8 length = 0;  ///< in bytes
+    bool store = false;
+};
+
+/// The load or store that the next driver step makes, from PC and the registers as they are.
+///
+/// A step executes at most one: a taken branch or a jump runs its delay slot inside the same step, so the
+/// slot is looked at in its place. What system calls and the DMA controller do to memory is not foreseen.
+std::optional<MemoryAccess> nextMemoryAccess();
+
+}  // namespace tarn::gdb

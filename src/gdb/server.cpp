@@ -1,0 +1,214 @@
+// Owns the debugger's connection and the loop that runs the machine between its packets.
+#include "gdb/server.h"
+
+#include "r5900/mips_cpu.h"
+
+#include <arpa/inet.h>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace tarn::gdb {
+
+namespace {
+
+constexpr u32 stepsPerLook = 4096;  ///< driver steps between two looks at the connection
+constexpr int idleMilliseconds =
+    100;  ///< how long a stopped machine waits before it asks whether the run is over
+constexpr int sendMilliseconds = 2000;  ///< a debugger that takes no bytes for so long is dropped
+
+/// Waits until the descriptor is ready for `events`; false when it is not within the time.
+bool ready(int descriptor, short events, int milliseconds) {
+    pollfd entry{descriptor, events, 0};
+    return poll(&entry, 1, milliseconds) > 0;
+}
+
+}  // namespace
+
+void Descriptor::reset(int descriptor) {
+    if (number >= 0) {
+        close(number);
+    }
+    number = descriptor;
+}
+
+bool Server::listen(u16 port) {
+    const auto failed = [port](const char* what) {
+        std::fprintf(stderr, "tarn-headless: gdb: cannot %s port %u: %s\n", what, unsigned{port},
+                     std::strerror(errno));
+        return false;
+    };
+    listener.reset(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+    if (!listener.open()) {
+        return failed("open a socket for");
+    }
+    const int on = 1;
+    setsockopt(listener.get(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof address;
+    if (bind(listener.get(), reinterpret_cast<sockaddr*>(&address), length) != 0) {
+        return failed("bind");
+    }
+    if (::listen(listener.get(), 1) != 0 ||
+        getsockname(listener.get(), reinterpret_cast<sockaddr*>(&address), &length) != 0) {
+        return failed("listen on");
+    }
+    std::fprintf(stderr, "tarn-headless: gdb: waiting for a debugger on 127.0.0.1:%u\n",
+                 unsigned{ntohs(address.sin_port)});
+    return true;
+}
+
+void Server::run(const Host& host) {
+    u32 stepsToLook = 0;
+    while (!host.ended() && debugger.mode() != Debugger::Mode::Killed) {
+        if (debugger.mode() == Debugger::Mode::Stopped) {
+            exchange(idleMilliseconds);
+            continue;
+        }
+        if (stepsToLook == 0) {
+            stepsToLook = stepsPerLook;
+            exchange(0);
+            continue;  // the packets may have changed the mode
+        }
+        --stepsToLook;
+        if (const std::optional<std::string> stopped = debugger.beforeStep()) {
+            reply(*stopped);
+            continue;
+        }
+        host.step();
+        if (const std::optional<std::string> stopped = debugger.afterStep()) {
+            reply(*stopped);
+        } else if (MipsCpu.pause != 0) {
+            break;
+        }
+    }
+    if (connection.open() && debugger.mode() != Debugger::Mode::Killed) {
+        reply("W00");  // to the debugger the guest has exited
+    }
+    closeConnection();
+}
+
+/// Serves the listening port and the connection, waiting up to `timeout` milliseconds for something to come.
+void Server::exchange(int timeout) {
+    if (!connection.open()) {
+        if (ready(listener.get(), POLLIN, timeout)) {
+            acceptDebugger();
+        }
+    } else if (ready(connection.get(), POLLIN, timeout)) {
+        receive();
+    }
+}
+
+void Server::acceptDebugger() {
+    connection.reset(accept4(listener.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
+    if (!connection.open()) {
+        return;
+    }
+    const int on = 1;
+    setsockopt(connection.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    reader = PacketReader();
+    lastReply.clear();
+    acknowledging = true;
+    debugger.attach();
+}
+
+void Server::receive() {
+    std::array<char, 4096> bytes;
+    const ssize_t count = recv(connection.get(), bytes.data(), bytes.size(), 0);
+    if (count < 0 && (errno == EAGAIN || errno == EINTR)) {
+        return;
+    }
+    if (count <= 0) {
+        closeConnection();
+        return;
+    }
+    for (ssize_t i = 0; i < count && connection.open(); ++i) {
+        take(bytes[static_cast<std::size_t>(i)]);
+    }
+}
+
+void Server::take(char byte) {
+    switch (reader.feed(byte)) {
+    case PacketReader::Event::Nothing:
+        break;
+    case PacketReader::Event::Packet:
+        takePacket(reader.payload());
+        break;
+    case PacketReader::Event::Interrupt:
+        if (const std::optional<std::string> stopped = debugger.interrupt()) {
+            reply(*stopped);
+        }
+        break;
+    case PacketReader::Event::Corrupt:
+        send("-");
+        break;
+    case PacketReader::Event::Oversized:
+        send("+");
+        reply("E07");
+        break;
+    case PacketReader::Event::Refused:
+        send(lastReply);
+        break;
+    }
+}
+
+void Server::takePacket(const std::string& packet) {
+    acknowledge();
+    if (packet == "QStartNoAckMode") {
+        reply("OK");
+        acknowledging = false;
+        return;
+    }
+    if (const std::optional<std::string> answer = debugger.answer(packet)) {
+        reply(*answer);
+    }
+    if (!debugger.isAttached() || debugger.mode() == Debugger::Mode::Killed) {
+        closeConnection();
+    }
+}
+
+void Server::acknowledge() {
+    if (acknowledging) {
+        send("+");
+    }
+}
+
+void Server::reply(const std::string& payload) {
+    lastReply = framePacket(payload);
+    send(lastReply);
+}
+
+void Server::send(const std::string& bytes) {
+    std::size_t sent = 0;
+    while (connection.open() && sent < bytes.size()) {
+        const ssize_t count =
+            ::send(connection.get(), bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL | MSG_DONTWAIT);
+        if (count > 0) {
+            sent += static_cast<std::size_t>(count);
+        } else if (errno == EAGAIN || errno == EINTR) {
+            if (!ready(connection.get(), POLLOUT, sendMilliseconds)) {
+                closeConnection();
+            }
+        } else {
+            closeConnection();
+        }
+    }
+}
+
+void Server::closeConnection() {
+    if (connection.open()) {
+        connection.reset();
+        debugger.drop();
+    }
+}
+
+}  // namespace tarn::gdb

@@ -1,0 +1,67 @@
+// Declares the debugger's connection: a loopback TCP port, and the run of the machine between its packets.
+#pragma once
+
+#include "base/types.h"
+#include "gdb/debugger.h"
+#include "gdb/packet.h"
+
+#include <functional>
+#include <string>
+
+namespace tarn::gdb {
+
+/// A file descriptor that closes itself.
+class Descriptor {
+  public:
+    Descriptor() = default;
+    ~Descriptor() { reset(); }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    int get() const { return number; }
+    bool open() const { return number >= 0; }
+    void reset(int descriptor = -1);
+
+  private:
+    int number = -1;
+};
+
+/// What the server needs of the program that it debugs for.
+struct Host {
+    std::function<bool()> ended;  ///< true when the run is over, whatever the debugger wants
+    std::function<void()> step;   ///< makes one driver step
+};
+
+/// One debugger at a time, on a port of the loopback interface.
+class Server {
+  public:
+    /// Listens on `port`, or on any free one when it is 0, and says so on standard error.
+    /// False, with the reason on standard error, when the port cannot be had.
+    bool listen(u16 port);
+
+    /// Waits for a debugger and runs the machine as it says. A connection that breaks off changes nothing:
+    /// the machine runs on or stays stopped, and the next debugger takes over. Returns when the host says
+    /// that the run has ended, when the debugger kills it, or when the CPU pauses and no debugger is
+    /// attached.
+    void run(const Host& host);
+
+  private:
+    void exchange(int timeout);
+    void acceptDebugger();
+    void receive();
+    void take(char byte);
+    void takePacket(const std::string& packet);
+    void acknowledge();
+    void reply(const std::string& payload);
+    void send(const std::string& bytes);
+    void closeConnection();
+
+    Descriptor listener;
+    Descriptor connection;
+    PacketReader reader;
+    Debugger debugger;
+    std::string lastReply;      ///< as it was sent, for a debugger that did not get it
+    bool acknowledging = true;  ///< until the debugger asks for the mode without
+};
+
+}  // namespace tarn::gdb
