@@ -3,7 +3,11 @@
 
 namespace tarn {
 
-/// Each copies one zero-terminated line to the end of a text pane (1, 2 and 3).
+/// Set whenever the machine makes a pane dirty. Who runs many driver steps at a time clears it first and
+/// stops when it is set, so that the panes show what they would have shown.
+inline bool paneChanged = false;
+
+/// Each copies one zero-terminated line to the end of a text pane (1, 2 and 3), if there is one yet.
 void PrintToEmuOutput(const char* text);
 void PrintToOpcodeOutput(const char* text);
 void PrintToRegistersOutput(const char* text);

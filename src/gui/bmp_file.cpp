@@ -1,0 +1,96 @@
+// Owns the reading of BMP files: SDL 1.2's reader trusts sizes that a hostile file can choose.
+#include "gui/bmp_file.h"
+
+#include <cstdio>
+#include <memory>
+#include <vector>
+
+namespace tarn {
+namespace {
+
+constexpr std::size_t fileHeaderSize = 14;
+constexpr std::size_t largestFile = 64 << 20;  // bytes; no font comes near
+constexpr s64 largestSide = 16383;             // pixels, SDL's limit for a surface's width
+
+/// `count` bytes at `offset`, least significant first.
+u32 little(std::span<const u8> file, std::size_t offset, std::size_t count) {
+    u32 value = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        value |= static_cast<u32>(file[offset + i]) << (8 * i);
+    }
+    return value;
+}
+
+/// The file's bytes; nothing when it cannot be read or is too large.
+std::vector<u8> readFile(const char* path) {
+    std::vector<u8> bytes;
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
+        std::fopen(path, "rb"), [](std::FILE* open) { return open != nullptr ? std::fclose(open) : 0; });
+    if (file != nullptr) {
+        u8 block[4096];
+        std::size_t count = 0;
+        while ((count = std::fread(block, 1, sizeof block, file.get())) > 0) {
+            bytes.insert(bytes.end(), block, block + count);
+            if (bytes.size() > largestFile) {
+                return {};
+            }
+        }
+    }
+    return bytes;
+}
+
+}  // namespace
+
+bool isSaneBmp(std::span<const u8> file) {
+    if (file.size() < fileHeaderSize + 40 || file[0] != 'B' || file[1] != 'M') {
+        return false;
+    }
+    const u64 pixelOffset = little(file, 10, 4);
+    const u64 headerSize = little(file, 14, 4);
+    const s64 width = static_cast<s32>(little(file, 18, 4));
+    const s64 signedHeight = static_cast<s32>(little(file, 22, 4));
+    const s64 height = signedHeight < 0 ? -signedHeight : signedHeight;  // negative: top row first
+    const u32 depth = little(file, 28, 2);
+    const u32 compression = little(file, 30, 4);
+    const u64 colours = little(file, 46, 4);
+
+    if (headerSize < 40 || headerSize > 124 || compression != 0) {
+        return false;
+    }
+    if (width < 1 || height < 1 || width > largestSide || height > largestSide) {
+        return false;
+    }
+    switch (depth) {
+    case 1:
+    case 4:
+    case 8:
+        if (colours > (u64{1} << depth)) {
+            return false;
+        }
+        break;
+    case 16:
+    case 32:
+        // With a gap before the pixels SDL takes the gap for channel masks.
+        if (pixelOffset != fileHeaderSize + headerSize) {
+            return false;
+        }
+        break;
+    case 24:
+        break;
+    default:
+        return false;
+    }
+    const u64 rowBytes = (static_cast<u64>(width) * depth + 31) / 32 * 4;
+    return pixelOffset >= fileHeaderSize + headerSize &&
+           pixelOffset + rowBytes * static_cast<u64>(height) <= file.size();
+}
+
+SDL_Surface* loadBmpFile(const char* path) {
+    const std::vector<u8> file = readFile(path);
+    if (!isSaneBmp(file)) {
+        return nullptr;
+    }
+    return SDL_LoadBMP_RW(SDL_RWFromConstMem(file.data(), static_cast<int>(file.size())), 1);
+}
+
+}  // namespace tarn

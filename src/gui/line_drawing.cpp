@@ -1,0 +1,103 @@
+// Owns line drawing and single-pixel operations on SDL surfaces.
+#include "gui/line_drawing.h"
+
+#include "gui/pixel_access.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+namespace tarn {
+namespace {
+
+/// One channel, in place in a pixel, moved `opacity` / 256 of the way to the colour's.
+u32 blendChannel(u32 old, u32 colour, u32 mask, u8 opacity) {
+    const s64 from = old & mask;
+    const s64 to = colour & mask;
+    return static_cast<u32>(from + (((to - from) * opacity) >> 8)) & mask;
+}
+
+u8 blendComponent(u8 from, u8 to, u8 opacity) { return static_cast<u8>(from + (to - from) * opacity / 255); }
+
+/// The points of an opaque line: one per step of the major axis, `plot` gets (major, minor).
+template <typename Plot>
+void walkLine(s64 major, s64 majorEnd, s64 minorStart, s64 minorEnd, s64 majorLimit, Plot plot) {
+    const s64 majorDelta = majorEnd - major;
+    const s64 step = majorDelta >= 0 ? 1 : -1;
+    float slope = 0;
+    if (minorEnd != minorStart) {
+        slope = static_cast<float>(minorEnd - minorStart) / static_cast<float>(majorDelta);
+    } else {
+        // Nothing accumulates along a straight line, so what lies off the surface need not be walked.
+        major = std::clamp<s64>(major, -1, majorLimit);
+        majorEnd = std::clamp<s64>(majorEnd, -1, majorLimit);
+    }
+    slope *= static_cast<float>(step);
+    float minor = static_cast<float>(minorStart);
+    for (; major != majorEnd + step; major += step) {
+        const double rounded = std::floor(static_cast<double>(minor) + 0.5);
+        if (major >= 0 && major < majorLimit && rounded >= 0 && rounded < 65536) {
+            plot(static_cast<s32>(major), static_cast<s32>(rounded));
+        }
+        minor += slope;
+    }
+}
+
+}  // namespace
+
+void SDL_putPixel(SDL_Surface* surface, s32 x, s32 y, u32 colour) {
+    if (u8* address = pixelInPicture(surface, x, y)) {
+        storePixel(address, surface->format->BytesPerPixel, colour);
+    }
+}
+
+void* SDL_getPixel(SDL_Surface* surface, s32 x, s32 y) { return pixelInPicture(surface, x, y); }
+
+void __slow_SDL_blendPixel(SDL_Surface* surface, s32 x, s32 y, u32 colour, u8 opacity) {
+    u8* address = pixelInPicture(surface, x, y);
+    if (address == nullptr) {
+        return;
+    }
+    SDL_PixelFormat* format = surface->format;
+    SDL_Color from{};
+    SDL_Color to{};
+    SDL_GetRGB(loadPixel(address, format->BytesPerPixel), format, &from.r, &from.g, &from.b);
+    SDL_GetRGB(colour, format, &to.r, &to.g, &to.b);
+    storePixel(address, format->BytesPerPixel,
+               SDL_MapRGB(format, blendComponent(from.r, to.r, opacity),
+                          blendComponent(from.g, to.g, opacity), blendComponent(from.b, to.b, opacity)));
+}
+
+void SDL_blendPixel(SDL_Surface* surface, s32 x, s32 y, u32 colour, u8 opacity) {
+    const SDL_PixelFormat* format = surface->format;
+    const u32 size = format->BytesPerPixel;
+    if (size == 1) {
+        __slow_SDL_blendPixel(surface, x, y, colour, opacity);
+    } else if (u8* address = pixelInPicture(surface, x, y)) {
+        const u32 old = loadPixel(address, size);
+        const bool byBytes = size == 3;
+        storePixel(address, size,
+                   blendChannel(old, colour, byBytes ? 0xFF : format->Rmask, opacity) |
+                       blendChannel(old, colour, byBytes ? 0xFF00 : format->Gmask, opacity) |
+                       blendChannel(old, colour, byBytes ? 0xFF0000 : format->Bmask, opacity));
+    }
+}
+
+void SDL_drawLine_Kq(SDL_Surface* surface, s32 x1, s32 y1, s32 x2, s32 y2, u32 colour, u8 /*opacity*/,
+                     u8 flags) {
+    const bool locks = (flags & lineLocksSurface) != 0 && needsLock(surface);
+    const bool locked = locks && SDL_LockSurface(surface) == 0;
+    if (locks && !locked) {
+        std::fprintf(stderr, "Can't lock video surface: %s\n", SDL_GetError());
+    }
+    if (std::abs(s64{x2} - x1) >= std::abs(s64{y2} - y1)) {
+        walkLine(x1, x2, y1, y2, surface->w, [&](s32 x, s32 y) { SDL_putPixel(surface, x, y, colour); });
+    } else {
+        walkLine(y1, y2, x1, x2, surface->h, [&](s32 y, s32 x) { SDL_putPixel(surface, x, y, colour); });
+    }
+    if (locked) {
+        SDL_UnlockSurface(surface);
+    }
+}
+
+}  // namespace tarn

@@ -1,0 +1,123 @@
+// Owns the toolkit's screen: its surface and fonts, the table of panes, the main loop.
+#include "gui/kogui.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace tarn {
+namespace {
+
+constexpr SDL_Color backgroundColour{0, 105, 153, 0};
+
+BitmapFont* loadFontOrExit(const char* path, const char* complaint) {
+    BitmapFont* font = LoadFont(path);
+    if (font == nullptr) {
+        std::printf("%s", complaint);
+        std::exit(1);
+    }
+    return font;
+}
+
+bool anyPaneDirty(const koGUIscreen* screen) {
+    for (u32 i = 0; i < screen->nbWidgets; ++i) {
+        if (screen->widgets[i].dirty == 1) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Draws every pane, in index order so that later ones lie on top, and shows the result in the window.
+void redraw(koGUIscreen* screen, SDL_Surface* video) {
+    screen->ClearScreen(screen);
+    for (u32 i = 0; i < screen->nbWidgets; ++i) {
+        koGUIwidget* pane = &screen->widgets[i];
+        pane->external_draw(pane, screen);
+        if (pane->state == paneOpen) {
+            pane->internal_draw(pane, screen);
+        }
+        pane->dirty = 0;
+    }
+    SDL_UpperBlit(screen->surface, nullptr, video, nullptr);
+    if (video != nullptr) {
+        SDL_UpdateRect(video, 0, 0, 0, 0);
+    }
+}
+
+}  // namespace
+
+int koGUI_Init(koGUIscreen* screen) {
+    screen->AddWidget = koGUI_AddWidget;
+    screen->ClearScreen = koGUI_ClearScreen;
+    screen->MainLoop = koGUI_MainLoop;
+    screen->Destroy = koGUI_Destroy;
+    screen->IdleProc = koGUI_defaultIdleProc;
+    screen->nbWidgets = 0;
+
+    const SDL_Surface* video = SDL_GetVideoSurface();
+    screen->surface = video != nullptr ? SDL_CreateRGBSurface(SDL_SWSURFACE, video->w, video->h, 32,
+                                                              0x000000FF, 0x0000FF00, 0x00FF0000, 0xFF000000)
+                                       : nullptr;
+    if (screen->surface == nullptr) {
+        std::printf("CreateRGBSurface failed: %s\n", SDL_GetError());
+        return 0;
+    }
+    // A surface with an alpha channel would be blended into the window, which costs and rounds; it is opaque.
+    SDL_SetAlpha(screen->surface, 0, SDL_ALPHA_OPAQUE);
+    screen->font1 = loadFontOrExit("data/font_1.bmp", "Couldnt load Font1\n");
+    screen->font2 = loadFontOrExit("data/font_2.bmp", "Couldnt load Font2\n");
+    screen->running = 1;
+    koGUI_ClearScreen(screen);
+    return 1;
+}
+
+void fillRectangle(koGUIscreen* screen, SDL_Rect rectangle, SDL_Color colour) {
+    SDL_FillRect(screen->surface, &rectangle,
+                 SDL_MapRGB(screen->surface->format, colour.r, colour.g, colour.b));
+}
+
+void koGUI_ClearScreen(koGUIscreen* screen) {
+    SDL_FillRect(
+        screen->surface, nullptr,
+        SDL_MapRGB(screen->surface->format, backgroundColour.r, backgroundColour.g, backgroundColour.b));
+}
+
+void koGUI_AddWidget(koGUIscreen* screen, const koGUIwidget* pane) {
+    if (pane == nullptr || screen->nbWidgets >= maxWidgets) {
+        return;
+    }
+    koGUIwidget& entry = screen->widgets[screen->nbWidgets];
+    const u32 savedH = entry.savedH;  // the one field that is not taken over
+    entry = *pane;
+    entry.savedH = savedH;
+    entry.id = screen->nbWidgets++;
+}
+
+void koGUI_MainLoop(koGUIscreen* screen) {
+    SDL_Surface* video = SDL_GetVideoSurface();
+    while (screen->running == 1) {
+        screen->IdleProc();
+        if (anyPaneDirty(screen)) {
+            redraw(screen, video);
+        }
+        SDL_Event event;
+        SDL_PollEvent(&event);  // the event filter has done what there is to do
+    }
+}
+
+void koGUI_Destroy(koGUIscreen* screen) {
+    std::printf("Destroy koGUI\n");
+    FreeFont(screen->font1);
+    FreeFont(screen->font2);
+    SDL_FreeSurface(screen->surface);
+    screen->font1 = nullptr;
+    screen->font2 = nullptr;
+    screen->surface = nullptr;
+    for (u32 i = 0; i < screen->nbWidgets; ++i) {
+        freeTextLines(&screen->widgets[i]);
+    }
+}
+
+void koGUI_defaultIdleProc() {}
+
+}  // namespace tarn
