@@ -1,0 +1,79 @@
+// Owns the set-up of the Graphics Synthesizer for tests: a fresh one per test, and GIF packets to send to it.
+#pragma once
+
+#include "gs/gs.h"
+#include "gs/gs_state.h"
+#include "gs/registers.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+#include <vector>
+
+namespace tarn {
+
+/// A GIF stream under construction, as doublewords.
+class GifStream {
+  public:
+    enum Form : u32 { packed = 0, reglist = 1, image = 2, imageToo = 3 };
+
+    /// A tag; registers are the descriptors, the first in the lowest four bits.
+    GifStream& tag(Form form, u32 nloop, u32 nreg, u64 registers, bool eop = false, u64 flags = 0) {
+        return quadword(nloop | (u64{eop} << 15) | flags | (u64{form} << 58) | (u64{nreg & 15} << 60),
+                        registers);
+    }
+    static constexpr u64 pre(u32 prim) { return u64{1} << 46 | u64{prim} << 47; }
+
+    GifStream& quadword(u64 low, u64 high) {
+        words.push_back(low);
+        words.push_back(high);
+        return *this;
+    }
+    /// One register write in a packet of its own, as address + data.
+    GifStream& write(u32 address, u64 value) { return tag(packed, 1, 1, 0xE).quadword(value, address); }
+
+    u32 quadwords() const { return static_cast<u32>(words.size() / 2); }
+    const u8* at(u32 quadword) const { return reinterpret_cast<const u8*>(words.data() + quadword * 2); }
+    void send() const { GSgifTransfer(at(0), quadwords()); }
+
+  private:
+    std::vector<u64> words;
+};
+
+/// Everything the renderer holds, to be compared.
+struct GsImage {
+    std::vector<u8> memory;
+    std::vector<u8> record;  ///< all of the state record but the address of local memory
+
+    static GsImage now() {
+        const u8* begin = reinterpret_cast<const u8*>(&Gs._gsfb);
+        const u8* end = reinterpret_cast<const u8*>(&Gs + 1);
+        return {{Gs.vRam, Gs.vRam + localMemoryBytes}, {begin, end}};
+    }
+    bool operator==(const GsImage&) const = default;
+};
+
+class GsMachine : public testing::Test {
+  protected:
+    GsMachine() { restart(); }
+    ~GsMachine() override { GSreset(); }
+
+    static void restart() {
+        GSreset();
+        GSinit();
+    }
+
+    /// Fills local memory with words that differ from each other.
+    static void fillMemory() {
+        for (u32 i = 0; i < localMemoryWords; ++i) {
+            Gs.vRamUL[i] = i * 0x9E3779B1;
+        }
+    }
+
+    u32 random(u32 limit) { return static_cast<u32>(generator() % limit); }
+
+    std::mt19937 generator{1};  // the same cases on every host
+};
+
+}  // namespace tarn
