@@ -23,8 +23,8 @@ bool addOnce(std::vector<Point>& points, const Point& point) {
     return true;
 }
 
-constexpr bool concerns(WatchKind kind, bool store) {
-    return kind == WatchKind::Access || (kind == WatchKind::Write) == store;
+constexpr bool concerns(WatchKind kind, Access access) {
+    return kind == WatchKind::Access || (kind == WatchKind::Write) == (access == Access::Store);
 }
 
 }  // namespace
@@ -44,13 +44,13 @@ bool DebugPoints::breaksAt(u64 pc) const {
 }
 
 std::optional<WatchHit> DebugPoints::watchHit(const MemoryAccess& access) const {
-    const u64 accessFirst = placeOf(access.address, access.store);
+    const u64 accessFirst = placeOf(access.address, access.kind);
     const u64 accessEnd = accessFirst + access.length;
     for (const Watchpoint& watchpoint : watchpoints) {
-        if (!concerns(watchpoint.kind, access.store)) {
+        if (!concerns(watchpoint.kind, access.kind)) {
             continue;
         }
-        const u64 first = placeOf(watchpoint.address, access.store);
+        const u64 first = placeOf(watchpoint.address, access.kind);
         const u64 end = first + watchpoint.length;
         if (accessFirst < end && first < accessEnd) {
             // The debugger knows the watchpoint by the address it gave, not by the mirror that the guest

@@ -2,11 +2,12 @@
 // debugger.
 #include "gdb/debugger.h"
 
-#include "base/bits.h"
 #include "gdb/machine.h"
 #include "gdb/packet.h"
 #include "memory/areas.h"
+#include "r5900/fields.h"
 #include "r5900/mips_cpu.h"
+#include "r5900/tables.h"
 
 #include <algorithm>
 #include <array>
@@ -38,19 +39,21 @@ const char* pauseReason() {
     if (static_cast<u32>(MipsCpu.PC) > mainMemorySize - sizeof(u32)) {
         return stoppedByMemory;  // nothing can be fetched there
     }
-    const u32 major = bits(MipsCpu.opcode, 26, 6);
-    if (major == 0 && bits(MipsCpu.opcode, 0, 6) == 12) {
-        return stoppedBySystemCall;
+    const u32 major = r5900::majorOpcode(MipsCpu.opcode);
+    if (major == 0) {
+        switch (r5900::functionCode(MipsCpu.opcode)) {
+        case 12:  // SYSCALL
+            return stoppedBySystemCall;
+        case 13:  // BREAK
+            return stoppedByTrap;
+        default:
+            return stoppedByInstruction;
+        }
     }
-    if (major == 0 && bits(MipsCpu.opcode, 0, 6) == 13) {
-        return stoppedByTrap;  // BREAK
-    }
-    // Loads and stores that exist pause only for their addresses; the ones below do not exist.
-    constexpr std::array<u32, 10> missing = {48, 50, 51, 52, 53, 54, 56, 58, 59, 60};
-    const bool loadOrStore = major == 26 || major == 27 || major == 30 || major == 31 ||
-                             (major >= 32 && major < 61) || major == 63;
-    const bool exists = std::find(missing.begin(), missing.end(), major) == missing.end();
-    return loadOrStore && exists && major != 47 ? stoppedByMemory : stoppedByInstruction;
+    // Loads and stores, of which CACHE never stops, are here because of an address or because they do not
+    // exist.
+    const bool loadOrStore = major == 26 || major == 27 || major >= 30;
+    return loadOrStore && r5900::normal_opc[major] != r5900::NI ? stoppedByMemory : stoppedByInstruction;
 }
 
 std::array<u8, 8> littleEndian(u64 value) {

@@ -2,9 +2,9 @@
 #include "gdb/machine.h"
 
 #include "memory/areas.h"
+#include "r5900/fpu_registers.h"
 #include "r5900/mips_cpu.h"
 
-#include <algorithm>
 #include <bit>
 
 namespace tarn::gdb {
@@ -18,20 +18,14 @@ constexpr unsigned cp0Cause = 13;
 constexpr unsigned fcrFir = 0;
 constexpr unsigned fcrFcsr = 31;
 
-constexpr u32 specialAreaBase = 0x10000000;
-constexpr u32 biosPlace = 0x1FC00000;
+constexpr u32 biosFirst = 0x1FC00000;
 constexpr u32 biosMask = biosMemorySize - 1;
-constexpr u32 mainMemoryMask = mainMemorySize - 1;
-constexpr u32 unmappedBelow = 0x00100000;  ///< loads and stores do not reach the first megabyte
 
-constexpr bool inRange(u32 address, u32 first, u32 last) { return address >= first && address <= last; }
+/// The aligned word that a byte lies in. The areas begin and end on words, and the memory map, which tests
+/// the start of an access, takes every word of main memory, but not every byte.
+constexpr u32 wordOf(u32 address) { return address & ~3U; }
 
-constexpr bool isBios(u32 address) {
-    return inRange(address, 0x1FC00000, 0x1FFFFFFF) || inRange(address, 0x9FC00000, 0x9FFFFFFF) ||
-           inRange(address, 0xBFC00000, 0xBFFFFFFF);
-}
-
-constexpr bool isSpecialArea(u32 place) { return place - specialAreaBase < specialAreaSize; }
+constexpr bool isSpecialArea(u32 place) { return place - specialAreaFirst < specialAreaSize; }
 
 /// A register that is a whole slot of the CPU record, or null.
 u64* doublewordOf(unsigned number) {
@@ -62,16 +56,19 @@ u64* doublewordOf(unsigned number) {
 
 /// The host byte behind one byte of a place, or null where there is none.
 u8* hostByte(u32 place) {
+    u8* area = nullptr;
+    u32 offset = 0;
     if (place < mainMemorySize) {
-        return MipsMemory == nullptr ? nullptr : MipsMemory + place;
+        area = MipsMemory;
+        offset = place;
+    } else if (isSpecialArea(place)) {
+        area = SpecialAreaMemory;
+        offset = place - specialAreaFirst;
+    } else if (place - biosFirst < biosMemorySize) {
+        area = BiosMemory;
+        offset = place - biosFirst;
     }
-    if (isSpecialArea(place)) {
-        return SpecialAreaMemory == nullptr ? nullptr : SpecialAreaMemory + (place - specialAreaBase);
-    }
-    if (inRange(place, biosPlace, biosPlace + biosMask)) {
-        return BiosMemory == nullptr ? nullptr : BiosMemory + (place & biosMask);
-    }
-    return nullptr;
+    return area == nullptr ? nullptr : area + offset;
 }
 
 std::string buildTargetDescription() {
@@ -132,9 +129,7 @@ void writeRegister(unsigned number, u64 value) {
         *slot = registerSize(number) == 8 ? value : static_cast<u32>(value);
         return;
     }
-    const auto image = static_cast<u32>(value);
-    MipsCpu.FPR128[number - firstFpuRegister].low = image;
-    MipsCpu.FPR32[number - firstFpuRegister] = std::bit_cast<f32>(image);
+    r5900::setFromImage(static_cast<u8>(number - firstFpuRegister), static_cast<u32>(value));
 }
 
 const std::string& targetDescription() {
@@ -142,27 +137,20 @@ const std::string& targetDescription() {
     return description;
 }
 
-u32 placeOf(u32 address, bool store) {
-    // Only loads reach the BIOS; a store through the cached segment folds onto main memory instead.
-    if (!store && isBios(address)) {
-        return biosPlace | (address & biosMask);
+u32 placeOf(u32 address, Access access) {
+    const u32 word = wordOf(address);
+    if (access == Access::Load && isBios(word)) {
+        return biosFirst | (address & biosMask);
     }
-    u32 place = address;
-    if (inRange(place, 0x80000000, 0x9FFFFFFE)) {
-        place &= mainMemoryMask;
-    }
-    for (const u32 mirror : {0x00000000U, 0x20000000U, 0x30000000U}) {
-        if (inRange(place, mirror + unmappedBelow, mirror + mainMemoryMask)) {
-            return place & mainMemoryMask;
-        }
-    }
-    return address;
+    const u32 offset = access == Access::Load ? mainMemoryOffset<Access::Load>(word, sizeof(u32))
+                                              : mainMemoryOffset<Access::Store>(word, sizeof(u32));
+    return offset == notMainMemory ? address : offset + (address - word);
 }
 
 std::size_t readMemory(u32 address, std::span<u8> bytes) {
     std::size_t count = 0;
     for (u8& byte : bytes) {
-        const u8* source = hostByte(placeOf(address + static_cast<u32>(count), false));
+        const u8* source = hostByte(placeOf(address + static_cast<u32>(count), Access::Load));
         if (source == nullptr) {
             break;
         }
@@ -174,11 +162,13 @@ std::size_t readMemory(u32 address, std::span<u8> bytes) {
 
 bool writeMemory(u32 address, std::span<const u8> bytes) {
     const auto target = [address](std::size_t index) -> u8* {
-        const u32 each = address + static_cast<u32>(index);
-        const u32 place = placeOf(each, true);
-        const bool writable = inRange(place, unmappedBelow, mainMemoryMask) || isSpecialArea(place);
-        // What reads as BIOS at this address would not show the store.
-        return writable && !isBios(each) ? hostByte(place) : nullptr;
+        const u32 byte = address + static_cast<u32>(index);
+        const u32 place = placeOf(byte, Access::Store);
+        // Where a load would find the BIOS image, the debugger would not see what it stored.
+        const bool writable =
+            (place - mainMemoryFirst < mainMemorySize - mainMemoryFirst || isSpecialArea(place)) &&
+            !isBios(wordOf(byte));
+        return writable ? hostByte(place) : nullptr;
     };
     for (std::size_t i = 0; i < bytes.size(); ++i) {
         if (target(i) == nullptr) {

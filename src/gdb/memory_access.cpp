@@ -1,165 +1,159 @@
-// Owns the decoding of loads, stores and taken branches for watchpoints, before anything is executed.
+// Owns the look ahead for watchpoints: taken branches and their delay slots, loads and stores, before they
+// happen.
 #include "gdb/memory_access.h"
 
-#include "base/bits.h"
 #include "memory/areas.h"
+#include "memory/memory.h"
+#include "r5900/branch.h"
+#include "r5900/fields.h"
 #include "r5900/mips_cpu.h"
-
-#include <array>
-#include <cstring>
 
 namespace tarn::gdb {
 
 namespace {
 
-constexpr unsigned nestingLimit = 1024;  ///< as deep as the interpreter follows branches in delay slots
+using namespace r5900;
 
-/// The general-purpose registers as a delay slot sees them: a jump before it may have set one of them.
-struct RegisterView {
-    std::array<u64, 32> values{};
-
-    RegisterView() {
-        for (std::size_t i = 0; i < values.size(); ++i) {
-            values[i] = MipsCpu.GPR[i].low;
-        }
+/// Puts back what looking ahead changes: PC, which moves over branches, and the registers that jumps link.
+class Rewind {
+  public:
+    Rewind() = default;
+    ~Rewind() {
+        MipsCpu.PC = pc;
+        MipsCpu.GPR = registers;
     }
+    Rewind(const Rewind&) = delete;
+    Rewind& operator=(const Rewind&) = delete;
+
+  private:
+    u64 pc = MipsCpu.PC;
+    decltype(MipsCpu.GPR) registers = MipsCpu.GPR;
 };
 
-constexpr u32 major(u32 word) { return bits(word, 26, 6); }
-constexpr u32 rsOf(u32 word) { return bits(word, 21, 5); }
-constexpr u32 rtOf(u32 word) { return bits(word, 16, 5); }
-constexpr u32 rdOf(u32 word) { return bits(word, 11, 5); }
-
-std::optional<u32> fetch(u64 pc) {
-    const auto offset = static_cast<u32>(pc);
-    if (MipsMemory == nullptr || offset > mainMemorySize - sizeof(u32)) {
+std::optional<u32> fetch() {
+    const auto address = static_cast<u32>(MipsCpu.PC);
+    if (MipsMemory == nullptr || address > mainMemorySize - sizeof(u32)) {
         return std::nullopt;
     }
-    u32 word = 0;
-    std::memcpy(&word, MipsMemory + offset, sizeof word);
-    return word;
+    return loadFrom<u32>(MipsMemory, address);
 }
 
-std::optional<MemoryAccess> accessOf(u32 word, const RegisterView& registers) {
-    constexpr bool load = false;
-    constexpr bool store = true;
-    const auto access = [&](u8 length, bool isStore) {
-        const u64 address = registers.values[rsOf(word)] + signExtend16(word);
-        return MemoryAccess{static_cast<u32>(address), length, isStore};
-    };
-    switch (major(word)) {
-    case 32:  // LB
-    case 36:  // LBU
-        return access(1, load);
-    case 33:  // LH
-    case 37:  // LHU
-        return access(2, load);
-    case 34:  // LWL
-    case 35:  // LW
-    case 38:  // LWR
-    case 39:  // LWU
-    case 49:  // LWC1
-        return access(4, load);
-    case 26:  // LDL
-    case 27:  // LDR
-    case 55:  // LD
-        return access(8, load);
-    case 30:  // LQ
-        return access(16, load);
-    case 40:  // SB
-        return access(1, store);
-    case 41:  // SH
-        return access(2, store);
-    case 42:  // SWL
-    case 43:  // SW
-    case 46:  // SWR
-    case 57:  // SWC1
-        return access(4, store);
-    case 44:  // SDL
-    case 45:  // SDR
-    case 63:  // SD
-        return access(8, store);
-    case 31:  // SQ
-        return access(16, store);
-    default:
-        return std::nullopt;
-    }
-}
-
-/// True when the word is a branch or jump that runs its delay slot now. Sets the link register that the slot
-/// sees.
-bool runsDelaySlot(u32 word, u64 pc, RegisterView& registers) {
-    const u64 rs = registers.values[rsOf(word)];
-    const u64 rt = registers.values[rtOf(word)];
-    const auto signedRs = static_cast<s64>(rs);
-    switch (major(word)) {
-    case 0:                           // SPECIAL
-        if (bits(word, 0, 6) == 9) {  // JALR
-            registers.values[rdOf(word)] = pc + 8;
+/// Whether the word is a taken branch or a jump, so that its step runs the delay slot too. Links, as the slot
+/// sees it.
+bool runsDelaySlot(u32 word) {
+    const auto branch = BranchFields::from(word);
+    const auto zeroBranch = ZeroBranchFields::from(word);
+    switch (majorOpcode(word)) {
+    case 0:  // SPECIAL
+        if (functionCode(word) == 9) {
+            link(RegisterFields::from(word).rd);  // JALR
             return true;
         }
-        return bits(word, 0, 6) == 8;  // JR
-    case 1:                            // REGIMM
-        switch (rtOf(word)) {
+        return functionCode(word) == 8;  // JR
+    case 1:                              // REGIMM
+        switch (regimmCode(word)) {
         case 0:  // BLTZ
         case 2:  // BLTZL
-            return signedRs < 0;
+            return BLTZ(zeroBranch);
         case 1:  // BGEZ
         case 3:  // BGEZL
-            return signedRs >= 0;
+            return BGEZ(zeroBranch);
         default:
             return false;
         }
     case 2:  // J
         return true;
     case 3:  // JAL
-        registers.values[REG_RA] = pc + 8;
+        link(REG_RA);
         return true;
     case 4:   // BEQ
     case 20:  // BEQL
-        return rs == rt;
+        return BEQ(branch);
     case 5:   // BNE
     case 21:  // BNEL
-        return rs != rt;
+        return BNE(branch);
     case 6:   // BLEZ
     case 22:  // BLEZL
-        return signedRs <= 0;
-    case 7:  // BGTZ
-        return signedRs > 0;
-    case 17: {  // COP1: only BC1 on condition 0 branches
-        if (rsOf(word) != 8 || bits(word, 18, 3) != 0) {
+        return BLEZ(zeroBranch);
+    case 7:
+        return BGTZ(zeroBranch);
+    case 17:  // COP1: only BC1 branches, and only on condition code 0
+        if (coprocessorCode(word) != 8 || FpuBranchFields::from(word).ccb != 0) {
             return false;
         }
-        const bool condition = bit(MipsCpu.FCR[31], 23) != 0;
-        switch (bits(word, 16, 2)) {
+        switch (conditionBranchCode(word)) {
         case 0:  // BC1F
-            return !condition;
+            return !conditionBit();
         case 1:  // BC1T
         case 3:  // BC1TL
-            return condition;
+            return conditionBit();
         default:
             return false;
         }
-    }
     default:
         return false;
+    }
+}
+
+/// The load or store that the word makes by itself.
+std::optional<MemoryAccess> accessOf(u32 word) {
+    const auto fields = MemoryFields::from(word);
+    const auto access = [&](Access kind, Width width) {
+        return MemoryAccess{guestAddress(gpr(fields.base), static_cast<s16>(fields.offset)), bytesOf(width),
+                            kind};
+    };
+    switch (majorOpcode(word)) {
+    case 32:  // LB
+    case 36:  // LBU
+        return access(Access::Load, Width::Byte);
+    case 33:  // LH
+    case 37:  // LHU
+        return access(Access::Load, Width::Halfword);
+    case 34:  // LWL
+    case 35:  // LW
+    case 38:  // LWR
+    case 39:  // LWU
+    case 49:  // LWC1
+        return access(Access::Load, Width::Word);
+    case 26:  // LDL
+    case 27:  // LDR
+    case 55:  // LD
+        return access(Access::Load, Width::Doubleword);
+    case 30:  // LQ
+        return access(Access::Load, Width::Quadword);
+    case 40:  // SB
+        return access(Access::Store, Width::Byte);
+    case 41:  // SH
+        return access(Access::Store, Width::Halfword);
+    case 42:  // SWL
+    case 43:  // SW
+    case 46:  // SWR
+    case 57:  // SWC1
+        return access(Access::Store, Width::Word);
+    case 44:  // SDL
+    case 45:  // SDR
+    case 63:  // SD
+        return access(Access::Store, Width::Doubleword);
+    case 31:  // SQ
+        return access(Access::Store, Width::Quadword);
+    default:
+        return std::nullopt;
     }
 }
 
 }  // namespace
 
 std::optional<MemoryAccess> nextMemoryAccess() {
-    RegisterView registers;
-    u64 pc = MipsCpu.PC;
-    for (unsigned depth = 0; depth <= nestingLimit; ++depth) {
-        const std::optional<u32> word = fetch(pc);
+    const Rewind rewind;
+    for (u32 depth = 0; depth <= maximumDelaySlotDepth; ++depth) {
+        const std::optional<u32> word = fetch();
         if (!word) {
             return std::nullopt;
         }
-        if (!runsDelaySlot(*word, pc, registers)) {
-            return accessOf(*word, registers);
+        if (!runsDelaySlot(*word)) {
+            return accessOf(*word);
         }
-        pc += 4;
+        MipsCpu.PC += 4;
     }
     return std::nullopt;
 }

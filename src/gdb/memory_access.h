@@ -2,6 +2,7 @@
 #pragma once
 
 #include "base/types.h"
+#include "memory/main_memory.h"
 
 #include <optional>
 
@@ -9,8 +10,8 @@ namespace tarn::gdb {
 
 struct MemoryAccess {
     u32 address = 0;
-    u8 length = 0;  ///< in bytes
-    bool store = false;
+    u32 length = 0;  ///< in bytes
+    Access kind = Access::Load;
 };
 
 /// The load or store that the next driver step makes, from PC and the registers as they are.

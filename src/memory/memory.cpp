@@ -11,7 +11,6 @@
 namespace tarn {
 namespace {
 
-constexpr u32 specialAreaFirst = 0x10000000;
 constexpr u32 gsAreaFirst = 0x12000000;
 constexpr u32 gsAreaLast = 0x12001080;
 
