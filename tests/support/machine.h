@@ -1,0 +1,70 @@
+// Owns the machine as tests use it: every record in its start state, the four panes, the memory areas.
+// Header only and free of GoogleTest, so that fuzzers can use it too.
+#pragma once
+
+#include "base/allocation.h"
+#include "dma/dma.h"
+#include "gs/gs.h"
+#include "gs/gs_state.h"
+#include "gui/kogui.h"
+#include "kernel/ps2_bios.h"
+#include "loader/loader.h"
+#include "memory/memory.h"
+#include "r5900/mips_cpu.h"
+#include "shell/driver.h"
+#include "shell/settings.h"
+
+#include <string>
+#include <vector>
+
+namespace tarn::test {
+
+/// The four panes of the window, empty, without a window.
+inline void makePanes() {
+    for (koGUIwidget& pane : TarnGUI.widgets) {
+        freeTextLines(&pane);
+    }
+    TarnGUI = {};
+    for (const char* title : {"VideoOutput", "EmuOutput", "Opcodes", "CpuRegisters"}) {
+        koGUIwidget pane;
+        koGUIwidget_init(&pane, TarnGUI.nbWidgets == paneVideoOutput ? imagePane : textPane, 0, 0, 500, 170,
+                         title);
+        koGUI_AddWidget(&TarnGUI, &pane);
+    }
+}
+
+/// Puts everything back as at process start: zero records, no memory areas, no files; the panes exist.
+inline void resetMachine() {
+    MipsCpu = {};
+    Ps2Bios = {};
+    Settings = {};
+    Loader = {};
+    Driver = {};
+    nb_dma_transfert = 0;
+    verticalBlanks = 0;
+    GSreset();
+    FreeAllMemory();
+    makePanes();
+}
+
+/// The four areas and local memory, zeroed; leaves no lines in the panes.
+inline void allocateMachine() {
+    MipsMemoryAlloc();
+    MipsSpecialAreaMemoryAlloc();
+    MipsGSAreaMemoryAlloc();
+    MipsBiosMemoryAlloc();
+    GSinit();
+    makePanes();
+}
+
+/// The lines of a text pane so far, first to last.
+inline std::vector<std::string> paneLines(PaneIndex index) {
+    std::vector<std::string> lines;
+    for (const koGUItextLine* line = TarnGUI.widgets[index].textLines; line->next != nullptr;
+         line = line->next) {
+        lines.emplace_back(line->text);
+    }
+    return lines;
+}
+
+}  // namespace tarn::test
