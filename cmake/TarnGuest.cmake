@@ -1,6 +1,7 @@
-# tarn_add_guest(NAME [BARE] SOURCES file...): builds a program for the emulated machine into the current
-# binary directory as NAME.elf, in target guest-NAME. Without BARE it gets the guest library and its
-# start-up code.
+# tarn_add_guest(NAME [BARE] [EVERY_INSTRUCTION] SOURCES file...): builds a program for the emulated machine
+# into the current binary directory as NAME.elf, in target guest-NAME. Without BARE it gets the guest library
+# and its start-up code. The program is checked: an instruction that the emulated processor does not have
+# fails the build. With EVERY_INSTRUCTION each one that it has must occur.
 set(TARN_GUEST_DIR ${CMAKE_CURRENT_LIST_DIR}/../guest)
 set(TARN_GUEST_FLAGS
     # The processor: 64-bit registers, 32-bit pointers, single precision only, no global pointer.
@@ -16,7 +17,7 @@ set(TARN_GUEST_FLAGS
     -static -Wl,--build-id=none,--gc-sections,-z,max-page-size=16,--no-warn-rwx-segments)
 
 function(tarn_add_guest name)
-    cmake_parse_arguments(guest "BARE" "" "SOURCES" ${ARGN})
+    cmake_parse_arguments(guest "BARE;EVERY_INSTRUCTION" "" "SOURCES" ${ARGN})
     file(GLOB library CONFIGURE_DEPENDS ${TARN_GUEST_DIR}/lib/*.[chS])
     set(inputs ${guest_SOURCES})
     list(FILTER inputs INCLUDE REGEX "\\.[cS]$")
@@ -25,12 +26,18 @@ function(tarn_add_guest name)
         list(FILTER library_inputs INCLUDE REGEX "\\.[cS]$")
         list(APPEND inputs ${library_inputs})
     endif()
+    set(check guest-check)
+    if(guest_EVERY_INSTRUCTION)
+        list(APPEND check --every-instruction)
+    endif()
     set(elf ${CMAKE_CURRENT_BINARY_DIR}/${name}.elf)
     add_custom_command(
         OUTPUT ${elf}
         COMMAND ${GUEST_CC} ${TARN_GUEST_FLAGS} -I${TARN_GUEST_DIR}/lib -T ${TARN_GUEST_DIR}/lib/tarn.ld
-                ${inputs} -o ${elf}
-        DEPENDS ${guest_SOURCES} ${library} ${TARN_GUEST_DIR}/lib/tarn.ld
+                ${inputs} -o ${elf}.unchecked
+        COMMAND ${check} ${elf}.unchecked
+        COMMAND ${CMAKE_COMMAND} -E rename ${elf}.unchecked ${elf}
+        DEPENDS guest-check ${guest_SOURCES} ${library} ${TARN_GUEST_DIR}/lib/tarn.ld
         COMMENT "Building guest program ${name}"
         VERBATIM)
     add_custom_target(guest-${name} ALL DEPENDS ${elf})

@@ -12,6 +12,9 @@ void MipsUpdateCpu();
 /// The mnemonic of an instruction word as the tables name it ("ADDIU", "C_EQ_S", "NI").
 const char* mnemonicOf(u32 word);
 
+/// Whether the tables have a handler for an instruction word that does not stop the CPU.
+bool isImplemented(u32 word);
+
 /// Sends the 34 register lines (r0 to ra, hi, lo) to the CpuRegisters pane.
 void MipsCpuPrintRegtoOutput();
 

@@ -210,34 +210,46 @@ constexpr std::array<const char*, 64> debug_cop1_W_L_opc = namesOf(cop1_W_L);
 
 namespace tarn {
 
-const char* mnemonicOf(u32 word) {
+namespace {
+
+/// What the tables hold for a word, dispatchers resolved.
+r5900::Entry entryOf(u32 word) {
     using namespace r5900;
+    const auto entry = [](const auto& handlers, const auto& names, u32 index) {
+        return Entry{handlers[index], names[index]};
+    };
     switch (majorOpcode(word)) {
     case 0:
-        return debug_special_opc[functionCode(word)];
+        return entry(special_opc, debug_special_opc, functionCode(word));
     case 1:
-        return debug_regimm_opc[regimmCode(word)];
+        return entry(regimm_opc, debug_regimm_opc, regimmCode(word));
     case 16:
-        return bit(word, 25) != 0 ? debug_cop0c0_opc[functionCode(word)]
-                                  : debug_cop0_opc[coprocessorCode(word)];
+        return bit(word, 25) != 0 ? entry(cop0c0_opc, debug_cop0c0_opc, functionCode(word))
+                                  : entry(cop0_opc, debug_cop0_opc, coprocessorCode(word));
     case 17:
         switch (coprocessorCode(word)) {
         case 8:
-            return debug_cop1_bc1_opc[conditionBranchCode(word)];
+            return entry(cop1_bc1_opc, debug_cop1_bc1_opc, conditionBranchCode(word));
         case 16:
-            return debug_cop1_s_opc[functionCode(word)];
+            return entry(cop1_s_opc, debug_cop1_s_opc, functionCode(word));
         case 17:
-            return debug_cop1_d_opc[functionCode(word)];
+            return entry(cop1_d_opc, debug_cop1_d_opc, functionCode(word));
         case 20:
-            return debug_cop1_W_L_opc[functionCode(word)];
+            return entry(cop1_W_L_opc, debug_cop1_W_L_opc, functionCode(word));
         default:
-            return debug_cop1_opc[coprocessorCode(word)];
+            return entry(cop1_opc, debug_cop1_opc, coprocessorCode(word));
         }
     case 28:
-        return debug_special2_opc[functionCode(word)];
+        return entry(special2_opc, debug_special2_opc, functionCode(word));
     default:
-        return debug_normal_opc[majorOpcode(word)];
+        return entry(normal_opc, debug_normal_opc, majorOpcode(word));
     }
 }
+
+}  // namespace
+
+const char* mnemonicOf(u32 word) { return entryOf(word).name; }
+
+bool isImplemented(u32 word) { return entryOf(word).handler != r5900::NI; }
 
 }  // namespace tarn
