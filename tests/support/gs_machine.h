@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <random>
 #include <vector>
 
@@ -17,17 +16,15 @@ namespace tarn {
 class GifStream {
   public:
     enum Form : u32 { packed = 0, reglist = 1, image = 2, imageToo = 3 };
-
-    /// A tag; registers are the descriptors, the first in the lowest four bits.
-    GifStream& tag(Form form, u32 nloop, u32 nreg, u64 registers, bool eop = false, u64 flags = 0) {
-        return quadword(nloop | (u64{eop} << 15) | flags | (u64{form} << 58) | (u64{nreg & 15} << 60),
-                        registers);
-    }
+    static constexpr u64 endOfPacket = u64{1} << 15;
     static constexpr u64 pre(u32 prim) { return u64{1} << 46 | u64{prim} << 47; }
 
+    /// A tag; the first of its registers is in the lowest four bits.
+    GifStream& tag(Form form, u32 nloop, u32 nreg, u64 registers, u64 flags = 0) {
+        return quadword(nloop | flags | u64{form} << 58 | u64{nreg & 15} << 60, registers);
+    }
     GifStream& quadword(u64 low, u64 high) {
-        words.push_back(low);
-        words.push_back(high);
+        words.insert(words.end(), {low, high});
         return *this;
     }
     /// One register write in a packet of its own, as address + data.
@@ -43,14 +40,9 @@ class GifStream {
 
 /// Everything the renderer holds, to be compared.
 struct GsImage {
-    std::vector<u8> memory;
-    std::vector<u8> record;  ///< all of the state record but the address of local memory
+    std::vector<u8> memory{Gs.vRam, Gs.vRam + localMemoryBytes};
+    std::vector<u8> record{reinterpret_cast<const u8*>(&Gs._gsfb), reinterpret_cast<const u8*>(&Gs + 1)};
 
-    static GsImage now() {
-        const u8* begin = reinterpret_cast<const u8*>(&Gs._gsfb);
-        const u8* end = reinterpret_cast<const u8*>(&Gs + 1);
-        return {{Gs.vRam, Gs.vRam + localMemoryBytes}, {begin, end}};
-    }
     bool operator==(const GsImage&) const = default;
 };
 
@@ -64,16 +56,16 @@ class GsMachine : public testing::Test {
         GSinit();
     }
 
-    /// Fills local memory with words that differ from each other.
+    static u32 pattern(u32 index) { return index * 0x9E3779B1; }  // every word differs
     static void fillMemory() {
         for (u32 i = 0; i < localMemoryWords; ++i) {
-            Gs.vRamUL[i] = i * 0x9E3779B1;
+            Gs.vRamUL[i] = pattern(i);
         }
     }
 
+    /// 0 to limit - 1, the same on every host.
     u32 random(u32 limit) { return static_cast<u32>(generator() % limit); }
-
-    std::mt19937 generator{1};  // the same cases on every host
+    std::mt19937 generator;
 };
 
 }  // namespace tarn

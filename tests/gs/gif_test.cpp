@@ -1,0 +1,302 @@
+// Tests the GIF parser: the three forms of data, streams cut anywhere, and the bounds of a walk.
+#include "gs/gif.h"
+
+#include "gs/local_memory.h"
+#include "gs/transfer.h"
+#include "memory/areas.h"
+#include "support/gs_machine.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+
+namespace tarn {
+namespace {
+
+using namespace gs_register;
+using Write = std::pair<u64, u32>;  // value and address
+
+constexpr u64 xy(u64 x, u64 y) { return x << 4 | y << 20; }
+constexpr u32 marker = 0x00ABCDEF;
+
+class Gif : public GsMachine {
+  protected:
+    /// A 64-pixel-wide frame, open everywhere.
+    static void prepareDrawing() {
+        GSwrite(u64{1} << 16, FRAME_1);
+        GSwrite(u64{63} << 16 | u64{63} << 48, SCISSOR_1);
+    }
+
+    /// Sends the stream and a packet behind it; true when that packet was understood as one.
+    static bool endsCleanly(GifStream stream) {
+        Gs.fogcol = 0;
+        stream.write(FOGCOL, marker).send();
+        return Gs.fogcol == marker;
+    }
+
+    u64 anyValue() { return u64{generator()} << 32 | generator(); }
+
+    /// A value for a register that keeps drawing small, and images from 24 bits, whose groups do mind cuts.
+    u64 quickValue(u32 address) {
+        switch (address) {
+        case TRXREG:
+        case SCISSOR_1:
+        case SCISSOR_2:
+            return (anyValue() & 0x003F003F000F000F) | 0x00300000;
+        case FRAME_1:
+        case FRAME_2:
+        case BITBLTBUF:
+            return (anyValue() & 0x0001FFFF0001FFFF) | 0x10000;
+        default:
+            return anyValue();
+        }
+    }
+
+    /// Packets of every form that set registers, draw, upload and move.
+    GifStream randomStream() {
+        GifStream stream;
+        for (const u32 address : {FRAME_1, FRAME_2, SCISSOR_1, SCISSOR_2, BITBLTBUF, TRXREG}) {
+            stream.write(address, quickValue(address));
+        }
+        for (u32 packet = 0; packet < 80; ++packet) {
+            const auto form = static_cast<GifStream::Form>(random(4));
+            const u32 nloop = random(5);
+            const u32 nreg = 1 + random(16);
+            const bool addressed = form == GifStream::packed && random(2) != 0;
+            const u64 registers = addressed ? ~u64{0} / 15 * 0xE : anyValue() & ~u64{0} / 15 * 7;  // drawing
+            stream.tag(form, nloop, nreg, registers, random(2) != 0 ? GifStream::pre(random(0x800)) : 0);
+            const u32 words = form == GifStream::packed ? 2 * nloop * nreg : nloop * nreg;
+            for (u32 i = 0; i < (form >= GifStream::image ? nloop : (words + 1) / 2); ++i) {
+                const u32 address = random(0x56);
+                stream.quadword(quickValue(address), addressed ? address : anyValue());
+            }
+        }
+        return stream;
+    }
+};
+
+TEST_F(Gif, PackedRegistersAreTheseWrites) {
+    const u64 rgbaq = u64{0x3F800000} << 32 | 0x11223344;  // what the pending vertex holds
+    struct {
+        const char* name;
+        u32 descriptor;
+        u64 low;
+        u64 high;
+        std::vector<Write> writes;
+    } const cases[] = {
+        {"PRIM", 0x0, ~u64{0} << 32 | 0x3C, ~u64{0}, {{0x3C, PRIM}}},
+        {"RGBAQ",
+         0x1,
+         0xAAAAAA02'BBBBBB01,
+         0xCCCCCC04'DDDDDD03,
+         {{u64{0x3F800000} << 32 | 0x04030201, RGBAQ}}},
+        {"ST",
+         0x2,
+         0x40000000'3F000000,
+         0x99999999'40800000,
+         {{0x40000000'3F000000, ST}, {u64{0x40800000} << 32 | 0x11223344, RGBAQ}}},
+        {"UV", 0x3, 0xFFFF8120'FFFF8340, ~u64{0}, {{0x01200340, UV}}},
+        {"XYZF2", 0x4, 0xFFFF0120'FFFF0340, 0xFFFF7A00'A1234560, {{0x7A123456'01200340, XYZF2}}},
+        {"XYZF3", 0x4, 0x00000120'00000340, 0x00008A00'01234560, {{0x8A123456'01200340, XYZF3}}},
+        {"XYZ2", 0x5, 0x00000120'00000340, 0xFFFF7FFF'FEDCBA98, {{0xFEDCBA98'01200340, XYZ2}}},
+        {"XYZ3", 0x5, 0x00000120'00000340, 0x00008000'FEDCBA98, {{0xFEDCBA98'01200340, XYZ3}}},
+        {"A+D", 0xE, 0x12345678'9ABCDEF0, 0xFFFFFFFF'FFFFFF4C, {{0x12345678'9ABCDEF0, FRAME_1}}},
+        {"TEX0", 0x6, ~u64{0}, ~u64{0}, {}},
+        {"CLAMP", 0x8, ~u64{0}, ~u64{0}, {}},
+        {"FOG", 0xA, ~u64{0}, ~u64{0}, {}},
+        {"XYZF3", 0xC, ~u64{0}, ~u64{0}, {}},
+        {"XYZ3", 0xD, ~u64{0}, ~u64{0}, {}},
+        {"NOP", 0xF, ~u64{0}, ~u64{0}, {}},
+    };
+    for (const auto& c : cases) {
+        const auto prepared = [&](auto act) {
+            restart();
+            prepareDrawing();
+            GSwrite(3, PRIM);
+            GSwrite(rgbaq, RGBAQ);
+            Gs.rgba = 0;
+            act();
+            return GsImage();
+        };
+        const std::array<u64, 2> data{c.low, c.high};
+        const auto packed =
+            prepared([&] { GIFprocessReg(reinterpret_cast<const u8*>(data.data()), c.descriptor); });
+        const auto written = prepared([&] {
+            for (const auto& [value, address] : c.writes) {
+                GSwrite(value, address);
+            }
+        });
+        EXPECT_TRUE(packed == written) << c.name;
+    }
+}
+
+TEST_F(Gif, FormsOfTheSameRegistersAgree) {
+    // A textured sprite: its texture is in the frame.
+    const Write writes[] = {{0x116, PRIM},     {0x80FF8040, RGBAQ}, {0x00200010, UV},  {xy(4, 5), XYZ2},
+                            {0x7F0180, RGBAQ}, {0x01000120, UV},    {xy(40, 30), XYZ2}};
+    const u64 registers = 0x5315310;
+    GifStream addressed;
+    addressed.tag(GifStream::packed, 7, 1, 0xE);
+    GifStream packed;
+    packed.tag(GifStream::packed, 1, 7, registers);
+    std::vector<u64> values;
+    for (const auto& [value, address] : writes) {
+        addressed.quadword(value, address);
+        values.push_back(value);
+        if (address == PRIM) {
+            packed.quadword(value, 0);
+        } else if (address == RGBAQ) {
+            packed.quadword((value & 0xFF) | (value & 0xFF00) << 24, (value >> 16 & 0xFF) | (value >> 24)
+                                                                                                << 32);
+        } else {
+            packed.quadword((value & 0xFFFF) | (value >> 16) << 32, 0);
+        }
+    }
+    values.push_back(u64{0x116} << 3);  // padding: the stream's last upper half
+    GifStream reglist;
+    reglist.tag(GifStream::reglist, 1, 7, registers);
+    for (std::size_t i = 0; i < values.size(); i += 2) {
+        reglist.quadword(values[i], values[i + 1]);
+    }
+    const auto drawn = [&](const GifStream& stream) {
+        restart();
+        fillMemory();
+        prepareDrawing();
+        GSwrite(u64{1} << 14 | u64{6} << 26 | u64{6} << 30, TEX0_1);
+        EXPECT_TRUE(endsCleanly(stream));
+        return GsImage();
+    };
+    const GsImage expected = drawn(addressed);
+    EXPECT_NE(localWord(5 * 64 + 4), pattern(5 * 64 + 4)) << "nothing was drawn";
+    EXPECT_TRUE(drawn(packed) == expected);
+    EXPECT_TRUE(drawn(reglist) == expected);
+}
+
+TEST_F(Gif, TagsSayHowMuchDataFollow) {
+    const u64 nops = ~u64{0};
+    struct {
+        const char* name;
+        GifStream::Form form;
+        u32 nloop;
+        u32 nreg;
+        u32 data;
+    } const cases[] = {
+        {"PACKED", GifStream::packed, 3, 2, 6},
+        {"PACKED, 16 registers", GifStream::packed, 2, 0, 32},
+        {"PACKED, empty", GifStream::packed, 0, 5, 0},
+        {"REGLIST, odd", GifStream::reglist, 1, 3, 2},
+        {"REGLIST, odd twice", GifStream::reglist, 2, 3, 3},
+        {"REGLIST, 16 registers", GifStream::reglist, 1, 0, 8},
+        {"REGLIST, empty", GifStream::reglist, 0, 5, 0},
+        {"IMAGE", GifStream::image, 5, 9, 5},
+        {"IMAGE, FLG 3", GifStream::imageToo, 5, 0, 5},
+        {"IMAGE, empty", GifStream::image, 0, 1, 0},
+    };
+    for (const auto& c : cases) {
+        restart();
+        GifStream stream;
+        stream.tag(c.form, c.nloop, c.nreg, nops);
+        for (u32 i = 0; i < c.data; ++i) {
+            stream.quadword(~u64{0}, ~u64{0});  // as a tag, data for 32767 loops of NOPs
+        }
+        EXPECT_TRUE(endsCleanly(stream)) << c.name;
+        EXPECT_EQ(Gs.gifMode, GifMode::Tag) << c.name;
+    }
+}
+
+TEST_F(Gif, TagsMayCarryPrim) {
+    GifStream().tag(GifStream::reglist, 0, 1, 0, GifStream::pre(6)).send();
+    EXPECT_EQ(Gs.prim->type, 0u) << "only PACKED tags do";
+    GifStream().tag(GifStream::packed, 0, 1, 0, GifStream::pre(0x7FE)).send();
+    EXPECT_EQ(Gs.prim->type, 6u);
+    EXPECT_EQ(Gs.prim->fix, 1u);
+    GifStream().tag(GifStream::packed, 0, 1, 0, GifStream::pre(3) & ~GifStream::pre(0)).send();
+    EXPECT_EQ(Gs.prim->type, 6u) << "PRE is 0";
+}
+
+TEST_F(Gif, ImageTagAfterALocalMoveCarriesNoData) {
+    GifStream stream;
+    stream.write(TRXDIR, 2).tag(GifStream::image, 4, 1, 0);
+    EXPECT_TRUE(endsCleanly(stream));
+    EXPECT_EQ(Gs.imageTransfer, 0u);
+    GifStream().tag(GifStream::image, 4, 1, 0).send();
+    EXPECT_EQ(Gs.gifMode, GifMode::Image);
+}
+
+TEST_F(Gif, Image24CountsGroupsOfThreeQuadwords) {
+    const u64 bitblt = u64{1} << 48 | u64{1} << 56;  // 64 pixels wide, 24 bits
+    for (const u32 left : {0u, 1u, 2u}) {
+        restart();
+        GifStream stream;
+        stream.write(BITBLTBUF, bitblt).write(TRXREG, u64{64} << 32 | 64).tag(GifStream::image, 4, 1, 0);
+        const u32 first = stream.quadwords();
+        for (u64 i = 0; i < 3 * 3 + left; ++i) {
+            stream.quadword(i * 0x0101010101010101, ~u64{0} >> 8 << 8);
+        }
+        stream.send();
+        EXPECT_EQ(Gs.imageX, 48);
+        for (u32 pixel = 0; pixel < 48; ++pixel) {
+            const u8* bytes = stream.at(first) + pixel * 3;
+            EXPECT_EQ(localWord(pixel), u32{bytes[0]} | u32{bytes[1]} << 8 | u32{bytes[2]} << 16);
+        }
+        // Three of four groups are there: nothing left leaves the tag open, an incomplete one uses it up and
+        // is read as tags.
+        EXPECT_EQ(Gs.gtag.nloop == 1 && Gs.gifMode == GifMode::Image, left == 0) << left;
+    }
+}
+
+TEST_F(Gif, StreamsMayBeCutAnywhere) {
+    for (u32 number = 0; number < 15; ++number) {
+        generator.seed(number);
+        const GifStream stream = randomStream();
+        restart();
+        fillMemory();
+        stream.send();
+        const GsImage whole;
+        for (const u32 longest : {1u, 2u, 7u}) {
+            restart();
+            fillMemory();
+            for (u32 at = 0; at < stream.quadwords();) {
+                const u32 count = std::min(1 + random(longest), stream.quadwords() - at);
+                GSgifTransfer(stream.at(at), count);
+                at += count;
+            }
+            ASSERT_TRUE(GsImage() == whole) << "stream " << number << " in pieces of up to " << longest;
+        }
+    }
+}
+
+TEST_F(Gif, UncountedTransfersEndWithAPacketMarkedSo) {
+    GifStream stream;
+    stream.write(FOGCOL, 1).tag(GifStream::image, 2, 1, 0).quadword(1, 2).quadword(3, 4);
+    stream.tag(GifStream::packed, 1, 1, 0xE, GifStream::endOfPacket).quadword(2, FOGCOL).write(FOGCOL, 3);
+    GSgifTransfer2(stream.at(0));
+    EXPECT_EQ(Gs.fogcol, 2u);
+    EXPECT_EQ(Gs.gtag.eop, 0u);
+
+    // A packet that is open goes on first; a destination of 24 bits makes no difference.
+    GifStream().write(BITBLTBUF, u64{1} << 48 | u64{1} << 56).tag(GifStream::image, 2, 1, 0).send();
+    stream =
+        GifStream().quadword(5, 6).quadword(7, 8).tag(GifStream::reglist, 0, 1, 0, GifStream::endOfPacket);
+    GSgifTransfer2(stream.at(0));
+    EXPECT_EQ(Gs.gifMode, GifMode::Tag);
+    EXPECT_EQ(localWord(8 + 6), 8u) << "the cursor had moved by 8, without a destination";
+}
+
+TEST_F(Gif, UncountedTransfersEndWithMainMemory) {
+    MipsMemory = static_cast<u8*>(std::malloc(mainMemorySize));  // its end is guarded by the sanitizer
+    ASSERT_NE(MipsMemory, nullptr);
+    const GifStream open = GifStream().tag(GifStream::image, 32767, 1, 0).quadword(1, 2).quadword(3, 4);
+    u8* start = MipsMemory + mainMemorySize - 3 * 16;
+    std::memcpy(start, open.at(0), 3 * 16);
+    GSgifTransfer2(start);
+    EXPECT_EQ(Gs.gtag.nloop, 32765u);
+    EXPECT_EQ(Gs.gifMode, GifMode::Image);
+    GSgifTransfer2(MipsMemory + mainMemorySize - 5);  // less than a quadword
+    EXPECT_EQ(Gs.gtag.nloop, 32765u);
+    std::free(std::exchange(MipsMemory, nullptr));
+}
+
+}  // namespace
+}  // namespace tarn
