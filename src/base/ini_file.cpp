@@ -1,12 +1,29 @@
 // Owns the hardened reading of the configuration file.
 #include "base/ini_file.h"
 
+#include "base/file.h"
+
 #include <cstdlib>
 #include <iniparser.h>
+#include <vector>
 
 namespace tarn {
+namespace {
 
-IniFile::IniFile(const char* path) : dictionary(iniparser_load(path)) {}
+// The library compares every key with every other, so a file's size bounds the time that it takes.
+constexpr std::size_t largestFile = 64 * 1024;  // bytes
+
+/// Whether the library may be let loose on the file: it waits for a FIFO, reads a device without end, and
+/// takes a directory for an empty file.
+bool isLoadable(const char* path) {
+    const FilePtr file = openInputFile(path);
+    std::vector<char> bytes(largestFile + 1);
+    return file != nullptr && std::fread(bytes.data(), 1, bytes.size(), file.get()) <= largestFile;
+}
+
+}  // namespace
+
+IniFile::IniFile(const char* path) : dictionary(isLoadable(path) ? iniparser_load(path) : nullptr) {}
 
 IniFile::~IniFile() {
     if (dictionary != nullptr) {
@@ -15,6 +32,7 @@ IniFile::~IniFile() {
 }
 
 std::string IniFile::text(const char* key) const {
+    // Null in spite of a default when a section has the key's whole name.
     const char* value = iniparser_getstring(dictionary, key, nullptr);
     return value != nullptr ? value : "";
 }

@@ -2,19 +2,17 @@
 #pragma once
 
 #include "base/types.h"
-
-struct SDL_Surface;
+#include "shell/frame_pacer.h"
 
 namespace tarn {
 
-/// The surface of the emulated picture. `main` owns it and frees it after the main loop.
-inline SDL_Surface* MainScreen = nullptr;
-
-/// State of the start-up and shut-down machines.
+/// State of the start-up and shut-down machines and of the run.
 struct DriverState {
     u32 tarnInitState = 0;
     u32 IsInitOK = 0;  ///< counts failures in spite of its name
     u32 tarnEndingState = 0;
+    u32 farewell = 2000;  ///< milliseconds for which shut-down leaves its messages to be read
+    FramePacer pacer;
 };
 
 inline DriverState Driver;
@@ -22,12 +20,17 @@ inline DriverState Driver;
 /// Reads ./tarn.ini into Settings; 1, or -1 (settings untouched) when it cannot be parsed.
 int TarnLoadConfig();
 
-/// One step of start-up, of the run, of shut-down.
+/// The idle procedures: one step of start-up, of the run, of shut-down.
 void koGUI_TarnInitProc();
 void koGUI_TarnProc();
 void koGUI_TarnEndingProc();
 
-/// One driver step: an instruction, the DMA controller, vertical-blank pacing.
+/// One driver step: an instruction, the DMA controller, vertical-blank pacing; nothing while the CPU is
+/// paused.
 void driverStep();
+
+/// Up to `limit` driver steps, ending early after the one in which the CPU pauses or a pane changes.
+/// Returns how many there were.
+u64 runSteps(u64 limit);
 
 }  // namespace tarn

@@ -1,2 +1,23 @@
 // The program without a window.
-int main(int, char**) { return 1; }
+#include "shell/headless.h"
+#include "shell/session.h"
+
+#include <cstdio>
+
+int main(int count, char** arguments) {
+    using namespace tarn;
+    prepareProcess();
+    const std::optional<HeadlessOptions> options = parseHeadlessOptions(count, arguments);
+    if (!options) {
+        return 2;
+    }
+    if (options->help) {
+        std::fputs(headlessUsage, stdout);
+        return finishStandardOutput(0);
+    }
+    if (options->version) {
+        std::printf("tarn-headless %d.%d\n", versionMajor, versionMinor);
+        return finishStandardOutput(0);
+    }
+    return finishStandardOutput(runHeadless(*options));
+}

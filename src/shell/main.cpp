@@ -1,2 +1,58 @@
-// The window application.
-int main(int, char**) { return 1; }
+// The window application. It reads no arguments; its exit status is 1 whatever happens.
+#include "shell/driver.h"
+#include "shell/event_filter.h"
+#include "shell/session.h"
+#include "shell/settings.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+using namespace tarn;
+
+constexpr int windowWidth = 800;
+constexpr int windowHeight = 600;
+
+[[noreturn]] void failFor(const char* format) {
+    std::fprintf(stderr, format, SDL_GetError());
+    std::exit(1);
+}
+
+void openWindow() {
+    const u32 depth = Settings.koGUI_MainScreenBPP;
+    if (!checkDepth(depth) ||
+        SDL_SetVideoMode(windowWidth, windowHeight, static_cast<int>(depth), SDL_HWSURFACE) == nullptr) {
+        failFor("Couldn't set video mode: %s\n");
+    }
+}
+
+void setCaption() {
+    char caption[sizeof Settings.ElfToExecute + 32];
+    std::snprintf(caption, sizeof caption, " %s %d.%2.2d - %s", programName, versionMajor, versionMinor,
+                  Settings.ElfToExecute);
+    SDL_WM_SetCaption(caption, nullptr);
+}
+
+}  // namespace
+
+int main(int, char**) {
+    prepareProcess();
+    if (SDL_Init(SDL_INIT_VIDEO) < 0) {
+        failFor("Couldn't initialize SDL: %s\n");
+    }
+    std::atexit(SDL_Quit);
+    TarnLoadConfig();
+    openWindow();
+    SDL_SetEventFilter(FilterEvents);
+    createMainScreen();
+    koGUI_Init(&TarnGUI);
+    addPanes(koGUIwidget_addText);
+    setCaption();
+    TarnGUI.IdleProc = koGUI_TarnInitProc;
+    TarnGUI.MainLoop(&TarnGUI);
+    TarnGUI.Destroy(&TarnGUI);
+    freeMainScreen();
+    SDL_Quit();
+    return 1;
+}

@@ -1,0 +1,189 @@
+// Owns the three state machines: start-up, run and shut-down, one step a call.
+#include "shell/driver.h"
+
+#include "dma/dma.h"
+#include "gs/gs.h"
+#include "gui/text_sinks.h"
+#include "kernel/ps2_bios.h"
+#include "loader/loader.h"
+#include "memory/memory.h"
+#include "r5900/interpreter.h"
+#include "r5900/mips_cpu.h"
+#include "shell/session.h"
+#include "shell/settings.h"
+
+#include <algorithm>
+
+namespace tarn {
+namespace {
+
+constexpr const char* biosPath = "bios/scph10000.bin";
+constexpr int releaseYear = 2002;
+constexpr const char* buildDate = "20021004";
+
+constexpr u8 mainLoopEnds = 2;  // any value of `running` but 1
+
+// What the guest finds in its registers. The pointers are zero-extended: meant.
+constexpr u64 globalPointer = 0x81F80000;
+constexpr u64 stackPointer = 0x81F00000;
+constexpr unsigned cp0Status = 12;
+constexpr unsigned cp0PRId = 15;
+constexpr u64 startStatus = 0x10900001;
+constexpr u64 processorId = 0x2E20;
+
+void countFailure(u8 succeeded) { Driver.IsInitOK += succeeded != 0 ? 0 : 1; }
+
+void failFor(const char* message) {
+    PrintToEmuOutput(message);
+    TarnGUI.running = mainLoopEnds;
+}
+
+void allocateMemory() {
+    countFailure(MipsMemoryAlloc());
+    countFailure(MipsSpecialAreaMemoryAlloc());
+    countFailure(MipsGSAreaMemoryAlloc());
+    countFailure(MipsBiosMemoryAlloc());
+}
+
+void openRenderer() {
+    GSinit();
+    if (GSopen(MainScreen, programName) != 0) {
+        failFor("FATAL ERROR while graphics initialisation...Sorry Exiting");
+    } else {
+        PrintToEmuOutput("GS:OK");
+    }
+}
+
+void setStartState() {
+    Ps2Bios.vsyncCountdown = vsyncPeriod;
+    Ps2Bios.semaInUse = 0;
+    MipsCpu.GPR[REG_GP].low = globalPointer;
+    MipsCpu.GPR[REG_SP].low = stackPointer;
+    MipsCpu.CP0[cp0Status][0] = startStatus;
+    MipsCpu.CP0[cp0PRId][0] = processorId;
+    MipsCpu.cycle = 0;
+    MipsCpu.PC = MipsCpu.entry;
+}
+
+/// SIGINT and SIGTERM shut the machine down as Escape does. True when one has come.
+bool shutDownOnSignal() {
+    if (stopRequested()) {
+        TarnGUI.IdleProc = koGUI_TarnEndingProc;
+    }
+    return stopRequested();
+}
+
+}  // namespace
+
+void koGUI_TarnInitProc() {
+    if (shutDownOnSignal()) {
+        return;
+    }
+    switch (Driver.tarnInitState++) {
+    case 0:
+        PrintfToEmuOutput("%s %d.%d (%d), build %s", programName, versionMajor, versionMinor, releaseYear,
+                          buildDate);
+        Driver.IsInitOK = 0;
+        break;
+    case 1:
+        countFailure(ElfOpenFile(Settings.ElfToExecute));
+        break;
+    case 2:
+        countFailure(BiosOpenFile(biosPath));
+        break;
+    case 3:
+        allocateMemory();
+        break;
+    case 4:
+        if (Driver.IsInitOK != 0) {
+            failFor("FATAL ERROR while emulator initialisation....Sorry Exiting");
+        }
+        break;
+    case 5:
+        ElfLoadHeader();
+        break;
+    case 6:
+        CopyProgramToMemory();
+        break;
+    case 7:
+        CopySectionToMemory();
+        break;
+    case 8:
+        CopyBiosToMemory();
+        break;
+    case 9:
+        openRenderer();
+        break;
+    case 10:
+        setStartState();
+        break;
+    case 11:
+        TarnGUI.IdleProc = koGUI_TarnProc;
+        MipsCpu.pause = 0;
+        PrintToEmuOutput("Start Interpreter....");
+        break;
+    default:
+        break;
+    }
+}
+
+void driverStep() {
+    if (MipsCpu.pause == 0) {
+        MipsUpdateCpu();
+        DmaUpdate();
+        GSUpdate();
+    }
+}
+
+u64 runSteps(u64 limit) {
+    paneChanged = false;
+    u64 steps = 0;
+    while (steps < limit && MipsCpu.pause == 0 && !paneChanged) {
+        driverStep();
+        ++steps;
+    }
+    return steps;
+}
+
+void koGUI_TarnProc() {
+    if (shutDownOnSignal()) {
+        return;
+    }
+    if (MipsCpu.pause != 0) {
+        Driver.pacer.rest(Settings.frameRate);
+    } else if (!Driver.pacer.holds(verticalBlanks, Settings.frameRate)) {
+        runSteps(std::max<u64>(Settings.stepsPerPoll, 1));
+    }
+}
+
+void koGUI_TarnEndingProc() {
+    switch (Driver.tarnEndingState++) {
+    case 0:
+        PrintToEmuOutput("...Stop Interpreter");
+        break;
+    case 1:
+        PrintfToEmuOutput("Stop at PC = 0x%8.8llx after %lld instructions \n", MipsCpu.PC,
+                          static_cast<s64>(MipsCpu.cycle));
+        break;
+    case 2:
+        ElfCloseFile();
+        BiosCloseFile();
+        break;
+    case 3:
+        FreeAllMemory();
+        break;
+    case 4:
+        GSclose();
+        break;
+    case 5:
+        SDL_Delay(Driver.farewell);
+        break;
+    case 6:
+        TarnGUI.running = mainLoopEnds;
+        break;
+    default:
+        break;
+    }
+}
+
+}  // namespace tarn

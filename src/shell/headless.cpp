@@ -1,0 +1,176 @@
+// Owns a run without a window: where its text goes, when it ends, what it leaves behind.
+#include "shell/headless.h"
+
+#include "dma/dma.h"
+#include "gs/gs.h"
+#include "gs/gs_state.h"
+#include "r5900/interpreter.h"
+#include "r5900/mips_cpu.h"
+#include "shell/driver.h"
+#include "shell/output_files.h"
+#include "shell/session.h"
+#include "shell/settings.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace tarn {
+namespace {
+
+enum class End { stepLimit, frameLimit, signal, paused, startFailed };
+
+constexpr u64 stepsPerCheck = 1 << 14;  // signals are noticed at least this often
+
+OutputFile traceFile;
+
+/// The panes keep no text: EmuOutput's goes to standard error, that of the others to the trace. A text that
+/// ends its own line is not given a second end.
+koGUItextLine* passOnText(koGUIwidget* pane, const char* text) {
+    std::FILE* stream = pane->id == paneEmuOutput ? stderr : traceFile.stream();
+    if (stream != nullptr) {
+        const std::size_t length = std::strlen(text);
+        const bool endsLine = length > 0 && text[length - 1] == '\n';
+        std::fwrite(text, 1, length, stream);
+        if (!endsLine) {
+            std::fputc('\n', stream);
+        }
+    }
+    return nullptr;
+}
+
+/// Runs the start-up machine; true when the interpreter is ready to run.
+bool start() {
+    TarnGUI.running = 1;
+    TarnGUI.IdleProc = koGUI_TarnInitProc;
+    while (TarnGUI.running == 1 && TarnGUI.IdleProc == koGUI_TarnInitProc) {
+        TarnGUI.IdleProc();
+    }
+    return TarnGUI.running == 1;
+}
+
+/// Runs the machine until something ends the run.
+End run(const HeadlessOptions& options, u64& steps) {
+    const u64 stepLimit = options.steps.value_or(~u64{0});
+    for (;;) {
+        if (stopRequested()) {
+            return End::signal;
+        }
+        if (MipsCpu.pause != 0) {
+            return End::paused;
+        }
+        if (options.frames && verticalBlanks >= *options.frames) {
+            return End::frameLimit;
+        }
+        if (steps >= stepLimit) {
+            return End::stepLimit;
+        }
+        steps += runSteps(std::min(stepLimit - steps, stepsPerCheck));
+    }
+}
+
+void reportEnd(End end, u64 steps) {
+    switch (end) {
+    case End::stepLimit:
+        std::fprintf(stderr, "tarn-headless: step limit reached");
+        break;
+    case End::frameLimit:
+        std::fprintf(stderr, "tarn-headless: frame limit reached");
+        break;
+    case End::signal:
+        std::fprintf(stderr, "tarn-headless: stopped by a signal");
+        break;
+    case End::paused:
+        std::fprintf(stderr, "tarn-headless: the CPU paused at PC 0x%8.8llx, instruction 0x%8.8x (%s)",
+                     MipsCpu.PC, MipsCpu.opcode, mnemonicOf(MipsCpu.opcode));
+        break;
+    case End::startFailed:
+        std::fprintf(stderr, "tarn-headless: start-up failed\n");
+        return;
+    }
+    std::fprintf(stderr, " after %llu steps and %llu vertical blanks\n", steps, verticalBlanks);
+}
+
+int exitStatus(End end) {
+    switch (end) {
+    case End::paused:
+        return 3;
+    case End::startFailed:
+        return 1;
+    default:
+        return 0;
+    }
+}
+
+bool writeVram(const std::string& path) {
+    if (Gs.vRam == nullptr) {
+        return reportLostOutput(path.c_str(), "there is no GS memory");
+    }
+    return writeBytes(path, {Gs.vRam, localMemoryBytes});
+}
+
+bool writeSnapshot(const std::string& prefix) {
+    return GSmakeSnapshot(prefix.c_str()) ||
+           reportLostOutput((prefix + "snapNNN.bmp").c_str(), "there is no GS memory, or the file failed");
+}
+
+/// Writes every output that is asked for, each whatever becomes of the others; false when one is lost.
+bool writeOutputs(const HeadlessOptions& options, End end) {
+    bool complete = true;
+    if (options.picture) {
+        complete &= writePicture(*options.picture, MainScreen);
+    }
+    if (options.snapshot) {
+        complete &= writeSnapshot(*options.snapshot);
+    }
+    if (options.vramDump) {
+        complete &= writeVram(*options.vramDump);
+    }
+    if (options.registers) {
+        MipsCpuPrintReg();
+        MipsCpuFPR1PrintReg();
+        if (end == End::paused) {
+            PrintDebugOpcode();
+        }
+    }
+    if (options.trace) {
+        complete &= traceFile.close();
+    }
+    return complete;
+}
+
+}  // namespace
+
+int runHeadless(const HeadlessOptions& options) {
+    TarnLoadConfig();
+    if (options.trace) {
+        traceFile.open(*options.trace);
+        Settings.debug_op = traceFile.stream() != nullptr ? 1 : Settings.debug_op;
+    }
+    createMainScreen();
+    addPanes(passOnText);
+    Driver.farewell = 0;
+
+    u64 steps = 0;
+    const End end = start() ? run(options, steps) : End::startFailed;
+    reportEnd(end, steps);
+    const bool complete = writeOutputs(options, end);
+    while (TarnGUI.running == 1) {
+        koGUI_TarnEndingProc();
+    }
+    freeMainScreen();
+    return complete ? exitStatus(end) : 1;
+}
+
+int finishStandardOutput(int status) {
+    const bool failed = std::ferror(stdout) != 0;
+    errno = 0;
+    if (std::fclose(stdout) != 0 || failed) {
+        reportLostOutput("standard output", std::strerror(errno != 0 ? errno : EIO));
+        return 1;
+    }
+    return status;
+}
+
+}  // namespace tarn

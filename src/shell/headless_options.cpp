@@ -1,0 +1,107 @@
+// Owns the command line of tarn-headless.
+#include "shell/headless_options.h"
+
+#include <charconv>
+#include <cstdio>
+#include <getopt.h>
+#include <string_view>
+
+namespace tarn {
+namespace {
+
+enum Option { steps = 256, frames, picture, snapshot, dumpVram, registers, trace, help, version };
+
+constexpr option longOptions[] = {
+    {"steps", required_argument, nullptr, steps},        {"frames", required_argument, nullptr, frames},
+    {"picture", required_argument, nullptr, picture},    {"snapshot", required_argument, nullptr, snapshot},
+    {"dump-vram", required_argument, nullptr, dumpVram}, {"registers", no_argument, nullptr, registers},
+    {"trace", required_argument, nullptr, trace},        {"help", no_argument, nullptr, help},
+    {"version", no_argument, nullptr, version},          {},
+};
+
+/// A whole decimal number of up to 64 bits; a complaint and nothing for any other text.
+std::optional<u64> parseCount(const char* name, std::string_view text) {
+    u64 value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size()) {
+        std::fprintf(stderr,
+                     "tarn-headless: --%s takes a whole number from 0 to 18446744073709551615, not '%s'\n",
+                     name, text.data());
+        return std::nullopt;
+    }
+    return value;
+}
+
+}  // namespace
+
+const char* const headlessUsage =
+    "Usage: tarn-headless [OPTION]...\n"
+    "Runs the program that ./tarn.ini names, without a window, until a limit is reached, the CPU pauses,\n"
+    "or SIGINT or SIGTERM comes. Everything asked for is written at the end, whatever ended the run.\n"
+    "\n"
+    "  --steps N           stop after N driver steps\n"
+    "  --frames N          stop after N vertical blanks\n"
+    "  --picture FILE.bmp  write the emulated display as a BMP file\n"
+    "  --snapshot PREFIX   write the GS memory as PREFIXsnapNNN.bmp, the first free number\n"
+    "  --dump-vram FILE    write the raw 4 MB of GS memory\n"
+    "  --registers         print the integer and the floating-point registers\n"
+    "  --trace FILE        trace every instruction into FILE\n"
+    "  --help              print this help and exit\n"
+    "  --version           print the version and exit\n"
+    "\n"
+    "Exit status: 0 when a limit was reached or a signal came, 1 when start-up failed or an output was "
+    "lost,\n"
+    "2 for unusable arguments, 3 when the CPU paused.\n";
+
+std::optional<HeadlessOptions> parseHeadlessOptions(int count, char** arguments) {
+    HeadlessOptions options;
+    bool usable = true;
+    optind = 0;  // start afresh, however often this is called
+    for (int code = 0; (code = getopt_long(count, arguments, "", longOptions, nullptr)) != -1;) {
+        switch (code) {
+        case steps:
+            options.steps = parseCount("steps", optarg);
+            usable = usable && options.steps.has_value();
+            break;
+        case frames:
+            options.frames = parseCount("frames", optarg);
+            usable = usable && options.frames.has_value();
+            break;
+        case picture:
+            options.picture = optarg;
+            break;
+        case snapshot:
+            options.snapshot = optarg;
+            break;
+        case dumpVram:
+            options.vramDump = optarg;
+            break;
+        case registers:
+            options.registers = true;
+            break;
+        case trace:
+            options.trace = optarg;
+            break;
+        case help:
+            options.help = true;
+            break;
+        case version:
+            options.version = true;
+            break;
+        default:
+            usable = false;
+            break;
+        }
+    }
+    if (optind < count) {
+        std::fprintf(stderr, "tarn-headless: unexpected argument '%s'\n", arguments[optind]);
+        usable = false;
+    }
+    if (!usable) {
+        std::fprintf(stderr, "Try 'tarn-headless --help'.\n");
+        return std::nullopt;
+    }
+    return options;
+}
+
+}  // namespace tarn

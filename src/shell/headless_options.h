@@ -1,0 +1,28 @@
+// Declares the command line of tarn-headless.
+#pragma once
+
+#include "base/types.h"
+
+#include <optional>
+#include <string>
+
+namespace tarn {
+
+struct HeadlessOptions {
+    std::optional<u64> steps;   ///< driver steps after which the run ends
+    std::optional<u64> frames;  ///< vertical blanks after which the run ends
+    std::optional<std::string> picture;
+    std::optional<std::string> snapshot;
+    std::optional<std::string> vramDump;
+    std::optional<std::string> trace;
+    bool registers = false;
+    bool help = false;
+    bool version = false;
+};
+
+extern const char* const headlessUsage;  ///< what --help prints
+
+/// The options of a command line, or nothing, with the reason on standard error, when it is unusable.
+std::optional<HeadlessOptions> parseHeadlessOptions(int count, char** arguments);
+
+}  // namespace tarn

@@ -1,0 +1,34 @@
+// Declares what both programs set up around the machine: version, MainScreen, the panes, signals.
+#pragma once
+
+#include "gui/kogui.h"
+
+namespace tarn {
+
+inline constexpr const char* programName = "Tarn";
+inline constexpr int versionMajor = 0;
+inline constexpr int versionMinor = 3;
+
+/// The surface of the emulated picture, owned by the program.
+inline SDL_Surface* MainScreen = nullptr;
+
+/// Makes MainScreen as the settings say, or leaves it null with a message on standard output.
+void createMainScreen();
+void freeMainScreen();
+
+/// Whether SDL can make a window or a surface of that depth; if not, sets SDL's error text.
+bool checkDepth(u32 bitsPerPixel);
+
+using AddTextOperation = koGUItextLine* (*)(koGUIwidget*, const char*);
+
+/// Adds the four panes to TarnGUI: the picture, and three of text that append with `addText`.
+void addPanes(AddTextOperation addText);
+
+/// Opens what is closed of the standard streams on nothing, so that no other file takes their numbers, turns
+/// a lost reader into a failed write, and makes SIGINT and SIGTERM request a stop.
+void prepareProcess();
+
+/// Whether SIGINT or SIGTERM has come.
+bool stopRequested();
+
+}  // namespace tarn
