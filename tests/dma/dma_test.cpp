@@ -1,0 +1,129 @@
+// The DMA controller's registers and starts, and the timing of vertical blanks.
+#include "support/machine_test.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace tarn {
+namespace {
+
+class DmaTest : public test::MachineTest {
+  protected:
+    /// A guest's doubleword store to a DMA register, and what the controller prints about it.
+    static std::string write(u32 offset, u64 value) {
+        return test::outputOf([&] {
+            MipsMemoryWrite({value, 0}, Width::Doubleword, 0x10000000 + offset, 0);
+            DmaUpdate();
+        });
+    }
+    static u64 read(u32 offset) {
+        GuestValue value;
+        MipsMemoryRead(&value, Width::Doubleword, 0x10000000 + offset, 0);
+        return value.low;
+    }
+};
+
+TEST_F(DmaTest, RegistersAreCopiedAndLogged) {
+    // clang-format off
+    constexpr struct {
+        u32 offset;
+        const char* text;
+        u64 DmaChannelRegs::*field;
+    } registers[] = {
+        {0xA000, "2_CHCRT", &DmaChannelRegs::chcr}, {0xA010, "2_MADR", &DmaChannelRegs::madr},
+        {0xA020, "2_SIZE", &DmaChannelRegs::qwc}, {0xA030, "2_TAG", &DmaChannelRegs::tadr},
+        {0xA040, "2_ASR0", &DmaChannelRegs::asr0}, {0xA050, "2_ASR1", &DmaChannelRegs::asr1},
+        {0xA080, "2_SADR", &DmaChannelRegs::sadr}, {0xC000, "5_CHCR", &DmaChannelRegs::chcr},
+        {0xC010, "5_MADR", &DmaChannelRegs::madr}, {0xC020, "5_QWC", &DmaChannelRegs::qwc},
+    };
+    // clang-format on
+    MipsCpu.PC = 0x100010;
+    for (const auto& [offset, text, field] : registers) {
+        for (u8 flag : {u8{0}, u8{1}, u8{2}}) {
+            Settings.debug_dma = flag;
+            const u64 value = 0xABCD0000000000FF + offset * 0x10000;
+            const std::string line =
+                "00100010:DMA Acces ( write ):1000 " + test::hex(offset) + " h: DmaChannel" + text + " = ";
+            EXPECT_EQ(write(offset, value), flag == 1 ? line + test::hex(value) + "\n" : "");
+            EXPECT_EQ(Ps2Bios.dmaChannel[text[0] == '2' ? 2 : 5].*field, value);
+        }
+    }
+    EXPECT_EQ(nb_dma_transfert, 0U);
+    MipsCpu.cycle = ~u64{0};
+    EXPECT_EQ(write(0xB000, 0x101), "DMA Adress Non-Impl.  1000b000 h (i:-1) \n");
+    EXPECT_EQ(write(0xA001, 0), "DMA Adress Non-Impl.  1000a001 h (i:-1) \n");
+    EXPECT_EQ(write(0xE010, 3), "");
+    EXPECT_EQ(read(0xB000), 0x101U);
+    Settings.debug_dma = 1;
+    EXPECT_EQ(write(0xE010, 3), "00100010:DMA Acces ( write ):1000 e010 h: DMAC Status = 3 NI\n"
+                                "00100010:DMA Acces ( read  ):1000 b000 h: 101\n");
+}
+
+TEST_F(DmaTest, Channel2SendsInNormalModeAndAcknowledgesAlways) {
+    constexpr struct {
+        const char* name;
+        u64 control, address, quadwords, readBack;
+        bool sent;
+        const char* line;
+    } starts[] = {
+        {"normal", 0x101, 0x1000, 2, 1, true, "GSgifTransfer 101 : Add:0000000000001000 size:2\n"},
+        {"upper words", 0x7700000101, 0x1000, 0x100000002, 0x7700000001, true,
+         "GSgifTransfer 101 : Add:0000000000001000 size:2\n"},
+        {"cut", 0x101, 0x1FFFFE0, 0xFFFFFFFF, 1, true,
+         "GSgifTransfer 101 : Add:0000000001ffffe0 size:4294967295\n"},
+        {"half fits", 0x101, 0x1FFFFF0, 2, 1, false, "GSgifTransfer 101 : Add:0000000001fffff0 size:2\n"},
+        {"beyond", 0x101, 0x2000000, 2, 1, false, "GSgifTransfer 101 : Add:0000000002000000 size:2\n"},
+        {"chain", 0x105, 0x1000, 2, 5, false, "GSgifTransfer Not Handled : 05 \n"},
+        {"to memory", 0x100, 0x1000, 2, 0, false, "GSgifTransfer Not Handled : 00 \n"},
+    };
+    for (const auto& [name, control, address, quadwords, readBack, sent, line] : starts) {
+        SCOPED_TRACE(name);
+        restart();
+        // A packet that sets FOGCOL: a tag, then one quadword of value and register.
+        const u64 packet[] = {u64{1} << 60 | 0x8001, 0xE, 0x123456, 0x3D};
+        const u64 at = std::min<u64>(address, mainMemorySize);
+        std::memcpy(MipsMemory + at, packet, std::min<u64>(sizeof packet, mainMemorySize - at));
+        write(0xA010, address);
+        write(0xA020, quadwords);
+        Settings.debug_dma = 1;
+        EXPECT_EQ(write(0xA000, control), "00000000:DMA Acces ( write ):1000 a000 h: DmaChannel2_CHCRT = " +
+                                              test::hex(control) + "\n" + line);
+        EXPECT_EQ(Gs.fogcol, sent ? 0x123456U : 0U);
+        EXPECT_EQ(read(0xA000), readBack);
+        EXPECT_EQ(Ps2Bios.dmaChannel[2].chcr, readBack & 0xFFFFFFFF);
+        EXPECT_EQ(nb_dma_transfert, 1U);
+    }
+}
+
+TEST_F(DmaTest, Channel5OnlyShowsItsRegistersAndAcknowledges) {
+    EXPECT_EQ(write(0xC000, 0x184), "");
+    EXPECT_EQ(read(0xC000), 0x84U);
+    Ps2Bios.dmaChannel[5] = {0, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66};
+    EXPECT_EQ(
+        write(0xC000, 0x100000184),
+        "\nDMA Channel n\xB0 05\n"
+        "Channel Control register: 100000184\nMemory address          : 11\nQuadra-word counter     : 22\n"
+        "Tag address             : 33\nAssembler Reserved 0    : 44\nAssembler Reserved 1    : 55\n"
+        "???                     : 66\n");
+    EXPECT_EQ(Ps2Bios.dmaChannel[5].chcr, 0x84U);
+    EXPECT_EQ(nb_dma_transfert, 0U);
+    EXPECT_EQ(test::outputOf([] { DmaPrintChannelInfo(10); }), "");
+}
+
+TEST_F(DmaTest, VerticalBlanksComeAtTheirSteps) {
+    Ps2Bios.vsyncCountdown = 0x6FFF;
+    std::vector<int> blanks;
+    for (int step = 1; step <= 28658 + 2 * 28659; ++step) {
+        TarnGUI.widgets[0].dirty = 0;
+        const u64 before = verticalBlanks;
+        GSUpdate();
+        ASSERT_EQ(TarnGUI.widgets[0].dirty, verticalBlanks - before);
+        if (verticalBlanks != before) {
+            blanks.push_back(step);
+        }
+    }
+    EXPECT_EQ(blanks, (std::vector<int>{28658, 28658 + 28659, 28658 + 2 * 28659}));
+}
+
+}  // namespace
+}  // namespace tarn

@@ -1,0 +1,170 @@
+// The system call table, held against an independent picture of it, and each call's work and words.
+#include "kernel/syscalls.h"
+#include "support/machine_test.h"
+
+#include <set>
+
+namespace tarn {
+namespace {
+
+class KernelTest : public test::MachineTest {
+  protected:
+    /// Performs the call that v1 names from PC 0x100400 and returns what it prints.
+    static std::string call(u64 v1, u8 logging = 0) {
+        Settings.debug_print_syscall = logging;
+        MipsCpu.PC = 0x100400;
+        MipsCpu.pause = 0;
+        MipsCpu.GPR[REG_V1].low = v1;
+        return test::outputOf(syscall_fct[v1 & 0xFF]);
+    }
+    static u64& v0() { return MipsCpu.GPR[REG_V0].low; }
+    static u64& a0() { return MipsCpu.GPR[REG_A0].low; }
+    static u64& a1() { return MipsCpu.GPR[REG_A1].low; }
+    static u64& sp() { return MipsCpu.GPR[REG_SP].low; }
+    static u64 doublewordAt(u64 address) {
+        GuestValue value;
+        MipsMemoryRead(&value, Width::Doubleword, address, 0);
+        return value.low;
+    }
+};
+
+/// Sixteen numbers a row: s stops, - is unassigned, C goes on.
+constexpr char families[] = "ssCsssssssssssss"
+                            "ssCsssCsss------"  // 0x10
+                            "ssssss-sss-s-s-s"  // 0x20
+                            "s-ss-s-s-s-sCCss"  // 0x30
+                            "Css-ss-s-sssssss"  // 0x40
+                            "ssssssssss-sssss"  // 0x50
+                            "ssssC-s----sssss"  // 0x60
+                            "CCsssssCCsCsssss"  // 0x70
+                            "--------sss----C"  // 0x80
+                            "C-----s-ss--C---"  // 0x90
+                            "-ssss-s---------"  // 0xA0
+                            "--------s-s--s--"  // 0xB0
+                            "------s-s-s-s--s"  // 0xC0
+                            "--s-s-s---s-----"  // 0xD0
+                            "-ssssss---------"  // 0xE0
+                            "----------------";
+
+TEST_F(KernelTest, EveryNumberHasItsFamilyAndItsWords) {
+    sp() = 0x81F00000;
+    for (int number = 0; number < 256; ++number) {
+        const char family = families[number];
+        const std::string name = debug_syscall[static_cast<std::size_t>(number)];
+        EXPECT_EQ(family == '-', name == "SYSCALL_NI") << number;
+        const std::string hex = test::hex(static_cast<u64>(number));
+        const std::string asSigned = std::to_string(number < 128 ? number : number - 256);
+        std::string line = "00100400 : " + name + " 0x" + hex + " " + asSigned + " \n";
+        for (u8 logging : {u8{0}, u8{1}, u8{2}}) {
+            if (family == '-') {
+                line = "00100400 : Syscall_NI ( " + hex + " h) s8:" + asSigned +
+                       " u8:" + std::to_string(number) + "\n";
+            }
+            // Only the low byte counts. Call 0x78 has a line that does not depend on logging.
+            const std::string printed = call(~u64{0xFF} | static_cast<u64>(number), logging);
+            EXPECT_EQ(printed.substr(0, printed.find('|')), family == '-' || logging == 1 ? line : "");
+            EXPECT_TRUE(family == '-' || logging == 1 || number == 0x78 || printed.empty()) << number;
+            EXPECT_EQ(MipsCpu.PC, family == 'C' ? 0x100404U : 0x100400U) << number;
+            EXPECT_EQ(MipsCpu.pause, family == 'C' ? 0 : 1) << number;
+        }
+    }
+    EXPECT_EQ(std::set<std::string>(debug_syscall.begin(), debug_syscall.end()).size(), 137U);
+    const std::string names[] = {"RFU000_FullReset", "ChangeThreadPriority", "RFU087_PollEvnetFlag",
+                                 "_iEnableIntc"};
+    for (int i = 0; const std::size_t number : {0x00U, 0x29U, 0x57U, 0xE6U}) {
+        EXPECT_EQ(debug_syscall[number], "SYSCALL_" + names[i++]);
+    }
+}
+
+TEST_F(KernelTest, ServedCallsGiveTheirResultsAndSecondLines) {
+    constexpr u64 kept = 0xFEEDFACE12345678;
+    constexpr u64 stack = 0xFFFFFFFF81F00000;
+    constexpr u64 handler = 0xFFFFFFFF80105000;
+    // clang-format off
+    constexpr struct {
+        u64 number, a0, a1, v0;
+        const char* line;
+    } calls[] = {
+        {0x02, 1, 2, kept, "|???\n"}, {0x12, 10, 1, kept, "|channel: 10, Address: 0x00000001\n"},
+        {0x12, ~u64{0}, 1, kept, "|channel: -1, Address: 0x00000001\n"},
+        {0x12, 0x500000005, handler, kept, "|channel: 21474836485, Address: 0xffffffff80105000\n"},
+        {0x12, 3, 1, kept, "|channel:  3, Address: 0x00000001\n"}, {0x16, 1, 0, 1, "|Channel: 1\n"},
+        {0x16, 1, 0, 0, "|Channel: 1\n"}, {0x3C, 1, 2, stack, ""}, {0x3D, ~u64{0}, 1, 0, ""},
+        {0x3D, 0xFFFFFFFF, 1, 0x100000000, ""}, {0x40, 0, 0, 1, ""}, {0x40, 0, 0, 0, ""}, {0x64, 1, 2, kept, ""},
+        {0x70, 1, 2, kept, "|???\n"}, {0x71, 0xFF00, 0, 0xFF00, "|A0\t= ff00\n"},
+        {0x77, 0x1234, 2, kept, "|A0\t= 1234, A1 = 2 \n"}, {0x78, 1, 2, 0x84, "|84 \n"},
+        {0x7A, 5, 0, 0x60000, "|a0=5\n"}, {0x8F, 1, 2, kept, ""}, {0x90, 1, 2, kept, ""}, {0x9C, 1, 2, kept, "|???\n"},
+    };
+    // clang-format on
+    sp() = stack;
+    for (const auto& [number, first, second, result, line] : calls) {
+        SCOPED_TRACE(test::hex(number));
+        a0() = first;
+        a1() = second;
+        MipsCpu.GPR[REG_V0] = {kept, 7};
+        const std::string printed = call(number, 1);
+        EXPECT_EQ(printed.substr(printed.find('\n') + 1), line);
+        EXPECT_EQ(MipsCpu.GPR[REG_V0], (GuestValue{result, 7}));
+    }
+    EXPECT_EQ(Ps2Bios.dmacHandler[5].handlerAddress, handler);
+    EXPECT_EQ(Ps2Bios.dmacHandler[3].handlerAddress, 1U);
+}
+
+TEST_F(KernelTest, EnableDmacReplacesTheStatusByItsMaskBit) {
+    constexpr struct {
+        u64 channel, status, result, after;
+    } cases[] = {
+        {2, 0, 1, 0x40000},
+        {2, 0x40000, 0, 0x40000},
+        {2, 1, 1, 0x40000},
+        {15, 0, 1, 0xFFFFFFFF80000000},
+        {15, 1ULL << 40, 0, 1ULL << 40},
+        {16, ~u64{0}, 1, 0},
+        {34, 0, 1, 0x40000},
+    };
+    for (const auto& [channel, status, result, after] : cases) {
+        MipsMemoryWrite({status, 0}, Width::Doubleword, 0x1000E010, 0);
+        DmaUpdate();
+        a0() = channel;
+        v0() = ~u64{0};
+        EXPECT_EQ(call(0x16), "");
+        EXPECT_EQ(v0(), result);
+        EXPECT_EQ(doublewordAt(0x1000E010), after);
+    }
+    restart();
+    Settings.debug_dma = 1;
+    EXPECT_EQ(call(0x16), "00100400:DMA Acces ( read  ):1000 e010 h: 0\n"
+                          "00100400:DMA Acces ( write ):1000 e010 h: DMAC Status = 10000 NI\n");
+}
+
+TEST_F(KernelTest, SifSetDChainGoesThroughTheDmaRegisters) {
+    sp() = 0x00200000;
+    Ps2Bios.dmaChannel[5].qwc = 9;
+    call(0x78);
+    EXPECT_EQ(a0(), 0x184U);
+    EXPECT_EQ(doublewordAt(0x001FFFF0), 0x84U);
+    EXPECT_EQ(Ps2Bios.dmaChannel[5].qwc, 0U);
+    sp() = 16;  // a stack that is nowhere pauses, but the call is over
+    call(0x78);
+    EXPECT_EQ(MipsCpu.pause, 1);
+    EXPECT_EQ(MipsCpu.PC, 0x100404U);
+}
+
+TEST_F(KernelTest, SifSetDmaRequestsTheHandlerOnce) {
+    Ps2Bios.dmacHandler[5].handlerAddress = 0x00105000;
+    a1() = 2;
+    call(0x77);
+    DmaUpdate();
+    EXPECT_EQ(Ps2Bios.sif0StartRequest, 2);
+    EXPECT_EQ(MipsCpu.PC, 0x100404U);
+    a1() = 0x101;
+    call(0x77);
+    EXPECT_EQ(test::outputOf(DmaUpdate), "DMA:Sif_0 : Start\n|DmaHandler Add: 00105000\n");
+    EXPECT_EQ(MipsCpu.PC, 0x00105000U);
+    EXPECT_EQ(Ps2Bios.dmacHandler[5].savedPc, 0x100404U);
+    call(0x77);
+    EXPECT_EQ(Ps2Bios.sif0StartRequest, 0);
+}
+
+}  // namespace
+}  // namespace tarn
