@@ -1,0 +1,96 @@
+"""What the whole-program tests share: a run directory, runs of tarn-headless, guest ELF files, pictures."""
+
+import os
+import struct
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+
+BUILD = Path(os.environ["TARN_BUILD"])
+VRAM_BYTES = 4 << 20
+
+
+def guest(name):
+    """The ELF file of a program of guest/, or of these tests."""
+    path = BUILD / "guest" / f"{name}.elf"
+    return path if path.exists() else BUILD / "tests" / "programs" / f"{name}.elf"
+
+
+class ProgramTest(unittest.TestCase):
+    """A test with a run directory: tarn.ini and a BIOS image are there, outputs go there."""
+
+    def setUp(self):
+        directory = tempfile.TemporaryDirectory(prefix="tarn-test-")
+        self.addCleanup(directory.cleanup)
+        self.directory = Path(directory.name)
+        (self.directory / "bios").mkdir()
+        (self.directory / "bios" / "scph10000.bin").write_bytes(bytes(1024))
+
+    def configure(self, program, general="", video=""):
+        elf = guest(program) if isinstance(program, str) else program
+        (self.directory / "tarn.ini").write_text(f"[General]\nElf={elf}\n{general}\n[Video]\n{video}\n")
+
+    def run_headless(self, *options, status):
+        """Runs to the end and returns the two output streams; the exit status must be the one given."""
+        result = subprocess.run([BUILD / "tarn-headless", *options], cwd=self.directory, capture_output=True,
+                                timeout=240, check=False)
+        output = result.stdout.decode("latin-1")
+        messages = result.stderr.decode("latin-1")
+        self.assertEqual(result.returncode, status, messages)
+        return output, messages
+
+    def output_file(self, name):
+        return (self.directory / name).read_bytes()
+
+    def local_memory(self):
+        """The words of the file vram.bin, which --dump-vram wrote."""
+        data = self.output_file("vram.bin")
+        self.assertEqual(len(data), VRAM_BYTES)
+        return struct.unpack(f"<{VRAM_BYTES // 4}I", data)
+
+
+class Elf:
+    """Symbols and code of a guest program."""
+
+    def __init__(self, path):
+        self.data = path.read_bytes()
+        section_offset, = struct.unpack_from("<I", self.data, 0x20)
+        section_count, = struct.unpack_from("<H", self.data, 0x30)
+        self.sections = [struct.unpack_from("<10I", self.data, section_offset + 40 * i)
+                         for i in range(section_count)]
+        self.symbols = {}
+        for _, kind, _, _, offset, size, link, _, _, _ in self.sections:
+            if kind == 2:  # the symbol table; its link is the section with the names
+                names = self.sections[link][4]
+                for entry in range(offset, offset + size, 16):
+                    name, value = struct.unpack_from("<II", self.data, entry)
+                    end = self.data.index(0, names + name)
+                    self.symbols[self.data[names + name:end].decode()] = value
+
+    def word(self, address):
+        for _, _, _, start, offset, size, *_ in self.sections:
+            if start != 0 and start <= address < start + size:
+                return struct.unpack_from("<I", self.data, offset + address - start)[0]
+        raise KeyError(hex(address))
+
+    def system_call(self, function, index=0):
+        """Address of the function's SYSCALL instruction with the given index."""
+        address = self.symbols[function]
+        while self.word(address) != 0x0C or index > 0:
+            index -= self.word(address) == 0x0C
+            address += 4
+        return address
+
+
+def read_bmp(data):
+    """Rows, top first, of (red, green, blue) from an uncompressed BMP of 24 or 32 bits."""
+    offset, = struct.unpack_from("<I", data, 10)
+    width, height, _, depth = struct.unpack_from("<iiHH", data, 18)
+    step = depth // 8
+    pitch = (width * step + 3) // 4 * 4
+    rows = []
+    for y in reversed(range(height)):
+        line = data[offset + y * pitch:offset + y * pitch + width * step]
+        rows.append([(line[i + 2], line[i + 1], line[i]) for i in range(0, width * step, step)])
+    return rows
