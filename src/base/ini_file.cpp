@@ -5,7 +5,6 @@
 
 #include <cstdlib>
 #include <iniparser.h>
-#include <vector>
 
 namespace tarn {
 namespace {
@@ -41,6 +40,18 @@ int IniFile::number(const char* key, int fallback) const {
     // The library's own conversion crashes on a section named like the key; its string look-up does not.
     const char* value = iniparser_getstring(dictionary, key, nullptr);
     return value != nullptr ? static_cast<int>(std::strtol(value, nullptr, 0)) : fallback;
+}
+
+std::vector<IniFile::Entry> IniFile::entries() const {
+    std::vector<Entry> result;
+    for (int i = 0; i < dictionary->size; ++i) {
+        if (dictionary->key[i] != nullptr) {
+            const char* value = dictionary->val[i];
+            result.push_back(
+                {dictionary->key[i], value != nullptr ? std::optional<std::string>(value) : std::nullopt});
+        }
+    }
+    return result;
 }
 
 }  // namespace tarn

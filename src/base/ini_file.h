@@ -1,7 +1,9 @@
 // Declares the reading of the configuration file, hardened against what the INI library does not survive.
 #pragma once
 
+#include <optional>
 #include <string>
+#include <vector>
 
 struct _dictionary_;
 
@@ -26,6 +28,15 @@ class IniFile {
     /// The key's value by strtol's rules (decimal, 0x hexadecimal, 0 octal; no digits: 0), cut to 32 bits;
     /// `fallback` when the key is absent.
     int number(const char* key, int fallback) const;
+
+    /// A line of the file: a key "section:key" with its value, or the header of a section, without one.
+    struct Entry {
+        std::string name;  ///< in small letters
+        std::optional<std::string> value;
+    };
+
+    /// Everything in the file, in its order; what occurs again is where it stood first, with its last value.
+    std::vector<Entry> entries() const;
 
   private:
     _dictionary_* dictionary = nullptr;

@@ -67,9 +67,24 @@ bool Server::listen(u16 port) {
     return true;
 }
 
-void Server::run(const Host& host) {
+Server::Finish Server::run(const Host& host) {
+    const Finish finish = runUntilFinished(host);
+    if (finish == Finish::Ended && debugger.mode() == Debugger::Mode::Running) {
+        reply("W00");  // the debugger waits for a stop: to it the guest has exited
+    }
+    closeConnection();
+    return finish;
+}
+
+Server::Finish Server::runUntilFinished(const Host& host) {
     u32 stepsToLook = 0;
-    while (!host.ended() && debugger.mode() != Debugger::Mode::Killed) {
+    for (;;) {
+        if (debugger.mode() == Debugger::Mode::Killed) {
+            return Finish::Killed;
+        }
+        if (host.ended()) {
+            return Finish::Ended;
+        }
         if (debugger.mode() == Debugger::Mode::Stopped) {
             exchange(idleMilliseconds);
             continue;
@@ -88,13 +103,9 @@ void Server::run(const Host& host) {
         if (const std::optional<std::string> stopped = debugger.afterStep()) {
             reply(*stopped);
         } else if (MipsCpu.pause != 0) {
-            break;
+            return Finish::Paused;
         }
     }
-    if (connection.open() && debugger.mode() != Debugger::Mode::Killed) {
-        reply("W00");  // to the debugger the guest has exited
-    }
-    closeConnection();
 }
 
 /// Serves the listening port and the connection, waiting up to `timeout` milliseconds for something to come.

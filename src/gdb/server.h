@@ -39,13 +39,19 @@ class Server {
     /// False, with the reason on standard error, when the port cannot be had.
     bool listen(u16 port);
 
+    /// Why run() has returned.
+    enum class Finish : u8 {
+        Ended,   ///< the host said that the run is over
+        Killed,  ///< the debugger did
+        Paused,  ///< the CPU paused, and no debugger was attached to look at it
+    };
+
     /// Waits for a debugger and runs the machine as it says. A connection that breaks off changes nothing:
-    /// the machine runs on or stays stopped, and the next debugger takes over. Returns when the host says
-    /// that the run has ended, when the debugger kills it, or when the CPU pauses and no debugger is
-    /// attached.
-    void run(const Host& host);
+    /// the machine runs on or stays stopped, and the next debugger takes over.
+    Finish run(const Host& host);
 
   private:
+    Finish runUntilFinished(const Host& host);
     void exchange(int timeout);
     void acceptDebugger();
     void receive();

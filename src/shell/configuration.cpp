@@ -1,5 +1,6 @@
 // Owns the reading of ./tarn.ini into the settings.
 #include "base/ini_file.h"
+#include "shell/configuration_check.h"
 #include "shell/driver.h"
 #include "shell/settings.h"
 
@@ -14,6 +15,7 @@ int TarnLoadConfig() {
         std::fprintf(stderr, "cannot parse file [%s]", configurationPath);
         return -1;
     }
+    warnAboutConfiguration(file);
     const auto flag = [&](const char* key) { return static_cast<u8>(file.number(key, 0)); };
     const auto size = [&](const char* key, int fallback) {
         return static_cast<u16>(file.number(key, fallback));

@@ -2,12 +2,14 @@
 #include "shell/headless.h"
 
 #include "dma/dma.h"
+#include "gdb/server.h"
 #include "gs/gs.h"
 #include "gs/gs_state.h"
 #include "r5900/interpreter.h"
 #include "r5900/mips_cpu.h"
 #include "shell/driver.h"
 #include "shell/output_files.h"
+#include "shell/progress_line.h"
 #include "shell/session.h"
 #include "shell/settings.h"
 
@@ -19,17 +21,19 @@
 namespace tarn {
 namespace {
 
-enum class End { stepLimit, frameLimit, signal, paused, startFailed };
+enum class End { stepLimit, frameLimit, signal, paused, killed, startFailed };
 
 constexpr u64 stepsPerCheck = 1 << 14;  // signals are noticed at least this often
 
 OutputFile traceFile;
+ProgressLine progress;
 
 /// The panes keep no text: EmuOutput's goes to standard error, that of the others to the trace. A text that
 /// ends its own line is not given a second end.
 koGUItextLine* passOnText(koGUIwidget* pane, const char* text) {
     std::FILE* stream = pane->id == paneEmuOutput ? stderr : traceFile.stream();
     if (stream != nullptr) {
+        progress.clear();
         const std::size_t length = std::strlen(text);
         const bool endsLine = length > 0 && text[length - 1] == '\n';
         std::fwrite(text, 1, length, stream);
@@ -50,24 +54,48 @@ bool start() {
     return TarnGUI.running == 1;
 }
 
+/// What ends the run now, if anything does.
+std::optional<End> endReached(const HeadlessOptions& options, u64 steps, bool pauseEnds) {
+    if (stopRequested()) {
+        return End::signal;
+    }
+    if (pauseEnds && MipsCpu.pause != 0) {
+        return End::paused;
+    }
+    if (options.frames && verticalBlanks >= *options.frames) {
+        return End::frameLimit;
+    }
+    if (options.steps && steps >= *options.steps) {
+        return End::stepLimit;
+    }
+    return std::nullopt;
+}
+
 /// Runs the machine until something ends the run.
 End run(const HeadlessOptions& options, u64& steps) {
     const u64 stepLimit = options.steps.value_or(~u64{0});
     for (;;) {
-        if (stopRequested()) {
-            return End::signal;
-        }
-        if (MipsCpu.pause != 0) {
-            return End::paused;
-        }
-        if (options.frames && verticalBlanks >= *options.frames) {
-            return End::frameLimit;
-        }
-        if (steps >= stepLimit) {
-            return End::stepLimit;
+        if (const std::optional<End> end = endReached(options, steps, true)) {
+            return *end;
         }
         steps += runSteps(std::min(stepLimit - steps, stepsPerCheck));
+        progress.update(steps, verticalBlanks);
     }
+}
+
+/// Runs the machine as a debugger says; limits and signals end the run all the same.
+End runDebugged(gdb::Server& debugger, const HeadlessOptions& options, u64& steps) {
+    std::optional<End> end;
+    const auto ended = [&] {
+        end = endReached(options, steps, false);
+        return end.has_value();
+    };
+    const auto step = [&] {
+        driverStep();
+        ++steps;
+    };
+    const gdb::Server::Finish finish = debugger.run({ended, step});
+    return end ? *end : finish == gdb::Server::Finish::Killed ? End::killed : End::paused;
 }
 
 void reportEnd(End end, u64 steps) {
@@ -84,6 +112,9 @@ void reportEnd(End end, u64 steps) {
     case End::paused:
         std::fprintf(stderr, "tarn-headless: the CPU paused at PC 0x%8.8llx, instruction 0x%8.8x (%s)",
                      MipsCpu.PC, MipsCpu.opcode, mnemonicOf(MipsCpu.opcode));
+        break;
+    case End::killed:
+        std::fprintf(stderr, "tarn-headless: killed by the debugger");
         break;
     case End::startFailed:
         std::fprintf(stderr, "tarn-headless: start-up failed\n");
@@ -143,6 +174,8 @@ bool writeOutputs(const HeadlessOptions& options, End end) {
 }  // namespace
 
 int runHeadless(const HeadlessOptions& options) {
+    // A debugger's user sees where the machine is, and its output must not wait for the line.
+    progress.begin(!options.quiet && !options.gdbPort);
     TarnLoadConfig();
     if (options.trace) {
         traceFile.open(*options.trace);
@@ -153,7 +186,12 @@ int runHeadless(const HeadlessOptions& options) {
     Driver.farewell = 0;
 
     u64 steps = 0;
-    const End end = start() ? run(options, steps) : End::startFailed;
+    End end = End::startFailed;
+    gdb::Server debugger;
+    if ((!options.gdbPort || debugger.listen(*options.gdbPort)) && start()) {
+        end = options.gdbPort ? runDebugged(debugger, options, steps) : run(options, steps);
+    }
+    progress.clear();
     reportEnd(end, steps);
     const bool complete = writeOutputs(options, end);
     while (TarnGUI.running == 1) {

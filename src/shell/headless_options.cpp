@@ -4,29 +4,37 @@
 #include <charconv>
 #include <cstdio>
 #include <getopt.h>
+#include <limits>
 #include <string_view>
 
 namespace tarn {
 namespace {
 
-enum Option { steps = 256, frames, picture, snapshot, dumpVram, registers, trace, help, version };
+enum Option { steps = 256, frames, picture, snapshot, dumpVram, registers, trace, gdb, quiet, help, version };
 
 constexpr option longOptions[] = {
-    {"steps", required_argument, nullptr, steps},        {"frames", required_argument, nullptr, frames},
-    {"picture", required_argument, nullptr, picture},    {"snapshot", required_argument, nullptr, snapshot},
-    {"dump-vram", required_argument, nullptr, dumpVram}, {"registers", no_argument, nullptr, registers},
-    {"trace", required_argument, nullptr, trace},        {"help", no_argument, nullptr, help},
-    {"version", no_argument, nullptr, version},          {},
+    {"steps", required_argument, nullptr, steps},
+    {"frames", required_argument, nullptr, frames},
+    {"picture", required_argument, nullptr, picture},
+    {"snapshot", required_argument, nullptr, snapshot},
+    {"dump-vram", required_argument, nullptr, dumpVram},
+    {"registers", no_argument, nullptr, registers},
+    {"trace", required_argument, nullptr, trace},
+    {"gdb", required_argument, nullptr, gdb},
+    {"quiet", no_argument, nullptr, quiet},
+    {"help", no_argument, nullptr, help},
+    {"version", no_argument, nullptr, version},
+    {},
 };
 
-/// A whole decimal number of up to 64 bits; a complaint and nothing for any other text.
-std::optional<u64> parseCount(const char* name, std::string_view text) {
-    u64 value = 0;
+/// A whole decimal number that the type holds; a complaint and nothing for any other text.
+template <class Number>
+std::optional<Number> parseNumber(const char* name, std::string_view text) {
+    Number value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (error != std::errc() || end != text.data() + text.size()) {
-        std::fprintf(stderr,
-                     "tarn-headless: --%s takes a whole number from 0 to 18446744073709551615, not '%s'\n",
-                     name, text.data());
+        std::fprintf(stderr, "tarn-headless: --%s takes a whole number from 0 to %llu, not '%s'\n", name,
+                     u64{std::numeric_limits<Number>::max()}, text.data());
         return std::nullopt;
     }
     return value;
@@ -46,6 +54,9 @@ const char* const headlessUsage =
     "  --dump-vram FILE    write the raw 4 MB of GS memory\n"
     "  --registers         print the integer and the floating-point registers\n"
     "  --trace FILE        trace every instruction into FILE\n"
+    "  --gdb PORT          wait for a GDB on this port of the loopback interface (0: any free one) and run\n"
+    "                      the machine as it says\n"
+    "  --quiet             show no progress line on a terminal\n"
     "  --help              print this help and exit\n"
     "  --version           print the version and exit\n"
     "\n"
@@ -60,11 +71,11 @@ std::optional<HeadlessOptions> parseHeadlessOptions(int count, char** arguments)
     for (int code = 0; (code = getopt_long(count, arguments, "", longOptions, nullptr)) != -1;) {
         switch (code) {
         case steps:
-            options.steps = parseCount("steps", optarg);
+            options.steps = parseNumber<u64>("steps", optarg);
             usable = usable && options.steps.has_value();
             break;
         case frames:
-            options.frames = parseCount("frames", optarg);
+            options.frames = parseNumber<u64>("frames", optarg);
             usable = usable && options.frames.has_value();
             break;
         case picture:
@@ -81,6 +92,13 @@ std::optional<HeadlessOptions> parseHeadlessOptions(int count, char** arguments)
             break;
         case trace:
             options.trace = optarg;
+            break;
+        case gdb:
+            options.gdbPort = parseNumber<u16>("gdb", optarg);
+            usable = usable && options.gdbPort.has_value();
+            break;
+        case quiet:
+            options.quiet = true;
             break;
         case help:
             options.help = true;

@@ -15,7 +15,9 @@ struct HeadlessOptions {
     std::optional<std::string> snapshot;
     std::optional<std::string> vramDump;
     std::optional<std::string> trace;
+    std::optional<u16> gdbPort;  ///< loopback port to wait for a debugger on; 0 stands for any free one
     bool registers = false;
+    bool quiet = false;
     bool help = false;
     bool version = false;
 };

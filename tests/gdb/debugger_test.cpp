@@ -3,12 +3,9 @@
 
 #include "gdb/machine.h"
 #include "gdb/packet.h"
-#include "kernel/ps2_bios.h"
-#include "memory/areas.h"
-#include "r5900/mips_cpu.h"
+#include "support/machine_test.h"
 
 #include <cstring>
-#include <gtest/gtest.h>
 #include <random>
 
 using namespace tarn;
@@ -19,22 +16,11 @@ namespace {
 
 constexpr u32 program = 0x00100000;
 
-class DebuggerTest : public testing::Test {
+class DebuggerTest : public test::MachineTest {
   protected:
     DebuggerTest() {
-        MipsMemory = static_cast<u8*>(std::calloc(1, mainMemorySize));
-        SpecialAreaMemory = static_cast<u8*>(std::calloc(1, specialAreaSize));
-        BiosMemory = static_cast<u8*>(std::calloc(1, biosMemorySize));
-        MipsCpu = {};
         MipsCpu.PC = program;
-        Ps2Bios = {};
         debugger.attach();
-    }
-    ~DebuggerTest() override {
-        for (u8** buffer : {&MipsMemory, &SpecialAreaMemory, &BiosMemory}) {
-            std::free(*buffer);
-            *buffer = nullptr;
-        }
     }
 
     std::string ask(std::string_view packet) { return debugger.answer(packet).value_or("(none)"); }
