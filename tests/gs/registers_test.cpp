@@ -1,12 +1,11 @@
 // Tests the register decoding, the privileged registers and the renderer's life cycle.
-#include "base/allocation.h"
 #include "support/gs_machine.h"
+#include "support/machine_test.h"
 
 #include <array>
 #include <cstring>
-#include <utility>
 
-namespace tarn {
+namespace tarn::test {
 namespace {
 
 /// The bits of a register field, kept times `scale`. Without bits: a field that is derived from others.
@@ -231,9 +230,8 @@ TEST_F(Registers, InitialisationAndItsFailure) {
     EXPECT_EQ(GSinit(), 0);  // again: nothing leaks
     GSreset();
 
-    const auto allocate = std::exchange(allocateBuffer, [](std::size_t) -> void* { return nullptr; });
+    const FailingAllocation failing;
     EXPECT_EQ(GSinit(), -1);
-    allocateBuffer = allocate;
     EXPECT_EQ(Gs.gsmode->width, 0u);
     GifStream().write(TRXDIR, 2).write(XYZ2, 0).send();  // dropped, like all that follows
     GSgifTransfer2(GifStream().tag(GifStream::packed, 0, 1, 0, GifStream::endOfPacket).at(0));
@@ -242,4 +240,4 @@ TEST_F(Registers, InitialisationAndItsFailure) {
 }
 
 }  // namespace
-}  // namespace tarn
+}  // namespace tarn::test

@@ -10,7 +10,7 @@
 #include <random>
 #include <vector>
 
-namespace tarn {
+namespace tarn::test {
 
 /// A GIF stream under construction, as doublewords.
 class GifStream {
@@ -38,6 +38,15 @@ class GifStream {
     std::vector<u64> words;
 };
 
+/// The content that tests give to word `index` of local memory; every word differs.
+constexpr u32 pattern(u32 index) { return index * 0x9E3779B1; }
+
+inline void fillLocalMemory() {
+    for (u32 i = 0; i < localMemoryWords; ++i) {
+        Gs.vRamUL[i] = pattern(i);
+    }
+}
+
 /// Everything the renderer holds, to be compared.
 struct GsImage {
     std::vector<u8> memory{Gs.vRam, Gs.vRam + localMemoryBytes};
@@ -56,16 +65,9 @@ class GsMachine : public testing::Test {
         GSinit();
     }
 
-    static u32 pattern(u32 index) { return index * 0x9E3779B1; }  // every word differs
-    static void fillMemory() {
-        for (u32 i = 0; i < localMemoryWords; ++i) {
-            Gs.vRamUL[i] = pattern(i);
-        }
-    }
-
     /// 0 to limit - 1, the same on every host.
     u32 random(u32 limit) { return static_cast<u32>(generator() % limit); }
     std::mt19937 generator;
 };
 
-}  // namespace tarn
+}  // namespace tarn::test

@@ -1,0 +1,248 @@
+// Tests the display: every conversion against a formula per pixel, opening, configuration and snapshots.
+#include "gs/display.h"
+
+#include "gs/local_memory.h"
+#include "shell/settings.h"
+#include "support/gs_machine.h"
+#include "support/machine_test.h"
+
+#include <SDL.h>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <sstream>
+
+namespace tarn::test {
+namespace {
+
+struct SurfaceDeleter {
+    void operator()(SDL_Surface* surface) const { SDL_FreeSurface(surface); }
+};
+using Surface = std::unique_ptr<SDL_Surface, SurfaceDeleter>;
+
+/// The kind of surface that the machine is given: these masks whatever the depth.
+Surface makeSurface(s32 width, s32 height, s32 depth) {
+    return Surface(
+        SDL_CreateRGBSurface(0, width, height, depth, 0xFF0000, 0xFF00, 0xFF, depth == 32 ? 0xFF000000 : 0));
+}
+
+std::vector<u8> bytesOf(const SDL_Surface& surface) {
+    const u8* pixels = static_cast<const u8*>(surface.pixels);
+    return {pixels, pixels + surface.h * surface.pitch};
+}
+
+std::string fileText(const std::string& name) {
+    std::ostringstream text;
+    text << std::ifstream(name, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+class Display : public GsMachine {
+  protected:
+    Display() {
+        fillLocalMemory();
+        std::filesystem::path path = std::filesystem::temp_directory_path() / "tarn-display-XXXXXX";
+        std::string name = path.string();
+        directory = mkdtemp(name.data());
+        std::filesystem::current_path(directory);
+    }
+    ~Display() override {
+        std::filesystem::current_path("/");
+        std::filesystem::remove_all(directory);
+        Settings = TarnSettings{};
+    }
+
+    static void show(u64 fbp, u64 fbw, u64 dbx, u64 dby, u64 width, u64 height) {
+        GSwrite64(0x12000000, 1);
+        GSwrite64(0x12000070, fbp | fbw << 9 | dbx << 32 | dby << 43);
+        GSwrite64(0x12000080, (width - 1) << 32 | (height - 1) << 44);
+    }
+
+    static void open(SDL_Surface* surface, s32 width, s32 height, s32 depth, s32 stretch) {
+        DXclose();
+        GsHost.conf = {.width = width, .height = height, .bpp = depth, .stretch = stretch};
+        GsHost.buffer = surface;
+        ASSERT_EQ(DXopen(), 0);
+    }
+
+    std::string directory;
+};
+
+/// The host's bytes of a GS word; the count says how many of them are written.
+std::pair<std::array<u8, 3>, u32> hostBytes(u32 p, s32 depth) {
+    const u32 red = p & 0xFF;
+    const u32 green = p >> 8 & 0xFF;
+    const u32 blue = p >> 16 & 0xFF;
+    if (depth >= 24) {
+        return {{static_cast<u8>(blue), static_cast<u8>(green), static_cast<u8>(red)}, 3};
+    }
+    const u32 word =
+        depth == 15 ? red / 8 * 1024 + green / 8 * 32 + blue / 8 : red / 8 * 2048 + green / 4 * 32 + blue / 8;
+    return {{static_cast<u8>(word), static_cast<u8>(word >> 8)}, 2};
+}
+
+/// What presenting should leave in `bytes`, the surface's content before.
+void present(std::vector<u8>& bytes, const SDL_Surface& surface) {
+    const GsConfig& conf = GsHost.conf;
+    const s32 w = static_cast<s32>(Gs.gsmode->width);
+    const s32 h = static_cast<s32>(Gs.gsmode->height);
+    for (s32 row = 0; row < std::min(conf.height, surface.h); ++row) {
+        for (s32 column = 0; column < std::min(conf.width, surface.w); ++column) {
+            s32 x = column - (w < conf.width ? (conf.width - w) / 2 : 0);
+            s32 y = row - (h < conf.height ? (conf.height - h) / 2 : 0);
+            if (conf.stretch != 0) {
+                x = 1 + (column * ((w << 16) / conf.width) >> 16);
+                y = row * ((h << 16) / conf.height) >> 16;
+            } else if (x < 0 || x >= w || y < 0 || y >= h) {
+                continue;
+            }
+            const u32 index = Gs.gsdspfb->fbp + (Gs.gsdspfb->dby + static_cast<u32>(y)) * Gs.gsdspfb->fbw +
+                              Gs.gsdspfb->dbx + static_cast<u32>(x);
+            const auto [pixel, count] = hostBytes(pattern(index % localMemoryWords), conf.bpp);
+            std::memcpy(
+                &bytes[static_cast<u32>(row * surface.pitch + column * surface.format->BytesPerPixel)],
+                pixel.data(), count);
+        }
+    }
+}
+
+TEST_F(Display, EveryPixelIsTheFormulas) {
+    for (u32 number = 0; number < 160; ++number) {
+        generator.seed(number);
+        const s32 depth = std::array{15, 16, 24, 32}[number % 4];
+        const s32 width = 1 + static_cast<s32>(random(700));
+        const s32 height = 1 + static_cast<s32>(random(90));
+        // Every third surface is not the size that the configuration gives.
+        const bool other = random(3) == 0;
+        const Surface surface = makeSurface(other ? 1 + static_cast<s32>(random(300)) : width,
+                                            other ? 1 + static_cast<s32>(random(90)) : height, depth);
+        ASSERT_NE(surface, nullptr);
+        show(random(2) != 0 ? random(512) : 511, random(64), random(2048), random(2048), 1 + random(1000),
+             1 + random(120));
+        open(surface.get(), width, height, depth, number / 4 % 2);
+        std::vector<u8> expected = bytesOf(*surface);
+        for (u8& byte : expected) {
+            byte = static_cast<u8>(random(256));
+        }
+        std::memcpy(surface->pixels, expected.data(), expected.size());
+        present(expected, *surface);
+        GSvsync();
+        ASSERT_TRUE(bytesOf(*surface) == expected) << "case " << number;
+    }
+}
+
+TEST_F(Display, WhatCannotBePresentedIsSkipped) {
+    const Surface surface = makeSurface(32, 32, 32);
+    struct {
+        s32 width;
+        s32 height;
+        s32 depth;
+    } const cases[] = {{0, 32, 32},  {32, 0, 32},  {-5, 32, 32}, {32, 32, 8},
+                       {32, 32, 16}, {32, 32, 24}, {32, 32, 0}};
+    for (const s32 stretch : {0, 1}) {
+        for (const auto& c : cases) {
+            GsHost = GsDisplayState{};
+            open(surface.get(), c.width, c.height, c.depth, stretch);
+            GSvsync();
+            for (const u8 byte : bytesOf(*surface)) {
+                ASSERT_TRUE(byte == 0xDD || byte == 0xFF) << c.width << "x" << c.height << ", " << c.depth;
+            }
+        }
+    }
+}
+
+TEST_F(Display, OpensOnceAndLetsGoOfTheSurface) {
+    const Surface surface = makeSurface(8, 8, 32);
+    EXPECT_EQ(outputOf(DXopen), "DXopenError : Create buffer\n");  // without a surface and a configuration
+    GSvsync();
+    DXclearScr();
+    DXclose();
+    GSclose();
+
+    open(surface.get(), 8, 8, 32, 1);
+    EXPECT_EQ(GsHost.ScrBlit, ScrBlit32S);
+    const auto grey = bytesOf(*surface);
+    GsHost.conf.bpp = 16;
+    GSvsync();
+    const auto picture = bytesOf(*surface);
+    EXPECT_NE(picture, grey);
+    EXPECT_EQ(DXopen(), 0);  // open already
+    EXPECT_EQ(bytesOf(*surface), picture);
+    EXPECT_EQ(GsHost.depth, 32);
+    DXclearScr();
+    EXPECT_EQ(bytesOf(*surface), grey);
+    EXPECT_EQ(DXswitchScrMode(), -1);  // there is no full-screen mode
+    EXPECT_EQ(GsHost.DXinit, 0);
+    EXPECT_EQ(DXopen(), -1);
+    EXPECT_EQ(GsHost.buffer, nullptr);
+}
+
+TEST_F(Display, ConfigurationIsReadAndSaved) {
+    std::ofstream("tarn.ini")
+        << "[General]\nElf = some/guest.elf\n[Video]\nWidth = 0x280\nBpp = 16\nStretch = 0\n";
+    GsHost.conf.fullscreen = 1;
+    const Surface surface = makeSurface(4, 4, 16);
+    EXPECT_EQ(GSopen(surface.get(), "ignored"), 0);
+    EXPECT_STREQ(Settings.ElfToExecute, "some/guest.elf");
+    EXPECT_EQ(GsHost.ScrBlit, ScrBlit16);
+    setenv("HOME", directory.c_str(), 1);
+    SaveConfig();
+    SaveConfig();  // the directory is there now
+    const std::array<s32, 7> words{640, 240, 16, 0, 0, 0, 0};
+    EXPECT_EQ(fileText(".PS2E/Gravelx.cfg"),
+              std::string(reinterpret_cast<const char*>(words.data()), sizeof words));
+
+    std::ofstream("tarn.ini") << "[Other]\nkey = 1\n";
+    GSconfigure();
+    EXPECT_STREQ(Settings.ElfToExecute, "");
+    EXPECT_EQ(GsHost.conf.width, 320);
+    EXPECT_EQ(GsHost.conf.bpp, 32);
+    EXPECT_EQ(GsHost.conf.stretch, 1);
+
+    std::filesystem::remove("tarn.ini");
+    testing::internal::CaptureStderr();
+    GSconfigure();
+    EXPECT_TRUE(testing::internal::GetCapturedStderr().ends_with("cannot parse file [./tarn.ini]"));
+    EXPECT_EQ(GsHost.conf.width, 0);
+    EXPECT_EQ(GsHost.conf.stretch, 0);
+}
+
+TEST_F(Display, SnapshotsAreNumberedBitmaps) {
+    for (const auto& [field, rows] : {std::pair{10u, 1638u}, {63u, 260u}, {0u, 0u}}) {
+        show(7, field, 3, 4, 640, 448);
+        const u32 width = field * 64;
+        std::string expected(width * rows * 3 + 56, '\0');
+        const auto put = [&](u32 at, u32 count, u32 value) { std::memcpy(&expected[at], &value, count); };
+        put(0, 2, 'B' | 'M' << 8);
+        put(2, 4, width * rows * 3 + 56);
+        put(10, 4, 54);
+        put(14, 4, 40);
+        put(18, 2, width);
+        put(22, 2, rows);
+        put(26, 2, 1);
+        put(28, 2, 24);
+        put(38, 4, 2834);
+        put(42, 4, 2834);
+        for (u32 i = 0; i < width * rows; ++i) {  // from the start of memory, the bottom row first
+            const u32 p = pattern((rows - 1 - i / width) * width + i % width);
+            put(54 + i * 3, 3, (p & 0xFF) << 16 | (p & 0xFF00) | (p >> 16 & 0xFF));
+        }
+        EXPECT_TRUE(GSmakeSnapshot(""));
+        EXPECT_TRUE(fileText("snap001.bmp") == expected);
+        std::filesystem::remove("snap001.bmp");
+    }
+    for (const char* name : {"xsnap001.bmp", "xsnap002.bmp", "xsnap003.bmp"}) {
+        EXPECT_TRUE(GSmakeSnapshot("x"));
+        EXPECT_TRUE(std::filesystem::exists(name)) << name;
+    }
+    std::filesystem::remove("xsnap001.bmp");
+    EXPECT_TRUE(GSmakeSnapshot("x"));
+    EXPECT_TRUE(std::filesystem::exists("xsnap001.bmp")) << "the lowest free number";
+    EXPECT_FALSE(GSmakeSnapshot("missing/"));
+}
+
+}  // namespace
+}  // namespace tarn::test
