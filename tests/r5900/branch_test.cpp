@@ -1,0 +1,82 @@
+// Branches, jumps, and the delay slots that they execute.
+#include "r5900/branch.h"
+#include "r5900/instruction.h"
+
+namespace tarn {
+namespace {
+
+using namespace test;
+
+constexpr u32 countInSlot = immediate(9, v0, v0, 1);  // ADDIU: v0 counts the executions of the delay slot
+
+TEST_F(MachineTest, TakenBranchesCountTheirDelaySlotAndLikelyOnesSkipIt) {
+    const struct {
+        u32 word;
+        u64 pc, cycle;
+    } cases[] = {{immediate(4, r0, r0, 0x8000), programStart + 4 - 0x20000, 2},  // BEQ
+                 {immediate(5, r0, r0, 0x7FFF), programStart + 4, 1},            // BNE
+                 {immediate(20, r0, r0, 3), programStart + 16, 2},               // BEQL
+                 {immediate(21, r0, r0, 3), programStart + 8, 1},                // BNEL
+                 {coprocessor1(8, 3, 3), programStart + 8, 1}};                  // BC1TL
+    for (const auto& [word, pc, cycle] : cases) {
+        MipsCpu = {};
+        setProgram({word, countInSlot});
+        MipsUpdateCpu();
+        EXPECT_EQ(MipsCpu.PC, pc) << mnemonicOf(word);
+        EXPECT_EQ(MipsCpu.cycle, cycle) << mnemonicOf(word);
+        EXPECT_EQ(MipsCpu.GPR[v0].low, cycle - 1) << mnemonicOf(word);
+    }
+}
+
+TEST_F(MachineTest, OtherConditionCodesPauseOnTheBranch) {
+    for (const auto& [code, name] : {std::pair{4, "BC1F"}, {5, "BC1T"}, {31, "BC1TL"}}) {
+        MipsCpu = {};
+        setProgram({coprocessor1(8, static_cast<u32>(code), 3)});
+        EXPECT_EQ(outputOf(MipsUpdateCpu), std::string(name) + " : cc not implemented\n");
+        EXPECT_TRUE(MipsCpu.pause == 1 && MipsCpu.PC == programStart);
+    }
+}
+
+TEST_F(MachineTest, JumpsLinkBeforeTheirDelaySlot) {
+    constexpr u64 pc = 0x700100000, dirty = 0xFFFFFFFF00200002;  // the fetch uses the low word only
+    const struct {
+        u32 word;
+        u64 target;
+        u8 linked;
+    } cases[] = {{jump(2, 0x100), 0x700000400, t1},  {jump(3, 0x3FFFFFF), 0x70FFFFFFC, ra},
+                 {special(8, t0, 0, 0), dirty, t1},  {special(9, t0, 0, ra), dirty, ra},
+                 {special(9, t0, 0, t0), dirty, t0}, {special(9, t0, 0, r0), dirty, r0}};
+    for (const auto& [word, target, linked] : cases) {
+        SCOPED_TRACE(mnemonicOf(word) + hex(linked));
+        MipsCpu = {};
+        MipsCpu.GPR[t0].low = dirty;
+        setProgram({word, special(36, linked, linked, v0)});  // AND: what the delay slot sees
+        MipsCpu.PC = pc;
+        MipsUpdateCpu();
+        EXPECT_EQ(MipsCpu.PC, target);
+        EXPECT_EQ(MipsCpu.GPR[v0].low, linked == t1 ? 0 : pc + 8);
+        EXPECT_EQ(MipsCpu.cycle, 2U);
+    }
+    MipsUpdateCpu();  // at an address that is no multiple of four
+    EXPECT_EQ(MipsCpu.PC, dirty + 4);
+}
+
+TEST_F(MachineTest, NestedDelaySlotsAreBounded) {
+    constexpr u32 bound = r5900::maximumDelaySlotDepth;
+    for (const u32 jumps : {2U, bound, bound + 1, 8 * bound}) {
+        MipsCpu = {};
+        MipsCpu.PC = programStart;
+        for (u32 i = 0; i <= jumps; ++i) {
+            const u32 word = i < jumps ? jump(2, 0x100 + i) : countInSlot;
+            std::memcpy(MipsMemory + programStart + i * 4, &word, 4);
+        }
+        MipsUpdateCpu();
+        EXPECT_EQ(MipsCpu.PC, 0x400U);  // the outermost target
+        EXPECT_EQ(MipsCpu.cycle, std::min(jumps, bound + 1) + 1);
+        EXPECT_EQ(MipsCpu.pause, jumps > bound);
+        EXPECT_EQ(MipsCpu.GPR[v0].low, jumps <= bound);
+    }
+}
+
+}  // namespace
+}  // namespace tarn

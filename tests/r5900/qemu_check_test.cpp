@@ -1,0 +1,275 @@
+// Holds the interpreter against an independent processor: random programs of instructions that a MIPS64 has
+// with the same meaning run here and in qemu's user mode, and must leave the same registers and memory.
+#include "r5900/instruction.h"
+#include "r5900/interpreter.h"
+#include "r5900/registers.h"
+#include "support/machine_test.h"
+#include "support/temporary_file.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <random>
+#include <sys/stat.h>
+#include <utility>
+
+namespace tarn {
+namespace {
+
+using namespace test;
+using r5900::gpr;
+
+// The layout of a program, at the same addresses for both processors. A block is preceded by the loading of
+// all registers from its record, and followed by the storing of all into it.
+constexpr u32 blockCount = 2048, blockLength = 128;
+constexpr u32 recordSize = 27 * 8 + 32 * 4;  // r1 to r25, HI, LO; fp0 to fp31
+constexpr u32 windowSize = 1024;             // what the random loads and stores reach
+constexpr u32 origin = static_cast<u32>(programStart), dataAddress = 0x00300000,
+              windowAddress = dataAddress + blockCount * recordSize;
+constexpr u32 dataSize = blockCount * recordSize + windowSize;
+constexpr u32 record = 26, window = 27, spare = 28;  // registers that random instructions do not write
+
+// What must hold of the operands for both processors to agree. `trial` is a condition on the result: it must
+// be no NaN, which they code differently.
+using Condition = bool (*)(u64 left, u64 right);
+bool any(u64, u64) { return true; }
+bool words(u64 left, u64 right) { return left == signExtend32(left) && right == signExtend32(right); }
+bool difference(u64 left, u64 right) { return ((left ^ right) & (left ^ (left - right))) >> 63 == 0; }
+bool quotient(u64 left, u64 right) { return words(left, right) && right != 0 && words(0 - left, 0); }
+constexpr Condition trial = nullptr;
+
+/// Instructions with the same random fields (`positions`), without operands.
+struct Group {
+    std::string fields;
+    Condition condition;
+    std::vector<u32> words;
+};
+
+constexpr u32 major(u32 code) { return code << 26; }
+constexpr u32 fpu(u32 code) { return single(code, 0, 0, 0); }
+
+const std::vector<Group> straight = {
+    {"", any, {15}},                                                                   // SYNC
+    {"d", any, {16, 18}},                                                              // MFHI, MFLO
+    {"sti", any, {major(10), major(11), major(12), major(13), major(14), major(25)}},  // SLTI to XORI, DADDIU
+    {"sti", words, {major(9)}},                                                        // ADDIU
+    {"ti", any, {major(15)}},                                                          // LUI
+    {"std", any, {4, 10, 11, 36, 37, 38, 43, 45}},     // SLLV MOVZ MOVN AND OR XOR SLTU DADDU
+    {"std", words, {6, 7, 33, 35, 42}},                // SLRV SRAV ADDU SUBU SLT
+    {"std", difference, {47}},                         // DSUBU
+    {"tda", any, {0, 56, 58, 60, 62, 63}},             // SLL DSLL DSRL DSLL32 DSRL32 DSRA32
+    {"tda", words, {2, 3}},                            // SRL SRA
+    {"st", any, {29}},                                 // DMULTU
+    {"st", words, {24}},                               // MULT
+    {"st", quotient, {26, 27}},                        // DIV DIVU
+    {"t1", any, {major(32), major(36), major(40)}},    // LB LBU SB
+    {"t2", any, {major(33), major(37), major(41)}},    // LH LHU SH
+    {"t4", any, {major(35), major(39), major(43)}},    // LW LWU SW
+    {"t8", any, {major(55), major(63)}},               // LD SD
+    {"T4", trial, {major(49)}},                        // LWC1
+    {"T4", any, {major(57)}},                          // SWC1
+    {"tS", trial, {coprocessor1(4, 0, 0)}},            // MTC1
+    {"TSD", trial, {fpu(0), fpu(1), fpu(2), fpu(3)}},  // ADD_S SUB_S MUL_S DIV_S
+    {"SD", any, {fpu(6), fpu(7)}},                     // MOV_S NEG_S
+    {"TS", any, {fpu(50), fpu(52)}},                   // C_EQ_S C_OLT_S
+};
+const std::vector<Group> branches = {
+    {"st", any, {major(4), major(5), major(20), major(21)}},  // BEQ BNE BEQL BNEL
+    {"s",
+     any,
+     {major(6), major(7), major(22), regimm(0, 0, 0), regimm(1, 0, 0), regimm(2, 0, 0), regimm(3, 0, 0)}},
+    {"", any, {coprocessor1(8, 0, 0), coprocessor1(8, 1, 0), coprocessor1(8, 3, 0)}},  // BC1F BC1T BC1TL
+};
+
+/// Where a field is and what it may be. Integer registers leave out r0 and the reserved ones; digits are
+/// the address of a load or store, a multiple of them around the middle of the window.
+struct Position {
+    char field;
+    u32 shift, first, count;
+};
+constexpr Position positions[] = {{'s', 21, 1, 25}, {'t', 16, 1, 25}, {'d', 11, 1, 25}, {'T', 16, 0, 32},
+                                  {'S', 11, 0, 32}, {'D', 6, 0, 32},  {'a', 6, 0, 32},  {'i', 0, 0, 65536}};
+
+/// A random program. It is made by running it here, so that each instruction can be chosen to suit the
+/// values that it meets; `image` is the program as it was before it ran.
+class Program {
+  public:
+    explicit Program(u64 seed) : random(seed) {
+        makeData();
+        MipsCpu.PC = origin;
+        loadAddress(window, windowAddress + windowSize / 2);
+        for (u32 block = 0; block < blockCount; ++block) {
+            loadAddress(record, dataAddress + block * recordSize);
+            transferRegisters(55, 49) /* LD, LWC1 */;
+            for (const u32 end = here() + blockLength * 4; here() < end;) {
+                makeInstruction();
+            }
+            transferRegisters(63, 57) /* SD, SWC1 */;
+        }
+        loadAddress(a0 + 1, dataAddress);
+        loadAddress(a0 + 2, dataSize);
+        const u32 exits[] = {immediate(9, 0, a0, 1), immediate(9, 0, v0, 5001), 12,   // write(1, data)
+                             immediate(9, 0, a0, 0), immediate(9, 0, v0, 5058), 12};  // exit(0)
+        put(here(), exits, sizeof exits);
+    }
+
+    /// The program as a file that qemu runs: it writes its data to standard output.
+    std::string elf() const {
+        constexpr u32 page = 0x1000;
+        // The header of a little-endian MIPS64 executable, and its one segment.
+        const u64 header[] = {0x00010102464C457F,
+                              0,
+                              0x0000000100080002,
+                              origin,
+                              64,
+                              0,
+                              0x0038004080000000,
+                              1,
+                              0x0000000700000001,
+                              page,
+                              origin,
+                              origin,
+                              image.size(),
+                              image.size(),
+                              page};
+        std::string file(page, '\0');
+        std::memcpy(file.data(), header, sizeof header);
+        return file + image;
+    }
+
+  private:
+    u32 below(u64 count) { return static_cast<u32>(random() % count); }
+    static u32 here() { return static_cast<u32>(MipsCpu.PC); }
+
+    void put(u32 address, const void* bytes, u32 size) {
+        std::memcpy(MipsMemory + address, bytes, size);
+        std::memcpy(image.data() + (address - origin), bytes, size);
+    }
+
+    /// The multiplications write r0, too, where a MIPS64 has no third operand.
+    static void step() {
+        MipsUpdateCpu();
+        MipsCpu.GPR[0] = {};
+    }
+
+    void execute(u32 word) {
+        put(here(), &word, 4);
+        step();
+    }
+
+    void loadAddress(u32 number, u32 address) {
+        execute(immediate(15, 0, number, address >> 16));
+        execute(immediate(13, number, number, address));
+    }
+
+    /// Loads or stores all registers; HI and LO are only stored.
+    void transferRegisters(u32 integer, u32 floating) {
+        for (u32 i = 0; i < 25; ++i) {
+            execute(immediate(integer, record, i + 1, i * 8));
+        }
+        for (const u32 i : {25U, 26U}) {
+            execute(special(16 + (i - 25) * 2, 0, 0, spare));
+            execute(immediate(63, record, spare, i * 8));
+        }
+        for (u32 i = 0; i < 32; ++i) {
+            execute(immediate(floating, record, i, 27 * 8 + i * 4));
+        }
+    }
+
+    /// Start values: boundaries and their neighbours, and numbers of all lengths. Of two singles one is a
+    /// boundary, and one is near 1, where results are neither zero nor infinite.
+    void makeData() {
+        constexpr u64 boundaries[] = {0, 1, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF, u64{1} << 63};
+        constexpr u64 singles[] = {0, 0x80000000, 1, 0x00800000, 0x7F7FFFFF, 0x7F800000, 0xFF800000};
+        for (u32 offset = 0; offset < dataSize; offset += 8) {
+            u64 value = below(2) != 0 ? boundaries[below(6)] + below(3) - 1 : random() >> below(64);
+            value = below(4) != 0 ? signExtend32(value) : value;
+            if (offset % recordSize >= 27 * 8) {
+                value = singles[below(7)] | (0x3800000000000000 + (random() & 0x8FFFFFFF00000000));
+            }
+            put(dataAddress + offset, &value, 8);
+        }
+    }
+
+    u32 wordOf(const Group& group) {
+        u32 word = group.words[below(group.words.size())];
+        for (const char field : group.fields) {
+            const auto* const position = std::ranges::find(positions, field, &Position::field);
+            word |= position != std::end(positions)
+                        ? (position->first + below(position->count)) << position->shift
+                        : immediate(0, window, 0, (below(64) - 32) * static_cast<u32>(field - '0'));
+        }
+        return word;
+    }
+
+    /// Whether the instruction, at PC, would make a NaN.
+    bool makesNaN(u32 word) {
+        const MipsCpuRecord before = MipsCpu;
+        execute(word);
+        const auto after = std::exchange(MipsCpu, before).FPR32;
+        return std::ranges::any_of(after, [](f32 value) { return std::isnan(value); });
+    }
+
+    u32 suitableWord() {
+        for (;;) {
+            const Group& group = straight[below(straight.size())];
+            const u32 word = wordOf(group);
+            const u64 left = gpr(static_cast<u8>(bits(word, 21, 5)));
+            const u64 right =
+                group.fields.ends_with('i') ? signExtend16(word) : gpr(static_cast<u8>(bits(word, 16, 5)));
+            if (group.condition == trial ? !makesNaN(word) : group.condition(left, right)) {
+                return word;
+            }
+        }
+    }
+
+    void makeInstruction() {
+        if (below(16) != 0) {
+            execute(suitableWord());
+            return;
+        }
+        // A branch over DADDIU
+        const u32 target = here() + 12;
+        const u32 slots[] = {suitableWord(), wordOf({"sti", any, {major(25)}})};
+        put(here() + 4, slots, sizeof slots);
+        execute(wordOf(branches[below(branches.size())]) | 2);
+        while (here() != target) {
+            step();
+        }
+    }
+
+    std::mt19937_64 random;
+    std::string image = std::string(windowAddress + windowSize - origin, '\0');
+};
+
+std::string outputInQemu(const std::string& elf) {
+    const TemporaryFile file(elf);
+    chmod(file.path(), 0700);
+    FILE* pipe = popen((std::string("qemu-mips64el -cpu MIPS64R2-generic ") + file.path()).c_str(), "r");
+    std::string output(dataSize, '\0');
+    output.resize(pipe != nullptr ? std::fread(output.data(), 1, dataSize, pipe) : 0);
+    pclose(pipe);
+    return output;
+}
+
+class QemuCheck : public MachineTest, public testing::WithParamInterface<u64> {};
+
+TEST_P(QemuCheck, RandomProgramsLeaveTheSameRegistersAndMemory) {
+    if (std::system("command -v qemu-mips64el > /dev/null") != 0) {
+        GTEST_SKIP() << "qemu-mips64el is not installed (Debian: apt install qemu-user)";
+    }
+    const Program program(GetParam());
+    ASSERT_EQ(MipsCpu.pause, 0) << "seed " << GetParam() << ", at " << hex(MipsCpu.PC);
+    EXPECT_GE(MipsCpu.cycle, blockCount * blockLength);
+    const std::string expected = outputInQemu(program.elf());
+    ASSERT_EQ(expected.size(), dataSize);
+    for (u32 i = 0; i < dataSize; ++i) {
+        ASSERT_EQ(MipsMemory[dataAddress + i], static_cast<u8>(expected[i]))
+            << "seed " << GetParam() << ", block " << i / recordSize << ", byte " << i % recordSize;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, QemuCheck, testing::Range<u64>(1, 5));
+
+}  // namespace
+}  // namespace tarn

@@ -1,0 +1,179 @@
+// The trace line of every instruction, and that what has none stops; the displays.
+#include "r5900/instruction.h"
+
+#include <algorithm>
+#include <set>
+
+namespace tarn {
+namespace {
+
+using namespace test;
+
+// rs or base is t0, rt t1, rd t2, sa 31; ft is fp3, fs fp2, fd fp1.
+constexpr u32 major(u32 code, u32 low = 0xFFF0) { return immediate(code, t0, t1, low); }
+constexpr u32 function(u32 code) { return special(code, t0, t1, t2, 31); }
+constexpr u32 fpu(u32 code) { return single(code, 3, 2, 1); }
+
+// clang-format off
+const std::pair<u32, const char*> lines[] = {
+    {0, "nop"}, {jump(2, 0x80), "j      200"}, {jump(3, 0x3FFFFFF), "jal  ffffffc"},
+    {major(4), "beq t0,t1,fffc4"}, {major(5), "bne t0,t1,fffc4"}, {major(6), "blez t0,fffc4"},
+    {major(7), "bgtz t0,fffc4"}, {major(8), "addi t1,t0,fff0"}, {major(9, 1), "addiu t1,t0,   1"},
+    {major(10), "slti t1,t0,fff0"}, {major(11), "sltiu t1,t0,    fff0"}, {major(12), "andi t1,t0,fff0"},
+    {major(13), "ori\tt1,t0,fff0"}, {major(14), "xori t1,t0,fff0"}, {major(15, 1), "lui t1,   1"},
+    {major(20), "beql t0,t1,fffc4"}, {major(21), "bnel t0,t1,fffc4"}, {major(22), "blezl t0,fffc4"},
+    {major(25), "daddiu t1,t0,fff0"}, {major(26), "ldl t1,fff0(t0)"}, {major(27), "ldr t1,fff0(t0)"},
+    {major(28, t2 << 11 | 24), "mult1 t2,t0,t1"}, {major(30), "lq t1,fff0(t0)"},
+    {major(31), "sq t1,fff0(t0)"}, {major(32, 1), "lb t1,   1(t0)"}, {major(33), "lh t1,fff0(t0)"},
+    {major(34), "lwl t1,fff0(t0)"}, {major(35), "lw t1,fff0(t0)"}, {major(36), "lbu t1,fff0(t0)"},
+    {major(37), "lhu t1,fff0(t0)"}, {major(38), "lwr t1,fff0(t0)"}, {major(39), "lwu t1,fff0(t0)"},
+    {major(40), "sb t1,fff0(t0)"}, {major(41), "sh t1,fff0(t0)"}, {major(42), "swl t1,fff0(t0)"},
+    {major(43), "sw t1,fff0(t0)"}, {major(44), "sdl t1,fff0(t0)"}, {major(45), "sdr t1,fff0(t0)"},
+    {major(46), "swr t1,fff0(t0)"}, {major(47), "CACHE"}, {major(49), "fp9 = 87654321 "},
+    {major(55), "ld t1,fff0(t0)"}, {major(57), "sdwc1 fp9,fff0(t0)"}, {major(63), "sd t1,fff0(t0)"},
+    {function(0), "sll t2,t1,31"}, {function(2), "srl t2,t1,31"}, {function(3), "sra t2,t1,31"},
+    {function(4), "sllv t2,t1,t0"}, {function(6), "srlv t2,t1,t0"}, {function(7), "srav t2,t1,t0"},
+    {function(8), "jr t0 with t0=    1234"}, {function(9), "jalr t2,t0 with t0=    1234"},
+    {function(10), "movz t2,t0,t1"}, {function(11), "movn t2,t0,t1 "},
+    {special(9, t0, 0, t0), "jalr t0,t0 with t0=  100008"}, {function(15), "SYNC"}, {function(16), "mhi t2"},
+    {function(18), "mflo t2"}, {function(24), "mult t2,t0,t1"}, {function(26), "div t0,t1"},
+    {function(27), "divu t0,t1"}, {function(29), "dmultu\tt2,t0,t1"}, {function(32), "add\tt2,t1,t0"},
+    {function(33), "addu t2,t1,t0"}, {function(34), "sub\tt2,t0,t1"}, {function(35), "subu t2,t0,t1"},
+    {function(36), "and\tt2,t0,t1"}, {function(37), "or t2,t0,t1"}, {function(38), "xor t2,t0,t1"},
+    {function(42), "slt t2,t0,t1"}, {function(43), "sltu t2,t0,t1"}, {function(45), "daddu t2,t0,t1"},
+    {function(47), "dsubu t2,t0,t1"}, {function(56), "dsll t2,t1,  1f"}, {function(58), "dsrl t2,t1,  1f"},
+    {function(60), "dsll32 t2,t1,  1f"}, {function(62), "dsrl32 t2,t1,  1f"},
+    {function(63), "dsra32 t2,t1,  1f"}, {regimm(0, t0, 2), "bltz t0,10000c"},
+    {regimm(1, t0, 2), "bgez t0,10000c"}, {regimm(2, t0, 2), "bltzl t0,10000c"},
+    {regimm(3, t0, 2), "bgezl t0,10000c"}, {immediate(16, 0, t1, 28 << 11 | 7), "mfc0 t1,TagLo/DataLo,7"},
+    {coprocessor1(0, t1, 2 << 11), "mfc1 t1,fp2"}, {coprocessor1(4, t1, 2 << 11), "mtc1 t1,fp2"},
+    {fpu(0), "add_s fp1,fp2,fp3"}, {coprocessor1(8, 0, 0xFFFE), "bc1f 0,ffffc"},
+    {fpu(1), "sub_s fp1,fp2,fp3\n"}, {coprocessor1(8, 1, 0xFFFE), "bc1t 0,ffffc"},
+    {fpu(2), "mul_s fp1,fp2,fp3"}, {coprocessor1(8, 31, 0xFFFE), "bc1tl 7,ffffc"},
+    {fpu(3), "div_s fp1,fp2,fp3"}, {fpu(6), "mov_s fp1,fp2"}, {fpu(7), "neg_s fp1,fp2"},
+    {fpu(36), "cvt_w_s\tfp1, fp2"}, {fpu(50), "c_eq_s 0,fp2,fp3"},
+    {single(52, 3, 2, 28), "c_olt_s 7,fp2,fp3"},
+    {coprocessor1(20, 3, 2 << 11 | 1 << 6 | 32), "cvt_s\tfp1,fp2"},
+};
+// clang-format on
+
+TEST_F(MachineTest, EveryInstructionHasItsLine) {
+    Settings.debug_op = 1;
+    for (const auto& [word, line] : lines) {
+        makePanes();
+        MipsCpu = {};
+        MipsCpu.GPR[t0].low = 0x1234;
+        MipsCpu.FPR128[t1].low = 0x87654321;
+        setProgram({word});
+        outputOf(MipsUpdateCpu);
+        EXPECT_EQ(paneLines(paneOpcodes)[0], std::string("00100000: ") + line);
+    }
+}
+
+/// EI, DI, what stops and SYSCALL leave the line before them, which CACHE and SYNC write even untraced.
+TEST_F(MachineTest, InstructionsWithoutLineRepeatTheOneBefore) {
+    for (const u32 word : {immediate(16, 16, 0, 56), immediate(16, 16, 0, 57), special(39, 0, 0, 0), 12U}) {
+        makePanes();
+        Settings.debug_op = 0;
+        setProgram({special(15, 0, 0, 0), word});
+        MipsUpdateCpu();
+        Settings.debug_op = 1;
+        outputOf(MipsUpdateCpu);
+        EXPECT_EQ(paneLines(paneOpcodes), Lines{"00100000: SYNC"});
+        EXPECT_EQ(paneLines(paneCpuRegisters).size(), 34U);
+    }
+}
+
+TEST_F(MachineTest, WhatHasNoLineStopsAndStopsAgain) {
+    std::set<std::string> running{"SLL", "EI", "DI", "SYSCALL"};
+    for (const auto& [word, line] : lines) {
+        running.insert(mnemonicOf(word));
+    }
+    for (u32 i = 0; i < 64; ++i) {
+        for (const u32 word : {i << 26, i, regimm(i, 0, 0), immediate(16, i, 0, 0), immediate(16, 31, 0, i),
+                               immediate(28, 0, 0, i), coprocessor1(i, 0, 0), coprocessor1(8, i, 0),
+                               coprocessor1(16, 0, i), coprocessor1(17, 0, i), coprocessor1(20, 0, i)}) {
+            if (running.count(mnemonicOf(word)) != 0) {
+                continue;
+            }
+            MipsCpu = {};
+            for (const bool inSlot : {false, false, true}) {
+                setProgram({inSlot ? jump(2, 0x100) : word, word});
+                MipsCpu.pause = 0;
+                MipsUpdateCpu();
+                EXPECT_EQ(MipsCpu.pause, 1) << mnemonicOf(word);
+                EXPECT_EQ(MipsCpu.PC, inSlot ? 0x400 : programStart) << mnemonicOf(word);
+            }
+            EXPECT_EQ(MipsCpu.cycle, 4U);
+            EXPECT_EQ(MipsCpu.GPR, MipsCpuRecord{}.GPR);
+        }
+    }
+}
+
+TEST_F(MachineTest, FetchesOutsideMainMemoryPause) {
+    for (const u64 pc : {0x01FFFFFCULL, 0x01FFFFFDULL, 0x80100000ULL, ~0ULL}) {
+        MipsCpu = {};
+        MipsCpu.PC = pc;
+        MipsUpdateCpu();
+        EXPECT_EQ(MipsCpu.PC, pc == 0x01FFFFFC ? pc + 4 : pc);  // memory there is zero: a no-op
+        EXPECT_EQ(MipsCpu.pause, pc != 0x01FFFFFC);
+        EXPECT_EQ(MipsCpu.cycle, 1U);
+    }
+    resetMachine();
+    MipsUpdateCpu();
+    EXPECT_EQ(MipsCpu.pause, 1);
+}
+
+TEST_F(MachineTest, SystemCallsGoByTheLowByteOfV1) {
+    MipsCpu.GPR[3].low = 0x1FF;
+    setProgram({12});
+    EXPECT_EQ(outputOf(MipsUpdateCpu), "00100000 : Syscall_NI ( ff h) s8:-1 u8:255\n");
+    EXPECT_EQ(MipsCpu.PC, programStart);
+}
+
+TEST_F(MachineTest, RegisterDisplays) {
+    for (u8 i = 0; i < 32; ++i) {
+        MipsCpu.GPR[i] = {i, 9};
+        MipsCpu.FPR32[i] = i == 30 ? 1.0F : -0.5F;
+    }
+    MipsCpu.HI = {0xFEDCBA9876543210, 9};
+    MipsCpu.LO = {0x123, 9};
+    const std::string integers = outputOf(MipsCpuPrintReg);
+    EXPECT_TRUE(
+        integers.starts_with("r0 : 0000000000000000  | at : 0000000000000001 | v0 :0000000000000002  | \n"
+                             "v1 : 0000000000000003  | a0 "));
+    EXPECT_TRUE(
+        integers.ends_with("s8 : 000000000000001e  | ra : 000000000000001f | hi :fedcba9876543210  | \n"
+                           "lo : 0000000000000123  |      \n"));
+    EXPECT_EQ(std::ranges::count(integers, '\n'), 12);
+    const std::string floats = outputOf(MipsCpuFPR1PrintReg);
+    EXPECT_TRUE(floats.starts_with(" fp0 :      -0.5000  |  fp1 :      -0.5000 |  fp2 :     -0.5000  | \n"));
+    EXPECT_TRUE(floats.ends_with("fp30 :       1.0000  | fp31 :      -0.5000 | \n"));
+    EXPECT_EQ(std::ranges::count(floats, '\n'), 11);
+    MipsCpuPrintRegtoOutput();
+    const Lines dump = paneLines(paneCpuRegisters);
+    ASSERT_EQ(dump.size(), 34U);
+    EXPECT_EQ(dump[31], "ra : 000000000000001f");
+    EXPECT_EQ(dump[33], "lo : 0000000000000123");
+}
+
+TEST_F(MachineTest, OpcodeDisplay) {
+    const std::pair<u32, const char*> displays[] = {
+        {function(9), "==> 10957c9\nr5900:dbg_opcode_special: JALR  \n"},
+        {regimm(2, 0, 0), "==> 4020000\nr5900:dbg_opcode_regimm: BLTZL \n"},
+        {immediate(16, 16, 0, 57), "==>42000039\nr5900:dbg_opcode_cop0: C0 \nr5900:dbg_opcode_cop0c0: DI \n"},
+        {coprocessor1(8, 3, 0), "==>45030000\nr5900:debug_cop1_BC1_opc: BC1TL \n"},
+        {fpu(4), "==>46031044\nr5900:debug_cop1_S_opc: SQRT_S \n"},
+        {coprocessor1(20, 0, 32), "==>46800020\nr5900:debug_cop1_W_opc: CVT_S \n"},
+        {coprocessor1(17, 0, 0), "==>46200000\nr5900:dbg_opcode_cop1: COP1_D \n"},
+        {immediate(28, 0, 0, 24),
+         "==>70000018\nr5900:dbg_opcode_special2: MULT1 \nr5900:dbg_opcode: SPECIAL2 \n"},
+        {immediate(59, 0, 0, 0), "==>ec000000\nr5900:dbg_opcode: NI \n"}};
+    for (const auto& [word, text] : displays) {
+        MipsCpu.opcode = word;
+        EXPECT_EQ(outputOf(PrintDebugOpcode), text);
+    }
+}
+
+}  // namespace
+}  // namespace tarn
