@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 #include <optional>
+#include <span>
 #include <sys/stat.h>
 
 namespace tarn {
@@ -32,8 +33,12 @@ class LoaderTest : public test::MachineTest {
         const ElfFileHeader header = unusual.value_or(regular);
         std::string image(contentsAt, '\0');
         std::memcpy(image.data(), &header, sizeof header);
-        std::memcpy(image.data() + 0x100, segments.data(), segments.size() * sizeof(ElfProgramHeader));
-        std::memcpy(image.data() + 0x800, sections.data(), sections.size() * sizeof(ElfSectionHeader));
+        const auto put = [&](u32 at, const auto& table) {
+            const auto bytes = std::as_bytes(std::span(table));
+            std::copy(bytes.begin(), bytes.end(), reinterpret_cast<std::byte*>(image.data() + at));
+        };
+        put(0x100, segments);
+        put(0x800, sections);
         file.emplace(image + contents);
         ElfOpenFile(file->path());
         test::makePanes();

@@ -83,7 +83,7 @@ TEST_F(MemoryDispatch, StoresReachTheirAreaOrAreRefusedInWords) {
     for (const auto& [address, area, load, offset, named] : places) {
         for (Width width : widths) {
             SCOPED_TRACE(test::hex(address) + " width " + std::to_string(int(width)));
-            restart();
+            test::resetRecords();
             const bool served = serves(area, offset, width);
             // Neither the split into base and displacement matters nor what is above bit 31.
             const std::string printed = test::outputOf([&, at = address] {
@@ -106,13 +106,13 @@ TEST_F(MemoryDispatch, StoresReachTheirAreaOrAreRefusedInWords) {
                             served ? bytesOf(width) : 0);
                 const u32 seen = std::min(17U, sizeOf(area) - offset);
                 EXPECT_EQ(std::memcmp(bufferOf(area) + offset, expected, seen), 0);
+                std::memset(bufferOf(area) + offset, 0, seen);
             }
         }
     }
 }
 
 TEST_F(MemoryDispatch, LoadsComeFromTheirAreaOrAreRefusedInWords) {
-    restart();
     for (u32 at = 0; at < biosMemorySize; ++at) {
         BiosMemory[at] = static_cast<u8>(at * 7);
     }

@@ -14,6 +14,7 @@
 #include "shell/driver.h"
 #include "shell/settings.h"
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -21,10 +22,11 @@ namespace tarn::test {
 
 /// The four panes of the window, empty, without a window.
 inline void makePanes() {
-    for (koGUIwidget& pane : TarnGUI.widgets) {
+    for (koGUIwidget& pane : std::span(TarnGUI.widgets).first(TarnGUI.nbWidgets)) {
         freeTextLines(&pane);
+        pane = {};
     }
-    TarnGUI = {};
+    TarnGUI.nbWidgets = 0;
     for (const char* title : {"VideoOutput", "EmuOutput", "Opcodes", "CpuRegisters"}) {
         koGUIwidget pane;
         koGUIwidget_init(&pane, TarnGUI.nbWidgets == paneVideoOutput ? imagePane : textPane, 0, 0, 500, 170,
@@ -33,8 +35,8 @@ inline void makePanes() {
     }
 }
 
-/// Puts everything back as at process start: zero records, no memory areas, no files; the panes exist.
-inline void resetMachine() {
+/// Puts the records back as at process start, and the panes to no lines. Buffers and the renderer stay.
+inline void resetRecords() {
     MipsCpu = {};
     Ps2Bios = {};
     Settings = {};
@@ -42,9 +44,14 @@ inline void resetMachine() {
     Driver = {};
     nb_dma_transfert = 0;
     verticalBlanks = 0;
+    makePanes();
+}
+
+/// Puts everything back as at process start: no memory either; but the panes exist.
+inline void resetMachine() {
     GSreset();
     FreeAllMemory();
-    makePanes();
+    resetRecords();
 }
 
 /// The four areas and local memory, zeroed; leaves no lines in the panes.

@@ -1,0 +1,116 @@
+// ELF and BIOS bytes through the loader. The first byte of an input chooses: the rest is an ELF file as it
+// is, a description of ELF tables, or a BIOS image.
+#include "support.h"
+
+#include <vector>
+
+namespace tarn {
+namespace {
+
+// Places and sizes at which something changes, in the file and in main memory.
+constexpr u32 fileOffsets[] = {0,     1,     52,         0x100,      0x500,     0x9FF,
+                               0xA00, 0xA01, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF};
+constexpr u32 addresses[] = {0,          1,          0x00100000, 0x01FFFFEE, 0x01FFFFFD,
+                             0x01FFFFFE, 0x01FFFFFF, 0x2000000,  0x2000001,  0x7FFFFFFF,
+                             0x80000000, 0x81F00000, 0xFFFFFFF0, 0xFFFFFFFF};
+constexpr u32 sizes[] = {0,         1,         16,        0x100,      0x1000,     0x1FFFFFD,  0x1FFFFFE,
+                         0x1FFFFFF, 0x2000000, 0x2000001, 0x7FFFFFFF, 0x80000000, 0xFFFFFFF0, 0xFFFFFFFF};
+constexpr u32 counts[] = {0, 1, 2, 29, 30, 31, 32, 285, 0xFFFF};
+
+/// An ELF file with a header, both tables and a few bytes of contents, its fields chosen by the input.
+std::vector<u8> buildElf(fuzz::Input& input) {
+    ElfFileHeader header;
+    header.e_entry = input.take<u32>();
+    header.e_phoff = input.take<u8>() < 0xF0 ? 0x100 : input.pick(fileOffsets);
+    header.e_shoff = input.take<u8>() < 0xF0 ? 0x500 : input.pick(fileOffsets);
+    header.e_phnum = static_cast<u16>(input.pick(counts));
+    header.e_shnum = static_cast<u16>(input.pick(counts));
+    std::vector<u8> file(0xA00);
+    std::memcpy(file.data(), &header, sizeof header);
+    for (u32 entry = 0; entry < elfTableEntries && !input.empty(); ++entry) {
+        const ElfProgramHeader segment{.p_offset = input.pick(fileOffsets),
+                                       .p_paddr = input.pick(addresses),
+                                       .p_filesz = input.pick(sizes)};
+        const ElfSectionHeader section{.sh_addr = input.pick(addresses),
+                                       .sh_offset = input.pick(fileOffsets),
+                                       .sh_size = input.pick(sizes)};
+        std::memcpy(file.data() + 0x100 + entry * sizeof segment, &segment, sizeof segment);
+        std::memcpy(file.data() + 0x500 + entry * sizeof section, &section, sizeof section);
+    }
+    file.resize(file.size() - input.take<u16>() % file.size());
+    return file;
+}
+
+/// Errors that a table of parts must report, from the rules alone: one for a part that memory cannot hold,
+/// otherwise one for each byte that the file of `length` bytes does not have.
+u64 expectedErrors(u64 length, u32 offset, u32 address, u32 size, u64 limit) {
+    if (u64{address} + size > limit) {
+        return 1;
+    }
+    const u64 present = offset < length ? std::min<u64>(length - offset, size) : 0;
+    return size - present;
+}
+
+void checkCount(u64 errors) {
+    const std::string last = test::paneLines(paneEmuOutput).back();
+    const std::string expected = errors == 0 ? "Done" : "Done with " + std::to_string(errors) + " errors";
+    fuzz::require(last.ends_with(": " + expected), "the number of errors");
+}
+
+void loadElf(const fuzz::MemoryFile& file, std::span<const u8> image) {
+    file.assign(image);
+    fuzz::require(ElfOpenFile(file.path()) == 1, "a regular file opens");
+    ElfLoadHeader();
+    u64 errors = 0;
+    for (u32 i = 0; i < std::min<u32>(Loader.ico_elf_hdr.e_phnum, elfTableEntries); ++i) {
+        const ElfProgramHeader& part = Loader.ico_elf_prg_hdr[i];
+        errors += expectedErrors(image.size(), part.p_offset, part.p_paddr, part.p_filesz, 0x2000000);
+    }
+    CopyProgramToMemory();
+    checkCount(errors);
+    errors = 0;
+    for (u32 i = 0; i < std::min<u32>(Loader.ico_elf_hdr.e_shnum, elfTableEntries); ++i) {
+        const ElfSectionHeader& part = Loader.ico_elf_sec_hdr[i];
+        errors += expectedErrors(image.size(), part.sh_offset, part.sh_addr, part.sh_size, 0x1FFFFFE);
+    }
+    CopySectionToMemory();
+    checkCount(errors);
+    ElfCloseFile();
+}
+
+void loadBios(const fuzz::MemoryFile& file, std::span<const u8> image) {
+    file.assign(image);
+    BiosOpenFile(file.path());
+    CopyBiosToMemory();
+    const std::size_t copied = std::min<std::size_t>(image.size(), biosMemorySize);
+    fuzz::require(std::equal(image.begin(), image.begin() + static_cast<std::ptrdiff_t>(copied), BiosMemory),
+                  "the BIOS image is copied");
+    BiosCloseFile();
+}
+
+}  // namespace
+}  // namespace tarn
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    tarn::fuzz::start();
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
+    using namespace tarn;
+    static const fuzz::MemoryFile file;
+    test::resetRecords();
+    fuzz::Input input({data, size});
+    switch (input.take<u8>() % 4) {
+    case 0:
+        loadElf(file, input.remaining());
+        break;
+    case 1:
+        loadBios(file, input.remaining());
+        break;
+    default:
+        loadElf(file, buildElf(input));
+        break;
+    }
+    return 0;
+}

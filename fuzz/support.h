@@ -1,0 +1,89 @@
+// Owns what the fuzz targets share: a machine that lives through all inputs, silence on standard output,
+// inputs as files, and the taking apart of inputs.
+#pragma once
+
+#include "support/machine.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+#include <span>
+#include <string>
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace tarn::fuzz {
+
+/// Sets the machine up once. Its buffers stay for the life of the process, since clearing 40 MB an input
+/// would cost more than anything that is tested.
+inline void start() {
+    if (std::freopen("/dev/null", "w", stdout) == nullptr) {
+        std::abort();
+    }
+    test::resetMachine();
+    test::allocateMachine();
+}
+
+/// A file in memory whose contents change from input to input; its path can be opened like any other.
+class MemoryFile {
+  public:
+    MemoryFile()
+        : descriptor(memfd_create("fuzz", MFD_CLOEXEC)), name("/proc/self/fd/" + std::to_string(descriptor)) {
+    }
+    ~MemoryFile() { close(descriptor); }
+    MemoryFile(const MemoryFile&) = delete;
+    MemoryFile& operator=(const MemoryFile&) = delete;
+
+    void assign(std::span<const u8> contents) const {
+        const auto size = static_cast<off_t>(contents.size());
+        if (ftruncate(descriptor, size) != 0 ||
+            pwrite(descriptor, contents.data(), contents.size(), 0) != size) {
+            std::abort();
+        }
+    }
+    const char* path() const { return name.c_str(); }
+
+  private:
+    int descriptor;
+    std::string name;
+};
+
+/// Takes values off the front of an input; zeros once it is used up.
+class Input {
+  public:
+    explicit Input(std::span<const u8> data) : rest(data) {}
+
+    bool empty() const { return rest.empty(); }
+    std::span<const u8> remaining() const { return rest; }
+
+    template <class T>
+    T take() {
+        T value{};
+        const std::size_t size = std::min(sizeof value, rest.size());
+        std::memcpy(&value, rest.data(), size);
+        rest = rest.subspan(size);
+        return value;
+    }
+
+    /// A value that one byte of input selects from a table, or four bytes spell out.
+    template <std::size_t count>
+    u32 pick(const u32 (&table)[count]) {
+        const u8 choice = take<u8>();
+        return choice < count ? table[choice] : take<u32>();
+    }
+
+  private:
+    std::span<const u8> rest;
+};
+
+/// Stops the fuzzer with this input.
+inline void require(bool condition, const char* what) {
+    if (!condition) {
+        std::fprintf(stderr, "violated: %s\n", what);
+        std::abort();
+    }
+}
+
+}  // namespace tarn::fuzz
