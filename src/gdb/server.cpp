@@ -69,8 +69,11 @@ bool Server::listen(u16 port) {
 
 Server::Finish Server::run(const Host& host) {
     const Finish finish = runUntilFinished(host);
-    if (finish == Finish::Ended && debugger.mode() == Debugger::Mode::Running) {
-        reply("W00");  // the debugger waits for a stop: to it the guest has exited
+    if (finish == Finish::Ended) {
+        exchange(0);  // it may just have continued the machine
+        if (debugger.mode() == Debugger::Mode::Running) {
+            reply("W00");  // the debugger waits for a stop: to it the guest has exited
+        }
     }
     closeConnection();
     return finish;

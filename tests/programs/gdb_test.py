@@ -1,0 +1,188 @@
+"""Debugging over a real connection: gdb-multiarch against guest programs, and what a bad client does."""
+
+import re
+import shutil
+import signal
+import socket
+import subprocess
+import threading
+import unittest
+
+from tarn_programs import BUILD, ProgramTest, guest
+
+
+def packet(payload):
+    return b"$" + payload + b"#%02x" % (sum(payload) & 0xFF)
+
+
+class Client:
+    """A debugger of few words: sends bytes, reads replies."""
+
+    def __init__(self, port):
+        self.socket = socket.create_connection(("127.0.0.1", port), timeout=30)
+        self.received = b""
+
+    def close(self):
+        self.socket.close()
+
+    def send(self, data):
+        self.socket.sendall(data)
+
+    def reply(self):
+        while not (match := re.search(rb"\$([^#]*)#..", self.received)):
+            data = self.socket.recv(4096)
+            if not data:
+                raise ConnectionError(self.received)
+            self.received += data
+        self.received = self.received[match.end():]
+        return match.group(1)
+
+    def ask(self, payload):
+        self.send(packet(payload))
+        return self.reply()
+
+
+class DebuggedTest(ProgramTest):
+    def start(self, program, *options):
+        """Starts tarn-headless waiting for a debugger; its port is in self.port."""
+        self.configure(program)
+        self.machine = subprocess.Popen([BUILD / "tarn-headless", "--gdb", "0", *options], cwd=self.directory,
+                                        stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
+        self.addCleanup(self.machine.stderr.close)
+        self.addCleanup(self.machine.wait)
+        self.addCleanup(self.machine.kill)
+        line = ""
+        while not (match := re.search(r"debugger on 127\.0\.0\.1:(\d+)", line)):
+            line = self.machine.stderr.readline()
+            self.assertTrue(line, "no port")
+        self.port = int(match.group(1))
+
+    def end(self, status):
+        """Waits for the end of tarn-headless and returns what else it said."""
+        _, messages = self.machine.communicate(timeout=60)
+        self.assertEqual(self.machine.returncode, status, messages)
+        return messages
+
+
+@unittest.skipUnless(shutil.which("gdb-multiarch"), "gdb-multiarch is not installed")
+class GdbTest(DebuggedTest):
+    def gdb(self, program, *commands):
+        """The output of gdb-multiarch for the commands, given once it is connected."""
+        arguments = ["gdb-multiarch", "-nx", "-batch"]
+        setup = ["set pagination off", "set confirm off", f"file {guest(program)}", f"target remote :{self.port}"]
+        for command in [*setup, *commands]:
+            arguments += ["-ex", command]
+        return subprocess.run(arguments, cwd=self.directory, capture_output=True, text=True, timeout=120,
+                              check=False).stdout
+
+    def expect(self, output, *patterns):
+        """Each pattern must be found behind the one before."""
+        position = 0
+        for pattern in patterns:
+            match = re.compile(pattern, re.MULTILINE).search(output, position)
+            self.assertTrue(match, f"no '{pattern}' from character {position} on in:\n{output}")
+            position = match.end()
+
+    def test_breakpoints_steps_and_registers(self):
+        self.start("kernel")
+        output = self.gdb(
+            "kernel", "p/x $pc == (unsigned)&_start", "p/x $status", "break main", "continue", "backtrace 1",
+            "x/i $pc", "stepi", "p/x $pc - (unsigned)&main", "set $v0 = -2", "p $v0", "p/x $v0", "set $f3 = 1.5",
+            "p $f3", "break onSif0", "continue", "finish", "p failures", "detach")
+        self.expect(output, r"^\$1 = 0x1$", r"^\$2 = 0x10900001$", r"Breakpoint 1, main", "#0  main", "=> 0x",
+                    r"\$3 = 0x4", r"\$4 = -2", r"\$5 = 0xfffffffffffffffe", r"\$6 = 1\.5",
+                    "Breakpoint 2, onSif0", "^sif ", r"\$\d+ = 0", "detached")
+        self.assertIn("(SYSCALL)", self.end(3))
+
+    def test_a_cpu_that_pauses_is_a_signal(self):
+        self.start("kernel")
+        output = self.gdb("kernel", "continue", "p $v1", "p $a0", "x/i $pc", "continue", "kill")
+        self.expect(output, "SIGSYS", r"\$1 = 4", r"\$2 = 0", r"=> .*syscall", "SIGSYS", "killed")
+        self.assertIn("killed by the debugger", self.end(0))
+
+    def test_watchpoints(self):
+        self.start("kernel")
+        output = self.gdb("kernel", "watch handlerEntered", "rwatch transfers", "continue", "info symbol $pc",
+                          "x/i $pc - 4", "delete", "awatch handlerEntered", "continue", "delete", "kill")
+        self.expect(output, "Hardware watchpoint 1", "Hardware read watchpoint 2", r"^Old value = 0$",
+                    r"^New value = 1$", "^onSif0", r"sw\t", "Hardware access .* 3", "^Value = 1$|^New value")
+        self.end(0)
+
+    def test_memory_and_load(self):
+        self.start("kernel")
+        output = self.gdb("kernel", "set var failures = 0x1234", "p/x *(int*)((unsigned)&failures | 0x20000000)",
+                          "p/x *(int*)((unsigned)&failures | 0x80000000)", "x/wx 0x1fc00000", "x/wx 0x12001000",
+                          "set var *(int*)0x1000a010 = 0x77", "x/wx 0x1000a010", "set var *(int*)0x1fc00000 = 1",
+                          "set $pc = 0", "load", "p/x $pc == (unsigned)&_start", "break main", "continue", "kill")
+        self.expect(output, r"\$1 = 0x1234", r"\$2 = 0x1234", "0x1fc00000:\t0x00000000", "0x1000a010:\t0x00000077",
+                    "Loading section .text", r"\$3 = 0x1", "Breakpoint 1, main")
+        self.end(0)
+
+    def test_the_run_ends_at_its_limit(self):
+        self.start("picture", "--frames", "2", "--picture", "end.bmp")
+        self.expect(self.gdb("picture", "continue"), "exited normally")
+        self.assertIn("frame limit reached", self.end(0))
+        self.assertTrue(self.output_file("end.bmp").startswith(b"BM"))
+
+    def test_interrupting(self):
+        self.start("picture")
+        setup = ["-ex", f"file {guest('picture')}", "-ex", f"target remote :{self.port}"]
+        with subprocess.Popen(["gdb-multiarch", "-nx", "-q", *setup], stdin=subprocess.PIPE, text=True,
+                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT) as gdb:
+            watchdog = threading.Timer(60, gdb.kill)
+            watchdog.start()
+
+            def talk(command, answer):
+                gdb.stdin.write(command + "\n")
+                gdb.stdin.flush()
+                output = ""
+                while not re.search(answer, output):
+                    character = gdb.stdout.read(1)
+                    self.assertTrue(character, output)
+                    output += character
+
+            talk("continue &\ninterrupt", "SIGINT")
+            talk("p $pc >= 0x100000", r"\$1 = 1")
+            talk("continue &\necho running\\n", "running")
+            self.machine.send_signal(signal.SIGTERM)
+            talk("", "exited normally|closed|disconnected")  # the latter if it came before the packet
+            gdb.communicate("quit\n")
+            watchdog.cancel()
+        self.assertIn("stopped by a signal", self.end(0))
+
+
+class BadClientTest(DebuggedTest):
+    def test_bad_packets_and_dropped_connections(self):
+        self.start("kernel")
+        client = Client(self.port)
+        registers = client.ask(b"g")
+        client.send(b"$g#00")  # wrong checksum
+        client.send(bytes(range(4, 36)) * 1000 + b"}}$$$##$m#$#-")
+        client.send(b"$" + b"A" * 1000000 + b"#00")
+        client.send(b"$m1000")
+        client.close()
+
+        client = Client(self.port)
+        self.assertEqual(client.ask(b"g"), registers, "the machine stands where it stood")
+        client.send(packet(b"M100000," + b"f" * 15 + b":" + b"00" * 100000))
+        self.assertEqual(client.reply(), b"E07")
+        for _ in range(100):  # asks for a lot and takes nothing
+            client.send(packet(b"m100000,2000"))
+        client.close()
+
+        client = Client(self.port)
+        self.assertEqual(client.ask(b"g"), registers)
+        self.assertEqual(client.ask(b"QStartNoAckMode"), b"OK")
+        client.send(packet(b"c"))
+        client.close()  # the machine runs on, to its own end
+        self.assertIn("(SYSCALL)", self.end(3))
+
+    def test_a_port_that_is_taken(self):
+        self.start("kernel")
+        _, messages = self.run_headless("--gdb", str(self.port), status=1)
+        self.assertIn("cannot bind", messages)
+        for port in ("65536", "-1", "12x", ""):
+            _, messages = self.run_headless("--gdb", port, status=2)
+            self.assertIn("--gdb takes a whole number from 0 to 65535", messages)
+        self.machine.send_signal(signal.SIGTERM)
+        self.assertIn("stopped by a signal", self.end(0))
