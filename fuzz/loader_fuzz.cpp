@@ -88,6 +88,19 @@ void loadBios(const fuzz::MemoryFile& file, std::span<const u8> image) {
     BiosCloseFile();
 }
 
+/// What is no file to load from must be refused at once; the copies then find nothing.
+void loadNothing(u8 choice) {
+    constexpr const char* paths[] = {"", "/", "/no/such/file", "/dev/ptmx"};
+    const char* path = paths[choice % std::size(paths)];
+    fuzz::require(ElfOpenFile(path) == 0 && BiosOpenFile(path) == 0, "what is no file is refused");
+    fuzz::require(ElfLoadHeader() == 1, "a header that is not there is one error");
+    CopyProgramToMemory();
+    CopySectionToMemory();
+    CopyBiosToMemory();
+    ElfCloseFile();
+    BiosCloseFile();
+}
+
 }  // namespace
 }  // namespace tarn
 
@@ -101,12 +114,15 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     static const fuzz::MemoryFile file;
     test::resetRecords();
     fuzz::Input input({data, size});
-    switch (input.take<u8>() % 4) {
+    switch (input.take<u8>() % 8) {
     case 0:
         loadElf(file, input.remaining());
         break;
     case 1:
         loadBios(file, input.remaining());
+        break;
+    case 2:
+        loadNothing(input.take<u8>());
         break;
     default:
         loadElf(file, buildElf(input));
