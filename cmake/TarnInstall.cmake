@@ -1,0 +1,49 @@
+# What `cmake --install` and CPack put where. The programs find their files through the working directory, which
+# tarn-setup prepares; so nothing here depends on the prefix.
+include(GNUInstallDirs)
+set(TARN_SHARE ${CMAKE_INSTALL_DATADIR}/tarn)
+
+# Installing takes what is built, and does not build the tests first.
+set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
+
+install(TARGETS tarn tarn-headless)
+install(PROGRAMS scripts/tarn-setup TYPE BIN)
+install(FILES data/font_1.bmp data/font_2.bmp data/tarn.ini DESTINATION ${TARN_SHARE}/data)
+install(FILES cmake/tarn.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
+install(FILES docs/man/tarn.1 docs/man/tarn-headless.1 docs/man/tarn-setup.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright)
+
+if(TARN_GUEST)
+    # The demo programs, their sources as examples, and what it takes to build more of them.
+    install(DIRECTORY ${CMAKE_BINARY_DIR}/guest/ DESTINATION ${TARN_SHARE}/guest
+        FILES_MATCHING PATTERN "*.elf" PATTERN CMakeFiles EXCLUDE)
+    install(DIRECTORY guest/lib DESTINATION ${TARN_SHARE}/guest)
+    install(DIRECTORY guest/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
+        FILES_MATCHING PATTERN "*.[chS]" PATTERN lib EXCLUDE PATTERN check EXCLUDE)
+    install(TARGETS guest-check DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/tarn)
+
+    include(TarnGuest)
+    set(TARN_GUEST_BUILD_FLAGS ${TARN_GUEST_FLAGS})
+    list(FILTER TARN_GUEST_BUILD_FLAGS EXCLUDE REGEX "^(-Werror|-ffile-prefix-map=.*)$")
+    list(JOIN TARN_GUEST_BUILD_FLAGS " " TARN_GUEST_BUILD_FLAGS)
+    configure_file(scripts/tarn-guest-build.in ${CMAKE_BINARY_DIR}/tarn-guest-build @ONLY)
+    install(PROGRAMS ${CMAKE_BINARY_DIR}/tarn-guest-build TYPE BIN)
+    install(FILES docs/man/tarn-guest-build.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+endif()
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_VENDOR "the Tarn authors")
+set(CPACK_PACKAGE_CONTACT "the Tarn authors <tarn@localhost>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "emulator of the PlayStation 2's main-processor side")
+set(CPACK_PACKAGE_DESCRIPTION
+    "Tarn runs PlayStation 2 programs in ELF format: it interprets their R5900 code, answers their kernel calls,
+and draws what they send to the Graphics Synthesizer, in a window (tarn) or without one, for scripts and
+debuggers (tarn-headless). A library and demo programs for the emulated machine are included.")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION otherosfs)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "gcc-mipsel-linux-gnu, gdb-multiarch")
+include(CPack)

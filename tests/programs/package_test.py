@@ -1,0 +1,114 @@
+"""The Debian package: built, unpacked, and used from there as it would be from /usr."""
+
+import os
+import re
+import shutil
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+
+from tarn_programs import BUILD
+
+SOURCE = Path(__file__).resolve().parents[2]
+MAN_PAGES = sorted((SOURCE / "docs" / "man").glob("*.1"))
+
+
+class ManPagesTest(unittest.TestCase):
+    @unittest.skipUnless(shutil.which("groff"), "groff is not installed")
+    def test_they_are_well_formed(self):
+        for page in MAN_PAGES:
+            result = subprocess.run(["groff", "-man", "-Tutf8", "-ww", "-z", page], capture_output=True, text=True,
+                                    check=True)
+            self.assertEqual(result.stderr, "", page)
+
+    def test_they_have_every_option_and_key(self):
+        usage = subprocess.run([BUILD / "tarn-headless", "--help"], capture_output=True, text=True, check=True).stdout
+        headless = (SOURCE / "docs/man/tarn-headless.1").read_text().replace("\\-", "-")
+        for option in set(re.findall(r"--[a-z-]+", usage)):
+            self.assertIn(option, headless)
+        window = (SOURCE / "docs/man/tarn.1").read_text()
+        for key in re.findall(r"^(\w+) =", (SOURCE / "data/tarn.ini").read_text(), re.MULTILINE):
+            self.assertRegex(window, rf"(?m)^\.BR? .*\b{key}\b")
+
+
+@unittest.skipUnless(shutil.which("dpkg-shlibdeps"), "dpkg-dev is not installed")
+@unittest.skipIf("TARN_SANITIZE:BOOL=ON" in (BUILD / "CMakeCache.txt").read_text(), "not a build to package")
+class PackageTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        directory = tempfile.TemporaryDirectory(prefix="tarn-test-")
+        cls.addClassCleanup(directory.cleanup)
+        cls.directory = Path(directory.name)
+        subprocess.run(["cpack", "-G", "DEB", "--config", BUILD / "CPackConfig.cmake", "-B", cls.directory / "pack"],
+                       cwd=cls.directory, check=True, stdout=subprocess.DEVNULL)
+        cls.package, = (cls.directory / "pack").glob("*.deb")
+        subprocess.run(["dpkg-deb", "-x", cls.package, cls.directory / "root"], check=True)
+        cls.usr = cls.directory / "root" / "usr"
+
+    def run_program(self, name, *arguments, directory=None, status=0):
+        result = subprocess.run([self.usr / "bin" / name, *arguments], cwd=directory or self.directory,
+                                capture_output=True, encoding="latin-1", timeout=120, check=False)
+        self.assertEqual(result.returncode, status, result.stdout + result.stderr)
+        return result.stdout + result.stderr
+
+    def field(self, name):
+        return subprocess.run(["dpkg-deb", "-f", self.package, name], capture_output=True, text=True,
+                              check=True).stdout
+
+    def test_contents(self):
+        files = {str(path.relative_to(self.usr)) for path in self.usr.rglob("*") if path.is_file()}
+        expected = {"bin/tarn", "bin/tarn-headless", "bin/tarn-setup", "share/applications/tarn.desktop",
+                    "share/tarn/data/font_1.bmp", "share/tarn/data/font_2.bmp", "share/tarn/data/tarn.ini",
+                    "share/doc/tarn/copyright", "share/tarn/guest/picture.elf", "share/tarn/guest/lib/tarn.ld",
+                    "bin/tarn-guest-build", "share/doc/tarn/examples/picture/main.c",
+                    *(f"share/man/man1/{page.name}" for page in MAN_PAGES)}
+        self.assertLessEqual(expected, files)
+        self.assertEqual([path for path in files if path.endswith((".a", ".o", ".unchecked", ".py"))], [])
+        for library in "libsdl1.2debian", "libiniparser1", "libc6":
+            self.assertIn(library, self.field("Depends"))
+        entry = (self.usr / "share/applications/tarn.desktop").read_text()
+        self.assertIn(re.search("Exec=(\\S+)", entry).group(1), os.listdir(self.usr / "bin"))
+
+    def test_the_demo_runs_from_a_prepared_directory(self):
+        self.assertIn("stand-in", self.run_program("tarn-setup", "demo"))
+        demo = self.directory / "demo"
+        self.assertTrue((demo / "data" / "font_1.bmp").exists())
+        output = self.run_program("tarn-headless", "--frames", "2", "--picture", "end.bmp", directory=demo)
+        self.assertIn("frame limit reached", output)
+        self.assertTrue((demo / "end.bmp").exists())
+
+        # What is there stays, but for the program when one is named.
+        (demo / "bios" / "scph10000.bin").write_bytes(b"mine")
+        settings = (demo / "tarn.ini").read_text().replace("Width = 320", "Width = 640")
+        (demo / "tarn.ini").write_text(settings)
+        self.assertEqual(self.run_program("tarn-setup", ".", directory=demo), "")
+        self.assertEqual((demo / "tarn.ini").read_text(), settings)
+        self.assertEqual(self.run_program("tarn-setup", "demo", self.usr / "share/tarn/guest/kernel.elf"), "")
+        self.assertIn("Width = 640", (demo / "tarn.ini").read_text())
+        self.assertEqual((demo / "bios" / "scph10000.bin").read_bytes(), b"mine")
+        self.assertIn("(SYSCALL)", self.run_program("tarn-headless", directory=demo, status=3))
+
+    def test_setup_refuses_what_the_configuration_cannot_hold(self):
+        for name in 'quote".elf', "semi;colon.elf", "long" * 60 + ".elf":
+            (self.directory / name).touch()
+            self.assertIn("cannot hold", self.run_program("tarn-setup", "refused", name, status=1))
+        self.assertIn("no such file", self.run_program("tarn-setup", "refused", "missing.elf", status=1))
+        self.assertIn("usage:", self.run_program("tarn-setup", "--walk", status=2))
+        self.assertFalse((self.directory / "refused").exists())
+
+        odd = self.directory / "a & b#1|2.elf"
+        odd.write_bytes((self.usr / "share/tarn/guest/picture.elf").read_bytes())
+        self.run_program("tarn-setup", "odd", odd)
+        self.run_program("tarn-headless", "--frames", "1", directory=self.directory / "odd")
+
+    def test_a_program_is_built_with_the_installed_library(self):
+        source = self.directory / "hello.c"
+        source.write_text('#include "tarn_guest.h"\nint main(void) { return 42; }\n')
+        self.run_program("tarn-guest-build", "hello.elf", "hello.c")
+        self.run_program("tarn-setup", "hello", "hello.elf")
+        output = self.run_program("tarn-headless", "--registers", directory=self.directory / "hello", status=3)
+        self.assertRegex(output, r"a0\s*:?=?\s*0*2a\b")
+        source.write_text("int main(void) { __asm__ volatile(\"nor $2, $3, $4\"); return 0; }\n")
+        self.run_program("tarn-guest-build", "bad.elf", "hello.c", status=1)
+        self.assertFalse((self.directory / "bad.elf").exists())
