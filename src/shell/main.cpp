@@ -20,9 +20,7 @@ constexpr int windowHeight = 600;
 }
 
 void openWindow() {
-    const u32 depth = Settings.koGUI_MainScreenBPP;
-    if (!checkDepth(depth) ||
-        SDL_SetVideoMode(windowWidth, windowHeight, static_cast<int>(depth), SDL_HWSURFACE) == nullptr) {
+    if (SDL_SetVideoMode(windowWidth, windowHeight, Settings.koGUI_MainScreenBPP, SDL_HWSURFACE) == nullptr) {
         failFor("Couldn't set video mode: %s\n");
     }
 }

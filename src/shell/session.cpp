@@ -15,16 +15,16 @@ volatile std::sig_atomic_t stopSignals = 0;
 
 void noteStopSignal(int) { stopSignals = 1; }
 
-}  // namespace
-
+/// SDL makes a surface of more bits, but with pixels larger than it can draw.
 bool checkDepth(u32 bitsPerPixel) {
     if (bitsPerPixel > 32) {
-        // SDL would make pixels larger than it can draw.
         SDL_SetError("No pixels of %u bits", bitsPerPixel);
         return false;
     }
     return true;
 }
+
+}  // namespace
 
 void createMainScreen() {
     const u32 depth = Settings.koGUI_MainScreenBPP;

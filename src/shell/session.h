@@ -16,9 +16,6 @@ inline SDL_Surface* MainScreen = nullptr;
 void createMainScreen();
 void freeMainScreen();
 
-/// Whether SDL can make a window or a surface of that depth; if not, sets SDL's error text.
-bool checkDepth(u32 bitsPerPixel);
-
 using AddTextOperation = koGUItextLine* (*)(koGUIwidget*, const char*);
 
 /// Adds the four panes to TarnGUI: the picture, and three of text that append with `addText`.

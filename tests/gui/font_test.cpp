@@ -1,0 +1,141 @@
+// Tests bitmap fonts: glyph markers, text and its placement, recolouring, pixel access, unusable images.
+#include "gui/bmp_file.h"
+#include "support/machine_test.h"
+#include "support/temporary_file.h"
+#include "surfaces.h"
+
+#include <cstring>
+#include <fstream>
+#include <iterator>
+
+namespace tarn::test {
+namespace {
+
+TEST(Font, MarkersGiveTheGlyphs) {
+    // At the right edge a run that goes on counts, one that starts in the last column does not.
+    const std::pair<int, Runs> cases[] = {
+        {100, {{2, 5}, {9, 2}}}, {12, {{1, 2}, {8, 4}}}, {12, {{1, 2}, {11, 1}}}, {12, {}}, {1, {}}};
+    for (const auto& [width, runs] : cases) {
+        const FontPtr font = makeFont(width, 8, runs);
+        for (std::size_t i = 0; i < 3; ++i) {
+            const bool exists = i < runs.size() && runs[i].first < width - 1;
+            const SDL_Rect& glyph = font->glyphs[33 + i];
+            EXPECT_EQ(glyph.x, exists ? runs[i].first : 0) << i;
+            EXPECT_EQ(glyph.y, exists ? 1 : 0) << i;
+            EXPECT_EQ(glyph.w, exists ? runs[i].second : 0) << i;
+            EXPECT_EQ(glyph.h, exists ? 8 : 0) << i;
+        }
+        EXPECT_EQ(CharWidth(font.get(), ' '), CharWidth(font.get(), '!'));
+        EXPECT_EQ(FontHeight(font.get()), 8);
+        EXPECT_EQ(GetCurrentFont(), font.get());
+    }
+    const FontPtr full = makeFont(1200, 4, steppedGlyphs(230));
+    EXPECT_EQ(TextWidthFont(full.get(), "! \x80\xFF"), 1 + 1 + 3 + 1) << "codes are unsigned, and end at 255";
+}
+
+TEST(Font, TextAdvancesByWhatIsDrawn) {
+    // "!" and the blank are 5 wide, the quotation mark 2, # 4; there are no further glyphs.
+    const FontPtr font = makeFont(40, 5, {{2, 5}, {9, 2}, {13, 4}});
+    struct Case {
+        s32 x;
+        std::string text;
+        Runs ink;
+        s32 advance;
+    };
+    const Case cases[] = {
+        {0, "\" #", {{0, 2}, {7, 4}}, 4}, {3, "", {}, 0},
+        {1, "!\n~\"", {{1, 7}}, 2},       {2, "! ", {{2, 5}}, 5},
+        {14, "!#\"", {{14, 6}}, 0},       {-3, "!\"", {{0, 2}}, 1},
+    };
+    for (const Case& c : cases) {
+        const SurfacePtr surface = makeSurface(20, 6);
+        EXPECT_EQ(PutStringFont(surface.get(), font.get(), c.x, 0, c.text), c.advance) << c.text;
+        EXPECT_EQ(inkRuns(surface.get()), c.ink) << c.text;
+        EXPECT_EQ(inkRuns(surface.get(), 4), Runs()) << "glyphs are one row less than the image";
+    }
+}
+
+TEST(Font, TextIsPlaced) {
+    const FontPtr font = makeFont(140, 5, {{2, 10}, {20, 100}});
+    const auto placed = [](int width, auto put, const char* text) {
+        const SurfacePtr surface = makeSurface(width, 5);
+        put(surface.get(), 0, text);
+        return inkRuns(surface.get());
+    };
+    EXPECT_EQ(placed(320, CenteredPutString, "\""), (Runs{{110, 100}}));
+    EXPECT_EQ(placed(320, RightPutString, "\""), (Runs{{219, 100}}));
+    EXPECT_EQ(placed(320, LeftPutString, "\""), (Runs{{0, 100}}));
+    EXPECT_EQ(placed(100, JustifiedPutString, "!!"), (Runs{{0, 20}})) << "no blank";
+    EXPECT_EQ(placed(31, JustifiedPutString, "! !"), (Runs{{0, 10}, {20, 10}})) << "no room to spread";
+    EXPECT_EQ(placed(41, JustifiedPutString, "! !"), (Runs{{0, 10}, {31, 10}})) << "10, and one more";
+    EXPECT_EQ(placed(84, JustifiedPutString, "! ! ! !"), (Runs{{0, 10}, {25, 10}, {50, 10}, {74, 10}}))
+        << "13 for three gaps, two of them a pixel wider";
+}
+
+TEST(Font, PrintedTextIsCut) {
+    const FontPtr font = makeFont(8, 4, {{2, 1}});
+    const SurfacePtr surface = makeSurface(2000, 3);
+    PrintStringFont(surface.get(), font.get(), 0, 0, "%s", std::string(2000, '!').c_str());
+    EXPECT_EQ(inkRuns(surface.get()), (Runs{{0, 1023}}));
+}
+
+TEST(Font, RecolouringScalesAllButTheKey) {
+    const FontPtr font = makeFont(10, 4, {{2, 3}});
+    FontPtr coloured(nullptr, FreeFont);
+    EXPECT_EQ(outputOf([&] { coloured.reset(SetFontColor(font.get(), 255, 128, 0)); }),
+              "looking...\nunlooking...\n");
+    EXPECT_EQ(pixelOf(coloured->surface, 3, 1), u32{0xD0} | 0xC8 * 128 / 255 << 8);
+    EXPECT_EQ(pixelOf(coloured->surface, 7, 1), keyColour);
+    EXPECT_EQ(pixelOf(font->surface, 3, 1), inkColour);
+    EXPECT_EQ(GetCurrentFont(), font.get()) << "recolouring is not loading";
+}
+
+TEST(Font, PixelAccess) {
+    for (const int depth : {8, 16, 24, 32}) {
+        const SurfacePtr surface = makeSurface(5, 3, depth);
+        const u32 value = depth == 8 ? 0x7F : depth == 16 ? 0x1234 : 0x00AABBCC;
+        PutPixel(surface.get(), 4, 2, value);
+        EXPECT_EQ(GetPixel(surface.get(), 4, 2), value) << depth;
+        // Complained of and read anyway, as long as it is inside the buffer.
+        EXPECT_EQ(outputOf([&] { GetPixel(surface.get(), 5, 0); }), "x too big in GetPixel!\n");
+        EXPECT_EQ(outputOf([&] { EXPECT_EQ(GetPixel(surface.get(), -1, 0), ~u32{0}); }),
+                  "x too small in GetPixel!\n");
+        PutPixel(surface.get(), 5, 1000, value);
+        PutPixel(surface.get(), INT32_MIN, INT32_MIN, value);
+    }
+}
+
+TEST(Font, LoadsOnlySaneImages) {
+    const TemporaryFile file("");
+    SDL_SaveBMP(makeStrip(500, 11, steppedGlyphs(94)).get(), file.path());
+    std::ifstream stream(file.path(), std::ios::binary);
+    const std::vector<u8> sane{std::istreambuf_iterator<char>(stream), {}};
+    const FontPtr font(LoadFont(file.path()), FreeFont);
+    EXPECT_EQ(CharWidth(font.get(), '~'), 93 % 3 + 1);
+    for (const char* path : {static_cast<const char*>(nullptr), "/nonexistent.bmp", "/tmp"}) {
+        EXPECT_EQ(LoadFont(path), nullptr);
+    }
+    EXPECT_EQ(GetCurrentFont(), font.get()) << "a failure leaves it";
+    ASSERT_TRUE(isSaneBmp(sane));
+    for (std::size_t size = 0; size < sane.size(); size += 53) {
+        EXPECT_FALSE(isSaneBmp({sane.data(), size})) << size;
+    }
+    // Words of the header that no reader may trust, by offset: magic, pixels, header size, width, height,
+    // depth with compression, colours of a palette.
+    const std::pair<std::size_t, u32> patches[] = {
+        {0, 0},           {10, 0x7FFFFFFF}, {10, 20},         {14, 12},      {14, 0xFFFFFFFF},
+        {18, 0},          {18, 0xFFFFFFF0}, {18, 0x40000001}, {22, 0},       {22, 12},
+        {22, 0x80000000}, {28, 7},          {28, 0x10018},    {28, 0x20008},
+    };
+    for (const auto& [offset, value] : patches) {
+        std::vector<u8> bytes = sane;
+        std::memcpy(&bytes[offset], &value, sizeof value);
+        bytes[47] = offset == 28 ? 2 : 0;
+        EXPECT_FALSE(isSaneBmp(bytes)) << offset << ": " << value;
+    }
+    BitmapFont nothing;
+    EXPECT_EXIT(InitFont(&nothing), testing::ExitedWithCode(1), "^BFont: The font has not been loaded!\n$");
+}
+
+}  // namespace
+}  // namespace tarn::test

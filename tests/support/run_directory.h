@@ -1,0 +1,41 @@
+// Owns a directory of its own for a test, in which relative file names are looked up.
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace tarn::test {
+
+/// A fresh directory, the working directory as long as the object lives; removed with all in it at the end.
+class RunDirectory {
+  public:
+    RunDirectory() : former(std::filesystem::current_path()) {
+        std::string name = "/tmp/tarn-test-XXXXXX";
+        if (mkdtemp(name.data()) == nullptr) {
+            std::abort();
+        }
+        directory = name;
+        std::filesystem::current_path(directory);
+    }
+    ~RunDirectory() {
+        std::filesystem::current_path(former);
+        std::filesystem::remove_all(directory);
+    }
+    RunDirectory(const RunDirectory&) = delete;
+    RunDirectory& operator=(const RunDirectory&) = delete;
+
+    /// Writes a file, its directories too.
+    void write(const std::string& path, const std::string& contents) const {
+        if (const auto parent = std::filesystem::path(path).parent_path(); !parent.empty()) {
+            std::filesystem::create_directories(parent);
+        }
+        std::ofstream(path, std::ios::binary) << contents;
+    }
+
+  private:
+    std::filesystem::path former;
+    std::filesystem::path directory;
+};
+
+}  // namespace tarn::test
