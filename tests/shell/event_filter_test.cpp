@@ -1,0 +1,131 @@
+// Tests the event filter with events made up here.
+#include "shell/event_filter.h"
+#include "support/machine_test.h"
+
+namespace tarn::test {
+namespace {
+
+/// The first two panes overlap; their title bars both lie under (30, 15).
+class Filter : public testing::Test {
+  protected:
+    Filter() {
+        resetMachine();
+        EventFilter = {};
+        TarnGUI.IdleProc = koGUI_defaultIdleProc;
+        place(0, 0, 5);
+        place(1, 20, 5);
+        place(2, 300, 5);
+        place(3, 300, 200);
+    }
+    ~Filter() override { resetMachine(); }
+
+    static void place(u32 index, s32 x, s32 y) {
+        koGUIwidget& at = pane(index);
+        at.x = x;
+        at.y = y;
+        at.w = 100;
+        at.h = 170;
+        at.dirty = 0;
+    }
+    static koGUIwidget& pane(u32 index) { return TarnGUI.widgets[index]; }
+
+    static void press(u16 x, u16 y, u8 button = SDL_BUTTON_LEFT) {
+        SDL_Event event{};
+        event.button = {SDL_MOUSEBUTTONDOWN, 0, button, SDL_PRESSED, x, y};
+        EXPECT_EQ(FilterEvents(&event), 0);
+    }
+    static void move(s16 x, s16 y) {
+        SDL_Event event{};
+        event.motion = {SDL_MOUSEMOTION, 0, 0, 0, 0, x, y};
+        EXPECT_EQ(FilterEvents(&event), 0);
+    }
+    static int send(u8 type, SDLKey key = SDLK_UNKNOWN) {
+        SDL_Event event{};
+        event.type = type;
+        event.key.keysym.sym = key;
+        return FilterEvents(&event);
+    }
+    static std::string close() {
+        return outputOf([] { EXPECT_EQ(send(SDL_QUIT), 0); });
+    }
+    static bool shuttingDown() { return TarnGUI.IdleProc == koGUI_TarnEndingProc; }
+};
+
+TEST_F(Filter, ClosingIsRefusedOnce) {
+    EXPECT_EQ(close(), "Quit event filtered out -- try again.\n");
+    EXPECT_FALSE(shuttingDown());
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(close(), "Quit event filtered out -- try again.\n");
+        EXPECT_TRUE(shuttingDown());
+    }
+}
+
+TEST_F(Filter, Keys) {
+    const auto key = [](SDLKey symbol) { EXPECT_EQ(send(SDL_KEYDOWN, symbol), 0); };
+    key(SDLK_F1);
+    EXPECT_EQ(MipsCpu.pause, 1);
+    key(SDLK_F2);
+    EXPECT_EQ(MipsCpu.pause, 0);
+    key(SDLK_F3);
+    EXPECT_EQ(Settings.debug_op, 1);
+    Settings.debug_op = 2;
+    key(SDLK_F3);
+    EXPECT_EQ(Settings.debug_op, 0);
+    key(SDLK_a);
+    EXPECT_FALSE(shuttingDown());
+    key(SDLK_ESCAPE);
+    EXPECT_TRUE(shuttingDown());
+    for (const u8 type : {SDL_KEYUP, SDL_ACTIVEEVENT, SDL_VIDEOEXPOSE, SDL_USEREVENT}) {
+        EXPECT_EQ(send(type, SDLK_F1), 1) << "queued";
+    }
+    EXPECT_EQ(MipsCpu.pause, 0);
+}
+
+TEST_F(Filter, DraggingTakesTheTopmostPane) {
+    move(5, 5);
+    press(30, 15);
+    move(7, -3);
+    EXPECT_EQ(pane(0).x, 0);
+    EXPECT_EQ(pane(1).x, 27);
+    EXPECT_EQ(pane(1).y, 2);
+    EXPECT_EQ(pane(1).dirty, 1);
+    EXPECT_EQ(pane(0).dirty, 0);
+    move(-27, -500);
+    EXPECT_EQ(pane(1).x, 0);
+    EXPECT_EQ(pane(1).y, 0);
+    move(32767, 32767);
+    EXPECT_EQ(pane(1).x, 32767);
+    EXPECT_EQ(pane(1).y, 32767);
+    EXPECT_EQ(send(SDL_MOUSEBUTTONUP), 0);
+    move(-1, -1);
+    EXPECT_EQ(pane(1).x, 32767);
+    EXPECT_EQ(EventFilter.WidgetID_Click, -1);
+}
+
+TEST_F(Filter, AnotherButtonDuringADragLetsGo) {
+    press(310, 15);
+    press(700, 590, SDL_BUTTON_RIGHT);
+    move(9, 9);
+    EXPECT_EQ(pane(2).x, 300);
+    press(310, 15, SDL_BUTTON_WHEELUP);
+    move(9, 9);
+    EXPECT_EQ(pane(2).x, 309);
+}
+
+TEST_F(Filter, ShadingTogglesEveryPaneUnderThePointer) {
+    place(0, 20, 5);
+    for (const int round : {0, 1, 2}) {
+        press(115, 15);
+        for (const u32 i : {0U, 1U}) {
+            EXPECT_EQ(pane(i).h, round == 1 ? 170U : 22U);
+            EXPECT_EQ(pane(i).state, round == 1 ? paneOpen : paneShaded);
+            EXPECT_EQ(pane(i).savedH, 170U);
+            EXPECT_EQ(pane(i).dirty, 0) << "shows at the next redraw";
+        }
+        EXPECT_EQ(pane(2).h, 170U);
+        EXPECT_EQ(EventFilter.DragAndDrop, 0);
+    }
+}
+
+}  // namespace
+}  // namespace tarn::test
