@@ -16,11 +16,6 @@ class DmaTest : public test::MachineTest {
             DmaUpdate();
         });
     }
-    static u64 read(u32 offset) {
-        GuestValue value;
-        MipsMemoryRead(&value, Width::Doubleword, 0x10000000 + offset, 0);
-        return value.low;
-    }
 };
 
 TEST_F(DmaTest, RegistersAreCopiedAndLogged) {
@@ -53,7 +48,7 @@ TEST_F(DmaTest, RegistersAreCopiedAndLogged) {
     EXPECT_EQ(write(0xB000, 0x101), "DMA Adress Non-Impl.  1000b000 h (i:-1) \n");
     EXPECT_EQ(write(0xA001, 0), "DMA Adress Non-Impl.  1000a001 h (i:-1) \n");
     EXPECT_EQ(write(0xE010, 3), "");
-    EXPECT_EQ(read(0xB000), 0x101U);
+    EXPECT_EQ(doublewordAt(0x1000B000), 0x101U);
     Settings.debug_dma = 1;
     EXPECT_EQ(write(0xE010, 3), "00100010:DMA Acces ( write ):1000 e010 h: DMAC Status = 3 NI\n"
                                 "00100010:DMA Acces ( read  ):1000 b000 h: 101\n");
@@ -89,7 +84,7 @@ TEST_F(DmaTest, Channel2SendsInNormalModeAndAcknowledgesAlways) {
         EXPECT_EQ(write(0xA000, control), "00000000:DMA Acces ( write ):1000 a000 h: DmaChannel2_CHCRT = " +
                                               test::hex(control) + "\n" + line);
         EXPECT_EQ(Gs.fogcol, sent ? 0x123456U : 0U);
-        EXPECT_EQ(read(0xA000), readBack);
+        EXPECT_EQ(doublewordAt(0x1000A000), readBack);
         EXPECT_EQ(Ps2Bios.dmaChannel[2].chcr, readBack & 0xFFFFFFFF);
         EXPECT_EQ(nb_dma_transfert, 1U);
     }
@@ -97,7 +92,7 @@ TEST_F(DmaTest, Channel2SendsInNormalModeAndAcknowledgesAlways) {
 
 TEST_F(DmaTest, Channel5OnlyShowsItsRegistersAndAcknowledges) {
     EXPECT_EQ(write(0xC000, 0x184), "");
-    EXPECT_EQ(read(0xC000), 0x84U);
+    EXPECT_EQ(doublewordAt(0x1000C000), 0x84U);
     Ps2Bios.dmaChannel[5] = {0, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66};
     EXPECT_EQ(
         write(0xC000, 0x100000184),

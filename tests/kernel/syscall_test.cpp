@@ -21,11 +21,6 @@ class KernelTest : public test::MachineTest {
     static u64& a0() { return MipsCpu.GPR[REG_A0].low; }
     static u64& a1() { return MipsCpu.GPR[REG_A1].low; }
     static u64& sp() { return MipsCpu.GPR[REG_SP].low; }
-    static u64 doublewordAt(u64 address) {
-        GuestValue value;
-        MipsMemoryRead(&value, Width::Doubleword, address, 0);
-        return value.low;
-    }
 };
 
 /// Sixteen numbers a row: s stops, - is unassigned, C goes on.

@@ -54,6 +54,12 @@ class MachineTest : public testing::Test {
         allocateMachine();
     }
     static Lines emuOutput() { return paneLines(paneEmuOutput); }
+    /// What a guest's doubleword load sees.
+    static u64 doublewordAt(u64 address) {
+        GuestValue value;
+        MipsMemoryRead(&value, Width::Doubleword, address, 0);
+        return value.low;
+    }
 };
 
 }  // namespace tarn::test
