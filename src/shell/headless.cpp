@@ -31,15 +31,14 @@ ProgressLine progress;
 /// The panes keep no text: EmuOutput's goes to standard error, that of the others to the trace. A text that
 /// ends its own line is not given a second end.
 koGUItextLine* passOnText(koGUIwidget* pane, const char* text) {
-    std::FILE* stream = pane->id == paneEmuOutput ? stderr : traceFile.stream();
-    if (stream != nullptr) {
-        progress.clear();
-        const std::size_t length = std::strlen(text);
-        const bool endsLine = length > 0 && text[length - 1] == '\n';
-        std::fwrite(text, 1, length, stream);
-        if (!endsLine) {
-            std::fputc('\n', stream);
-        }
+    const std::size_t length = std::strlen(text);
+    const char* const end = length > 0 && text[length - 1] == '\n' ? "" : "\n";
+    progress.clear();
+    if (pane->id == paneEmuOutput) {
+        std::fprintf(stderr, "%s%s", text, end);
+    } else {
+        traceFile.write(text, length);
+        traceFile.write(end, std::strlen(end));
     }
     return nullptr;
 }
@@ -179,7 +178,7 @@ int runHeadless(const HeadlessOptions& options) {
     TarnLoadConfig();
     if (options.trace) {
         traceFile.open(*options.trace);
-        Settings.debug_op = traceFile.stream() != nullptr ? 1 : Settings.debug_op;
+        Settings.debug_op = traceFile.isOpen() ? 1 : Settings.debug_op;
     }
     createMainScreen();
     addPanes(passOnText);

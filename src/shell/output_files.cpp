@@ -44,12 +44,25 @@ void OutputFile::open(const std::string& filePath) {
     error = file != nullptr ? 0 : errno;
 }
 
+void OutputFile::write(const void* bytes, std::size_t count) {
+    if (file != nullptr && std::fwrite(bytes, 1, count, file.get()) != count) {
+        noteFailure();
+    }
+}
+
+void OutputFile::noteFailure() {
+    if (error == 0) {
+        error = errno != 0 ? errno : EIO;
+    }
+}
+
 bool OutputFile::close() {
     if (file != nullptr) {
-        const bool failed = std::ferror(file.get()) != 0;
         errno = 0;
-        const bool lost = std::fclose(file.release()) != 0 || failed;
-        error = !lost ? 0 : errno != 0 ? errno : EIO;
+        const bool failed = std::ferror(file.get()) != 0;
+        if (std::fclose(file.release()) != 0 || failed) {
+            noteFailure();
+        }
     }
     return error == 0 || reportLostOutput(path.c_str(), std::strerror(error));
 }
@@ -57,9 +70,7 @@ bool OutputFile::close() {
 bool writeBytes(const std::string& path, std::span<const unsigned char> bytes) {
     OutputFile file;
     file.open(path);
-    if (file.stream() != nullptr) {
-        std::fwrite(bytes.data(), 1, bytes.size(), file.stream());
-    }
+    file.write(bytes.data(), bytes.size());
     return file.close();
 }
 
@@ -69,12 +80,13 @@ bool writePicture(const std::string& path, SDL_Surface* surface) {
     }
     OutputFile file;
     file.open(path);
-    bool saved = true;
     if (file.stream() != nullptr) {
-        SDL_RWops* stream = SDL_RWFromFP(file.stream(), 0);
-        saved = SDL_SaveBMP_RW(trueColours(surface).get(), stream, 1) == 0;
+        errno = 0;
+        if (SDL_SaveBMP_RW(trueColours(surface).get(), SDL_RWFromFP(file.stream(), 0), 1) != 0) {
+            file.noteFailure();
+        }
     }
-    return file.close() && (saved || reportLostOutput(path.c_str(), SDL_GetError()));
+    return file.close();
 }
 
 }  // namespace tarn

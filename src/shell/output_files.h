@@ -16,8 +16,13 @@ class OutputFile {
     /// Opens the file for writing; a failure shows when it is closed.
     void open(const std::string& filePath);
 
-    /// The stream, or null when the file could not be opened.
+    bool isOpen() const { return file != nullptr; }
+    void write(const void* bytes, std::size_t count);
+
+    /// The stream, for those who write to it themselves and note their failures; null when it is not open.
     std::FILE* stream() const { return file.get(); }
+    /// Keeps the first failure's errno.
+    void noteFailure();
 
     /// Completes the file; false, with a message, when something of it is lost.
     bool close();
@@ -25,7 +30,7 @@ class OutputFile {
   private:
     std::string path;
     FilePtr file;
-    int error = 0;  ///< the errno that opening met
+    int error = 0;  ///< errno of the first failure
 };
 
 /// Each writes one file; false, with a message, when something of it is lost.

@@ -1,0 +1,87 @@
+"""The command line of tarn-headless: options, exit statuses, outputs that can and cannot be written."""
+
+import signal
+import subprocess
+
+from tarn_programs import BUILD, VRAM_BYTES, ProgramTest
+
+PROGRAM = BUILD / "tarn-headless"
+
+
+class HeadlessTest(ProgramTest):
+    def setUp(self):
+        super().setUp()
+        self.configure("picture", video="Width=32\nHeight=24")
+
+    def test_unusable_arguments(self):
+        for options, complaint in ((["--steps"], "requires an argument"), (["--steps", ""], "not ''"),
+                                   (["--steps", "-1"], "not '-1'"), (["--steps", " 1"], "not ' 1'"),
+                                   (["--frames", "1x"], "not '1x'"), (["--frames", "0x10"], "not '0x10'"),
+                                   (["--steps", "18446744073709551616"], "not '18446744073709551616'"),
+                                   (["--stepps=1"], "unrecognized option"), (["-q"], "invalid option"),
+                                   (["--registers=1"], "doesn't allow an argument"),
+                                   (["guest.elf"], "unexpected argument 'guest.elf'")):
+            with self.subTest(options):
+                output, messages = self.run_headless(*options, status=2)
+                self.assertEqual(output, "")
+                self.assertIn(complaint, messages)
+                self.assertIn("Try 'tarn-headless --help'.", messages)
+
+    def test_information(self):
+        output, messages = self.run_headless("--help", status=0)
+        self.assertEqual(messages, "")
+        for option in "steps frames picture snapshot dump-vram registers trace help version".split():
+            self.assertIn(f"\n  --{option}", output)
+        self.assertEqual(self.run_headless("--version", status=0), ("tarn-headless 0.3\n", ""))
+
+    def test_limits(self):
+        for options, end in ((["--steps", "0"], "step limit reached after 0 steps and 0 vertical blanks"),
+                             (["--steps", "77", "--frames", "1"], "step limit reached after 77 steps"),
+                             (["--frames", "0"], "frame limit reached after 0 steps"),
+                             (["--frames", "2", "--steps=18446744073709551615"],
+                              "frame limit reached after 57317 steps and 2 vertical blanks")):
+            with self.subTest(options):
+                self.assertIn(f"tarn-headless: {end}", self.run_headless(*options, status=0)[1])
+
+    def test_failed_start_writes_what_there_is(self):
+        (self.directory / "bios" / "scph10000.bin").unlink()
+        _, messages = self.run_headless("--picture", "p.bmp", "--dump-vram", "vram.bin", "--trace", "t", status=1)
+        self.assertIn("FATAL ERROR while emulator initialisation....Sorry Exiting\n", messages)
+        self.assertIn("tarn-headless: start-up failed\n", messages)
+        self.assertIn("tarn-headless: cannot write vram.bin: there is no GS memory\n", messages)
+        self.assertTrue(self.output_file("p.bmp").startswith(b"BM"))
+        self.assertEqual(self.output_file("t"), b"")
+
+    def test_lost_outputs(self):
+        for option in "--picture", "--dump-vram", "--trace":
+            for path, reason in (("/dev/full", "No space left on device"), (".", "Is a directory"),
+                                 ("missing/file", "No such file or directory")):
+                with self.subTest(option, path=path):
+                    _, messages = self.run_headless("--steps=99", option, path, status=1)
+                    self.assertEqual(messages.count(f"tarn-headless: cannot write {path}: {reason}\n"), 1, messages)
+        _, messages = self.run_headless("--steps=99", "--snapshot=missing/", "--dump-vram=vram.bin", status=1)
+        self.assertIn("tarn-headless: cannot write missing/snap", messages)
+        self.assertEqual(len(self.output_file("vram.bin")), VRAM_BYTES, "the others are whole")
+
+    def test_lost_standard_streams(self):
+        for redirection, status in ((">/dev/full", 1), (">&-", 1), ("| true", 1), ("2>&-", 0), ("2>/dev/full", 0),
+                                    ("<&- >&- 2>&-", 1)):
+            with self.subTest(redirection):
+                command = f"'{PROGRAM}' --steps 99 --registers --dump-vram vram.bin {redirection}"
+                result = subprocess.run(["bash", "-o", "pipefail", "-c", command], cwd=self.directory,
+                                        capture_output=True, timeout=60, check=False)
+                self.assertEqual(result.returncode, status, result.stderr)
+                self.assertEqual(set(self.output_file("vram.bin")), {0}, "no text got into the file")
+
+    def test_signals(self):
+        for number in signal.SIGINT, signal.SIGTERM:
+            with self.subTest(number), subprocess.Popen([PROGRAM, "--dump-vram", "vram.bin"], cwd=self.directory,
+                                                        stderr=subprocess.PIPE, text=True) as machine:
+                while machine.stderr.readline() != "Start Interpreter....\n":
+                    pass
+                machine.send_signal(number)
+                messages = machine.stderr.read()
+                self.assertEqual(machine.wait(), 0)
+                self.assertIn("tarn-headless: stopped by a signal after ", messages)
+                self.assertIn("...Stop Interpreter\n", messages)
+                self.local_memory()

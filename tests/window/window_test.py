@@ -1,0 +1,223 @@
+"""The window: what it shows, pixel by pixel, how it reacts to mouse and keys, how it ends, why it does not start."""
+
+import shutil
+import struct
+import subprocess
+import time
+import unittest
+from pathlib import Path
+
+from display import Display, wait_for
+from tarn_programs import BUILD, ProgramTest, read_bmp
+
+DATA = Path(__file__).resolve().parents[2] / "data"
+
+BACKGROUND, FRAME, TITLE_BAR, SHADE_BOX, BODY = 0x006999, 0x002549, 0x006589, 0xCCCCCC, 0
+VIDEO, EMU, OPCODES, REGISTERS = (10, 10, 322, 262), (10, 282, 500, 170), (520, 282, 250, 170), (520, 10, 180, 400)
+LAST_LINE = 12  # of EmuOutput, counted from 0
+
+LOOP = struct.pack("<3I", 0x25080001, 0x1000FFFE, 0)  # addiu t0, t0, 1; beq r0, r0, back to it; nop
+
+
+def elf(code):
+    """A program of one segment at 0x00100000."""
+    return struct.pack("<16sHHIIIIIHHHHHH8I", b"\x7fELF\x01\x01\x01", 2, 8, 1, 0x00100000, 52, 0, 0, 52, 32, 1, 0, 0,
+                       0, 1, 84, 0x00100000, 0x00100000, len(code), len(code), 7, 4) + code
+
+
+class Font:
+    """The glyphs of a font image, as rows of 0xRRGGBB, or None where they are transparent."""
+
+    def __init__(self, path):
+        rows = [[red << 16 | green << 8 | blue for red, green, blue in row] for row in read_bmp(path.read_bytes())]
+        self.height = len(rows)
+        marked = [pixel != rows[0][0] for pixel in rows[0]]
+        self.glyphs = {}
+        for start in (x for x in range(1, len(marked)) if marked[x] and not marked[x - 1]):
+            end = marked.index(False, start)
+            self.glyphs[chr(33 + len(self.glyphs))] = [
+                [None if pixel == rows[-1][0] else pixel for pixel in row[start:end]] for row in rows[1:]]
+        self.glyphs[" "] = [[None] * len(row) for row in self.glyphs["!"]]
+        self.ink = {pixel for glyph in self.glyphs.values() for row in glyph for pixel in row} - {None}
+
+    def rows(self, text, ground):
+        """What the text looks like."""
+        return [[ground if pixel is None else pixel for character in text for pixel in self.glyphs[character][y]]
+                for y in range(self.height - 1)]
+
+
+class WindowTest(ProgramTest):
+    @classmethod
+    def setUpClass(cls):
+        for tool, package in ("Xvfb", "xvfb"), ("xdotool", "xdotool"):
+            if shutil.which(tool) is None:
+                raise unittest.SkipTest(f"{tool} is not installed (Debian package {package})")
+        cls.display = Display()
+        cls.addClassCleanup(cls.display.close)
+        cls.title_font, cls.text_font = Font(DATA / "font_1.bmp"), Font(DATA / "font_2.bmp")
+        cls.text_colours = cls.title_font.ink | cls.text_font.ink | {TITLE_BAR, BODY}
+
+    def setUp(self):
+        super().setUp()
+        (self.directory / "data").symlink_to(DATA)
+        (self.directory / "loop.elf").write_bytes(elf(LOOP))
+        self.configure(Path("loop.elf"), general="Steps_per_poll=1000")
+        self.display.do("mousemove 1010 760")
+
+    def start(self):
+        """Starts the program and waits until the machine runs."""
+        self.tarn = subprocess.Popen([BUILD / "tarn"], cwd=self.directory, env=self.display.environment,
+                                     stdout=subprocess.PIPE, text=True)
+        self.addCleanup(self.tarn.stdout.close)
+        self.addCleanup(self.tarn.wait)
+        self.addCleanup(self.tarn.kill)
+        self.await_line(EMU, LAST_LINE, "Start Interpreter....")
+        self.window = int(self.display.do("search --name Tarn").split()[0])
+
+    def shows(self, text, x, y, font, ground):
+        return all(self.display.row(y + i, x, x + len(row)) == row for i, row in enumerate(font.rows(text, ground)))
+
+    def await_line(self, pane, line, text):
+        """Waits for a line of a text pane that begins with the text."""
+        x, y = pane[0] + 3, pane[1] + 22 + line * self.text_font.height
+        wait_for(lambda: self.shows(text, x, y, self.text_font, BODY), text)
+
+    def expected(self, panes):
+        """Frames, bars and bodies in their order; None where text may stand."""
+        picture = [[BACKGROUND] * 1024 for _ in range(768)]
+
+        def fill(colour, left, top, width, height):
+            for row in picture[top:top + height]:
+                row[left:left + width] = [colour] * width
+
+        for x, y, w, h in panes:
+            for line in ((x, y, w + 1, 1), (x + w, y, 1, h + 1), (x, y + h, w + 1, 1), (x, y, 1, h + 1),
+                         (x, y + 21, w - 1, 1)):
+                fill(FRAME, *line)
+            fill(TITLE_BAR, x + 1, y + 1, w - 2, 20)
+            fill(None, x + 2, y + 2, 90, self.title_font.height - 1)
+            fill(SHADE_BOX, x + w - 22, y + 3, 16, 16)
+            fill(BODY if w == VIDEO[2] else None, x + 1, y + 22, w - 2, h - 22)
+        return picture
+
+    def await_panes(self, *panes):
+        """Waits until the whole window looks as if it had these panes, the last on top, whatever their text."""
+        picture = self.expected(panes)
+
+        def equal():
+            return all(got == want or want is None and got in self.text_colours
+                       for y in range(600) for want, got in zip(picture[y], self.display.row(y, 0, 800)))
+
+        self.display.do("mousemove 1010 760")
+        wait_for(equal, f"panes at {panes}")
+
+    def test_panes_and_text(self):
+        self.start()
+        self.await_panes(VIDEO, EMU, OPCODES, REGISTERS)
+        self.assertEqual(self.display.do(f"getwindowname {self.window}"), " Tarn 0.03 - loop.elf\n")
+        self.await_line(EMU, LAST_LINE - 1, "GS:OK")
+        for (x, y, _, _), title in (VIDEO, "VideoOutput"), (EMU, "EmuOutput"), (REGISTERS, "CpuRegisters"):
+            self.assertTrue(self.shows(title, x + 2, y + 2, self.title_font, TITLE_BAR), title)
+
+    def test_picture(self):
+        self.configure("picture", general="Steps_per_poll=8192")
+        self.run_headless("--frames", "40", "--picture", "picture.bmp", status=0)
+        picture = [[red << 16 | green << 8 | blue for red, green, blue in row]
+                   for row in read_bmp(self.output_file("picture.bmp"))]
+        self.start()
+        wait_for(lambda: [self.display.row(y, 11, 331) for y in range(32, 272)] == picture, "the picture")
+
+    def test_dragging(self):
+        self.start()
+        drag = self.display.drag
+        drag((50, 20), (80, 60))
+        self.await_panes((40, 50, *VIDEO[2:]), EMU, OPCODES, REGISTERS)
+        drag((60, 65), (0, 0))
+        self.await_panes((0, 0, *VIDEO[2:]), EMU, OPCODES, REGISTERS)
+        drag((600, 20), (600, 320))
+        self.await_panes((0, 0, *VIDEO[2:]), EMU, OPCODES, (520, 310, *REGISTERS[2:]))
+        drag((520, 290), (620, 490))  # the frame of Opcodes is no part of its title bar
+        drag((745, 290), (735, 150))
+        self.await_panes((0, 0, *VIDEO[2:]), EMU, (510, 142, *OPCODES[2:]), (520, 310, *REGISTERS[2:]))
+
+    def test_shading(self):
+        self.start()
+        for x, height in (491, 22), (509, 170), (510, 170), (500, 22):
+            self.display.drag((x, 300), (x + 50, 300))
+            self.await_panes(VIDEO, (*EMU[:3], height), OPCODES, REGISTERS)
+        self.display.drag((490, 300), (495, 310))
+        self.await_panes(VIDEO, (15, 292, 500, 22), OPCODES, REGISTERS)
+
+    def counter(self):
+        """What t0 looks like in the pane CpuRegisters."""
+        return [self.display.row(y, 523, 690) for y in range(32 + 8 * 11, 32 + 9 * 11)]
+
+    def assert_stands_still(self):
+        """Fails when the counter goes on changing."""
+        def still():
+            before = self.counter()
+            time.sleep(0.2)  # thousands of instructions
+            return self.counter() == before
+        wait_for(still, "a stop")
+
+    def assert_counts(self):
+        before = self.counter()
+        wait_for(lambda: self.counter() != before, "the machine runs")
+
+    def test_keys(self):
+        self.start()
+        key = self.display.key
+        key("F3")
+        self.await_line(REGISTERS, 28, "gp : 0000000081f80000")
+        self.assert_counts()
+        key("F1")
+        self.assert_stands_still()
+        key("a")
+        self.assertTrue(self.shows("t0 : 00000", 523, 32 + 8 * 11, self.text_font, BODY))
+        key("F2")
+        self.assert_counts()
+        key("F3")
+        self.assert_stands_still()
+        key("Escape")
+        self.await_line(EMU, LAST_LINE - 4, "...Stop Interpreter")
+        self.await_line(EMU, LAST_LINE - 3, "Stop at PC = 0x0010000")
+        self.assertEqual(self.tarn.communicate()[0], "Destroy koGUI\n")
+        self.assertEqual(self.tarn.returncode, 1)
+
+    def test_closing(self):
+        self.start()
+        self.display.request_close(self.window)
+        self.display.key("F3")
+        self.assert_counts()
+        start = time.monotonic()
+        self.display.request_close(self.window)
+        self.await_line(EMU, LAST_LINE, "FreeMemory: Main - SpecialArea - GS Register - Bios")
+        self.assertIsNone(self.tarn.poll(), "leaves time to read")
+        self.assertEqual(self.tarn.communicate()[0],
+                         "Quit event filtered out -- try again.\n" * 2 + "Destroy koGUI\n")
+        self.assertEqual(self.tarn.returncode, 1)
+        self.assertGreaterEqual(time.monotonic() - start, 2)
+
+    def test_failures(self):
+        def remove(name):
+            return lambda: (self.directory / name).unlink()
+
+        def nothing():
+            pass
+
+        no_device = "Couldn't initialize SDL: No available video device\n"
+        no_mode = "Couldn't set video mode: Invalid bits per pixel (range is {8...32})\n"
+        for name, spoil, environment, output, messages in (
+                ("no display", nothing, {"DISPLAY": ""}, "", no_device),
+                ("no such depth", lambda: self.configure("kernel", video="Bpp=7"), {}, "", no_mode),
+                ("no program named", lambda: self.configure(Path("")), {}, "Destroy koGUI\n", ""),
+                ("no program", lambda: self.configure(Path("missing.elf")), {}, "Destroy koGUI\n", ""),
+                ("no BIOS", remove("bios/scph10000.bin"), {}, "Destroy koGUI\n", ""),
+                ("no configuration", remove("tarn.ini"), {}, "Destroy koGUI\n", "cannot parse file [./tarn.ini]"),
+                ("no fonts", remove("data"), {}, "Couldnt load Font1\n", "")):
+            with self.subTest(name):
+                self.configure(Path("loop.elf"))
+                spoil()
+                result = subprocess.run([BUILD / "tarn"], cwd=self.directory, text=True, capture_output=True,
+                                        env={**self.display.environment, **environment}, timeout=60, check=False)
+                self.assertEqual((result.returncode, result.stdout, result.stderr), (1, output, messages))
