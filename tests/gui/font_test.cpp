@@ -72,13 +72,6 @@ TEST(Font, TextIsPlaced) {
         << "13 for three gaps, two of them a pixel wider";
 }
 
-TEST(Font, PrintedTextIsCut) {
-    const FontPtr font = makeFont(8, 4, {{2, 1}});
-    const SurfacePtr surface = makeSurface(2000, 3);
-    PrintStringFont(surface.get(), font.get(), 0, 0, "%s", std::string(2000, '!').c_str());
-    EXPECT_EQ(inkRuns(surface.get()), (Runs{{0, 1023}}));
-}
-
 TEST(Font, RecolouringScalesAllButTheKey) {
     const FontPtr font = makeFont(10, 4, {{2, 3}});
     FontPtr coloured(nullptr, FreeFont);
@@ -88,21 +81,6 @@ TEST(Font, RecolouringScalesAllButTheKey) {
     EXPECT_EQ(pixelOf(coloured->surface, 7, 1), keyColour);
     EXPECT_EQ(pixelOf(font->surface, 3, 1), inkColour);
     EXPECT_EQ(GetCurrentFont(), font.get()) << "recolouring is not loading";
-}
-
-TEST(Font, PixelAccess) {
-    for (const int depth : {8, 16, 24, 32}) {
-        const SurfacePtr surface = makeSurface(5, 3, depth);
-        const u32 value = depth == 8 ? 0x7F : depth == 16 ? 0x1234 : 0x00AABBCC;
-        PutPixel(surface.get(), 4, 2, value);
-        EXPECT_EQ(GetPixel(surface.get(), 4, 2), value) << depth;
-        // Complained of and read anyway, as long as it is inside the buffer.
-        EXPECT_EQ(outputOf([&] { GetPixel(surface.get(), 5, 0); }), "x too big in GetPixel!\n");
-        EXPECT_EQ(outputOf([&] { EXPECT_EQ(GetPixel(surface.get(), -1, 0), ~u32{0}); }),
-                  "x too small in GetPixel!\n");
-        PutPixel(surface.get(), 5, 1000, value);
-        PutPixel(surface.get(), INT32_MIN, INT32_MIN, value);
-    }
 }
 
 TEST(Font, LoadsOnlySaneImages) {

@@ -58,30 +58,5 @@ TEST(Line, PixelsAreStoredByTheirSizeAndClipped) {
     }
 }
 
-TEST(Line, Blending) {
-    struct Case {
-        int depth;
-        u32 old, colour;
-        u8 opacity;
-        u32 blended, slowly;
-    };
-    // By 256ths, downwards, in place; slowly by 255ths of 8-bit channels, towards zero.
-    const Case cases[] = {
-        {32, 0x00FF8000, 0x000080FF, 128, 0x007F807F, 0x007F8080},
-        {24, 0x00FF8000, 0x000080FF, 128, 0x007F807F, 0x007F8080},
-        {32, 0x00102030, 0x00FFFFFF, 255, 0x00FEFEFE, 0x00FFFFFF},
-        {16, 0x0000, 0xFFFF, 128, 0x7BEF, 0x8410},
-    };
-    for (const Case& c : cases) {
-        const SurfacePtr surface = makeSurface(2, 1, c.depth);
-        SDL_putPixel(surface.get(), 0, 0, c.old);
-        SDL_putPixel(surface.get(), 1, 0, c.old);
-        SDL_blendPixel(surface.get(), 0, 0, c.colour, c.opacity);
-        __slow_SDL_blendPixel(surface.get(), 1, 0, c.colour, c.opacity);
-        EXPECT_EQ(pixelOf(surface.get(), 0, 0), c.blended) << c.depth << ' ' << c.old;
-        EXPECT_EQ(pixelOf(surface.get(), 1, 0), c.slowly) << c.depth << ' ' << c.old;
-    }
-}
-
 }  // namespace
 }  // namespace tarn::test

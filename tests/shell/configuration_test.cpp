@@ -1,9 +1,6 @@
-// Tests the configuration: every key, hostile values and hostile files.
-#include "base/ini_file.h"
+// Tests the configuration: every key, unusual values, unusable files.
 #include "support/machine_test.h"
 #include "support/run_directory.h"
-
-#include <random>
 
 namespace tarn::test {
 namespace {
@@ -86,41 +83,6 @@ TEST_F(Configuration, UnusableFilesLeaveTheSettings) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "cannot parse file [./tarn.ini]");
     std::filesystem::create_directory("tarn.ini");
     EXPECT_EQ(TarnLoadConfig(), -1);
-}
-
-TEST_F(Configuration, HostileBytes) {
-    // Text that the library treats specially, in any order, and long runs around its limit of 1024 a line.
-    const std::string pieces[] = {"[General]",
-                                  "[Video]\n",
-                                  "[General:Elf]",
-                                  "[",
-                                  "]",
-                                  "[]",
-                                  "=",
-                                  "\"",
-                                  "'",
-                                  "\\",
-                                  "\\\n",
-                                  "\n",
-                                  "\r",
-                                  ";",
-                                  "#",
-                                  "Elf",
-                                  "Width=",
-                                  "\xFF",
-                                  "%s%n",
-                                  std::string(1, '\0'),
-                                  " \t"};
-    std::mt19937 generator(1);
-    const auto random = [&](std::size_t limit) { return generator() % limit; };
-    for (int file = 0; file < 300; ++file) {
-        std::string text;
-        for (std::size_t left = random(30); left > 0; --left) {
-            text += random(8) != 0 ? pieces[random(std::size(pieces))]
-                                   : std::string(1000 + random(60), "aA=[]\\ \"\n"[random(9)]);
-        }
-        load(text);
-    }
 }
 
 }  // namespace

@@ -96,17 +96,6 @@ TEST_F(DriverTest, StopsInSevenSteps) {
                      "FreeMemory: Main - SpecialArea - GS Register - Bios"}));
 }
 
-TEST_F(DriverTest, StopsBeforeAnythingIsOpen) {
-    koGUI_TarnInitProc();
-    for (int call = 0; call < 7; ++call) {
-        koGUI_TarnEndingProc();
-    }
-    EXPECT_EQ(TarnGUI.running, 2);
-    const Lines lines = paneLines(paneEmuOutput);
-    EXPECT_EQ(lines[2], "Stop at PC = 0x00000000 after 0 instructions \n");
-    EXPECT_EQ(lines.size(), 4U) << "no file is closed";
-}
-
 TEST_F(DriverTest, OneCallRunsUntilThereIsSomethingToSee) {
     start();
     const auto stepsOfACall = [] {
