@@ -53,15 +53,21 @@ inline void branchIf(bool taken, u64 target) {
     }
 }
 
+/// Writes the trace line of the current branch when tracing.
+template <class Fields>
+inline void traceBranchIfOn(const char* format) {
+    if (tracing()) [[unlikely]] {
+        const auto fields = Fields::from(MipsCpu.opcode);
+        traceOperands(format, fields, branchTarget(MipsCpu.PC, fields.offset));
+    }
+}
+
 /// The body of the handler of a branch that compares integer registers.
 template <class Fields, bool (*condition)(Fields), DelaySlot whenNotTaken = DelaySlot::Executed>
 inline void branch(const char* format) {
+    traceBranchIfOn<Fields>(format);
     const auto fields = Fields::from(MipsCpu.opcode);
-    const u64 target = branchTarget(MipsCpu.PC, fields.offset);
-    if (tracing()) [[unlikely]] {
-        traceOperands(format, fields, target);
-    }
-    branchIf<whenNotTaken>(condition(fields), target);
+    branchIf<whenNotTaken>(condition(fields), branchTarget(MipsCpu.PC, fields.offset));
 }
 
 template <class Fields, bool (*condition)(Fields)>
@@ -99,17 +105,14 @@ inline void BGEZL() { branchLikely<ZeroBranchFields, BGEZ>("bgezl %s,%4llx"); }
 /// The body of their handlers. There is only condition code 0: others pause, with PC on the branch.
 template <bool taken, DelaySlot whenNotTaken = DelaySlot::Executed>
 inline void branchOnCondition(const char* format, const char* message) {
+    traceBranchIfOn<FpuBranchFields>(format);
     const auto fields = FpuBranchFields::from(MipsCpu.opcode);
-    const u64 target = branchTarget(MipsCpu.PC, fields.offset);
-    if (tracing()) [[unlikely]] {
-        traceOperands(format, fields, target);
-    }
     if (fields.ccb != 0) [[unlikely]] {
         std::fputs(message, stdout);
         MipsCpu.pause = 1;
         return;
     }
-    branchIf<whenNotTaken>(conditionBit() == taken, target);
+    branchIf<whenNotTaken>(conditionBit() == taken, branchTarget(MipsCpu.PC, fields.offset));
 }
 
 inline void BC1F() { branchOnCondition<false>("bc1f %x,%4llx", "BC1F : cc not implemented\n"); }

@@ -10,15 +10,21 @@
 
 namespace tarn::r5900 {
 
+/// Writes the trace line of the current instruction when tracing. It decodes for itself: operands that had to
+/// outlive the call would cost every untraced instruction the saving of registers.
+template <class Fields, void (*traceLine)(const char*, Fields) = traceOperands>
+inline void traceIfOn(const char* format) {
+    if (tracing()) [[unlikely]] {
+        traceLine(format, Fields::from(MipsCpu.opcode));
+    }
+}
+
 /// The body of a straight-line instruction's handler. `format` is its trace line, for the arguments that
 /// `traceLine` gives to operands of this format.
 template <class Fields, void (*semantics)(Fields), void (*traceLine)(const char*, Fields) = traceOperands>
 inline void straight(const char* format) {
-    const auto fields = Fields::from(MipsCpu.opcode);
-    if (tracing()) [[unlikely]] {
-        traceLine(format, fields);
-    }
-    semantics(fields);
+    traceIfOn<Fields, traceLine>(format);
+    semantics(Fields::from(MipsCpu.opcode));
     MipsCpu.PC += 4;
 }
 

@@ -21,12 +21,14 @@ namespace r5900 {
 /// Whether instructions are traced.
 inline bool tracing() { return Settings.debug_op == 1; }
 
+// Cold, so that they are not inlined where tracing is off nearly always.
+
 /// Sends the trace line, and with it the 34 register lines, to their panes.
-void showTraceLine();
-void showStep();
+[[gnu::cold]] void showTraceLine();
+[[gnu::cold]] void showStep();
 
 /// Puts PC and the formatted text into debugTempText.
-[[gnu::format(printf, 1, 2)]] void traceText(const char* format, ...);
+[[gnu::cold, gnu::format(printf, 1, 2)]] void traceText(const char* format, ...);
 
 // Each writes the line of one class of operands; `format` is for the operands named in its comment.
 void traceOperands(const char* format, ImmediateFields f);               // rt, rs, imm

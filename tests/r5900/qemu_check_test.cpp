@@ -34,7 +34,6 @@ constexpr u32 record = 26, window = 27, spare = 28;  // registers that random in
 using Condition = bool (*)(u64 left, u64 right);
 bool any(u64, u64) { return true; }
 bool words(u64 left, u64 right) { return left == signExtend32(left) && right == signExtend32(right); }
-bool difference(u64 left, u64 right) { return ((left ^ right) & (left ^ (left - right))) >> 63 == 0; }
 bool quotient(u64 left, u64 right) { return words(left, right) && right != 0 && words(0 - left, 0); }
 constexpr Condition trial = nullptr;
 
@@ -55,13 +54,11 @@ const std::vector<Group> straight = {
     {"sti", words, {major(9)}},                                                        // ADDIU
     {"ti", any, {major(15)}},                                                          // LUI
     {"std", any, {4, 10, 11, 36, 37, 38, 43, 45}},     // SLLV MOVZ MOVN AND OR XOR SLTU DADDU
-    {"std", words, {6, 7, 33, 35, 42}},                // SLRV SRAV ADDU SUBU SLT
-    {"std", difference, {47}},                         // DSUBU
+    {"std", words, {6, 7, 33, 35, 42, 47}},            // SLRV SRAV ADDU SUBU SLT DSUBU
     {"tda", any, {0, 56, 58, 60, 62, 63}},             // SLL DSLL DSRL DSLL32 DSRL32 DSRA32
     {"tda", words, {2, 3}},                            // SRL SRA
     {"st", any, {29}},                                 // DMULTU
-    {"st", words, {24}},                               // MULT
-    {"st", quotient, {26, 27}},                        // DIV DIVU
+    {"st", quotient, {24, 26, 27}},                    // MULT DIV DIVU
     {"t1", any, {major(32), major(36), major(40)}},    // LB LBU SB
     {"t2", any, {major(33), major(37), major(41)}},    // LH LHU SH
     {"t4", any, {major(35), major(39), major(43)}},    // LW LWU SW
