@@ -13,6 +13,7 @@
 #include <string>
 #include <sys/mman.h>
 #include <unistd.h>
+#include <utility>
 
 namespace tarn::fuzz {
 
@@ -24,6 +25,17 @@ inline void start() {
     }
     test::resetMachine();
     test::allocateMachine();
+}
+
+/// Puts the renderer's records back as at the start of the process and initialises them; local memory stays,
+/// with its contents, for the reason above.
+inline void restartRenderer() {
+    static void* memory = nullptr;
+    memory = std::exchange(Gs.vRam, nullptr);
+    GSreset();
+    const auto allocate = std::exchange(allocateBuffer, [](std::size_t) { return memory; });
+    GSinit();
+    allocateBuffer = allocate;
 }
 
 /// A file in memory whose contents change from input to input; its path can be opened like any other.
