@@ -46,7 +46,7 @@ bool runsDelaySlot(u32 word) {
     switch (majorOpcode(word)) {
     case 0:  // SPECIAL
         if (functionCode(word) == 9) {
-            link(RegisterFields::from(word).rd);  // JALR
+            link(RegisterFields::from(word).rd, MipsCpu.PC);  // JALR
             return true;
         }
         return functionCode(word) == 8;  // JR
@@ -64,7 +64,7 @@ bool runsDelaySlot(u32 word) {
     case 2:  // J
         return true;
     case 3:  // JAL
-        link(REG_RA);
+        link(returnAddress, MipsCpu.PC);
         return true;
     case 4:   // BEQ
     case 20:  // BEQL

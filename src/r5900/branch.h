@@ -126,8 +126,11 @@ inline void BC1TL() {
 /// The target of J and JAL: word number `instr_index` of memory, in the low 32 bits of PC.
 constexpr u64 jumpTarget(u64 pc, JumpFields f) { return (pc & ~u64{0xFFFFFFFF}) | u64{f.instr_index} * 4; }
 
-/// Writes the return address, which is behind the delay slot.
-inline void link(u8 number) { setDoubleword(number, MipsCpu.PC + 8); }
+/// Where JAL leaves its return address.
+inline constexpr Gpr returnAddress = Gpr::numbered(REG_RA);
+
+/// Writes the return address of a jump at `pc`, which is behind the delay slot.
+inline void link(Gpr reg, u64 pc) { setDoubleword(reg, pc + 8); }
 
 inline void jump(const char* format) {
     const auto fields = JumpFields::from(MipsCpu.opcode);
@@ -140,7 +143,7 @@ inline void jump(const char* format) {
 
 inline void J() { jump("j %8llx"); }
 inline void JAL() {
-    link(REG_RA);
+    link(returnAddress, MipsCpu.PC);
     jump("jal %8llx");
 }
 
@@ -156,7 +159,7 @@ inline void JR() {
 inline void JALR() {
     const auto fields = RegisterFields::from(MipsCpu.opcode);
     const u64 target = gpr(fields.rs);
-    link(fields.rd);
+    link(fields.rd, MipsCpu.PC);
     if (tracing()) [[unlikely]] {
         traceJumpAndLinkRegister("jalr %s,%s with %s=%8llx", fields);
     }

@@ -10,6 +10,14 @@ constexpr u8 field(u32 word, unsigned first, unsigned count) {
     return static_cast<u8>(bits(word, first, count));
 }
 
+/// A general-purpose register as an operand. It is kept as the register's offset in MipsCpu.GPR in
+/// doublewords, which the host's addressing scales for nothing.
+struct Gpr {
+    u8 doublewords;
+    constexpr u8 number() const { return doublewords / 2; }
+    static constexpr Gpr numbered(u8 number) { return {static_cast<u8>(number * 2)}; }
+};
+
 /// The three register numbers in their usual places, and the 16-bit immediate. The floating-point and
 /// memory formats give the same bits other names.
 constexpr u8 bits21To25(u32 word) { return field(word, 21, 5); }
@@ -17,6 +25,10 @@ constexpr u8 bits16To20(u32 word) { return field(word, 16, 5); }
 constexpr u8 bits11To15(u32 word) { return field(word, 11, 5); }
 constexpr u8 bits6To10(u32 word) { return field(word, 6, 5); }
 constexpr u16 bits0To15(u32 word) { return static_cast<u16>(word); }
+
+constexpr Gpr gpr21To25(u32 word) { return Gpr::numbered(bits21To25(word)); }
+constexpr Gpr gpr16To20(u32 word) { return Gpr::numbered(bits16To20(word)); }
+constexpr Gpr gpr11To15(u32 word) { return Gpr::numbered(bits11To15(word)); }
 
 /// The fields that select an entry of the dispatch tables.
 constexpr u32 majorOpcode(u32 word) { return bits(word, 26, 6); }
@@ -28,49 +40,50 @@ constexpr u32 conditionBranchCode(u32 word) { return bits(word, 16, 2); }
 // Immediates and offsets stay raw here, as trace lines show them; the semantics extend them.
 
 struct ImmediateFields {
-    u8 rs, rt;
+    Gpr rs, rt;
     u16 imm;
     static constexpr ImmediateFields from(u32 word) {
-        return {bits21To25(word), bits16To20(word), bits0To15(word)};
+        return {gpr21To25(word), gpr16To20(word), bits0To15(word)};
     }
 };
 
 struct RegisterFields {
-    u8 rs, rt, rd;
+    Gpr rs, rt, rd;
     static constexpr RegisterFields from(u32 word) {
-        return {bits21To25(word), bits16To20(word), bits11To15(word)};
+        return {gpr21To25(word), gpr16To20(word), gpr11To15(word)};
     }
 };
 
 struct ShiftFields {
-    u8 rt, rd, sa;
+    Gpr rt, rd;
+    u8 sa;
     static constexpr ShiftFields from(u32 word) {
-        return {bits16To20(word), bits11To15(word), bits6To10(word)};
+        return {gpr16To20(word), gpr11To15(word), bits6To10(word)};
     }
 };
 
 struct MemoryFields {
-    u8 base, rt;
+    Gpr base, rt;
     u16 offset;
     static constexpr MemoryFields from(u32 word) {
-        return {bits21To25(word), bits16To20(word), bits0To15(word)};
+        return {gpr21To25(word), gpr16To20(word), bits0To15(word)};
     }
 };
 
 /// A branch that compares two registers.
 struct BranchFields {
-    u8 rs, rt;
+    Gpr rs, rt;
     u16 offset;
     static constexpr BranchFields from(u32 word) {
-        return {bits21To25(word), bits16To20(word), bits0To15(word)};
+        return {gpr21To25(word), gpr16To20(word), bits0To15(word)};
     }
 };
 
 /// A branch that compares one register with zero.
 struct ZeroBranchFields {
-    u8 rs;
+    Gpr rs;
     u16 offset;
-    static constexpr ZeroBranchFields from(u32 word) { return {bits21To25(word), bits0To15(word)}; }
+    static constexpr ZeroBranchFields from(u32 word) { return {gpr21To25(word), bits0To15(word)}; }
 };
 
 struct JumpFields {
@@ -79,9 +92,10 @@ struct JumpFields {
 };
 
 struct Cop0Fields {
-    u8 rt, rd, sel;
+    Gpr rt;
+    u8 rd, sel;
     static constexpr Cop0Fields from(u32 word) {
-        return {bits16To20(word), bits11To15(word), field(word, 0, 3)};
+        return {gpr16To20(word), bits11To15(word), field(word, 0, 3)};
     }
 };
 
@@ -94,15 +108,17 @@ struct FpuFields {
 
 /// A move between an integer and a floating-point register.
 struct FpuMoveFields {
-    u8 rt, fs;
-    static constexpr FpuMoveFields from(u32 word) { return {bits16To20(word), bits11To15(word)}; }
+    Gpr rt;
+    u8 fs;
+    static constexpr FpuMoveFields from(u32 word) { return {gpr16To20(word), bits11To15(word)}; }
 };
 
 struct FpuMemoryFields {
-    u8 base, ft;
+    Gpr base;
+    u8 ft;
     u16 offset;
     static constexpr FpuMemoryFields from(u32 word) {
-        return {bits21To25(word), bits16To20(word), bits0To15(word)};
+        return {gpr21To25(word), bits16To20(word), bits0To15(word)};
     }
 };
 

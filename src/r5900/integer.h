@@ -43,7 +43,7 @@ inline void DADDIU() { straight<ImmediateFields, DADDIU>("daddiu %s,%s,%4llx"); 
 // Three registers: rd from rs and rt.
 
 /// Writes the exact sum or difference of two words, or says that it overflowed and leaves rd as it is.
-inline void setCheckedWord(u8 rd, s64 exact, const char* message) {
+inline void setCheckedWord(Gpr rd, s64 exact, const char* message) {
     if (exact != signedWord(static_cast<u64>(exact))) {
         std::fputs(message, stdout);
         return;

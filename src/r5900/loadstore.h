@@ -18,7 +18,7 @@ inline void load(GuestValue& destination, Width width, Fields f) {
 }
 
 /// Reads at base + offset into rt, zero-extended.
-inline void loadRegister(Width width, MemoryFields f) { load(MipsCpu.GPR[f.rt], width, f); }
+inline void loadRegister(Width width, MemoryFields f) { load(wholeGpr(f.rt), width, f); }
 
 /// The word at base + offset, or 0 when it could not be read.
 template <class Fields>
@@ -93,7 +93,7 @@ inline void store(const GuestValue& value, Width width, Fields f) {
     MipsMemoryWrite(value, width, gpr(f.base), static_cast<s16>(f.offset));
 }
 
-inline void storeRegister(Width width, MemoryFields f) { store(MipsCpu.GPR[f.rt], width, f); }
+inline void storeRegister(Width width, MemoryFields f) { store(wholeGpr(f.rt), width, f); }
 
 inline void SB(MemoryFields f) { storeRegister(Width::Byte, f); }
 inline void SB() { straight<MemoryFields, SB>("sb %s,%4llx(%s)"); }

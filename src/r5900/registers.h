@@ -2,22 +2,32 @@
 #pragma once
 
 #include "base/bits.h"
+#include "r5900/fields.h"
 #include "r5900/mips_cpu.h"
+
+#include <cstddef>
+#include <new>
 
 namespace tarn::r5900 {
 
-/// The value of general-purpose register `number`: its low doubleword.
-inline u64 gpr(u8 number) { return MipsCpu.GPR[number].low; }
+/// All of a general-purpose register.
+inline GuestValue& wholeGpr(Gpr reg) {
+    auto* registers = reinterpret_cast<std::byte*>(MipsCpu.GPR.data());
+    return *std::launder(reinterpret_cast<GuestValue*>(registers + reg.doublewords * sizeof(u64)));
+}
+
+/// The value of a general-purpose register: its low doubleword.
+inline u64 gpr(Gpr reg) { return wholeGpr(reg).low; }
 
 /// The low word of a value, as a signed number.
 constexpr s32 signedWord(u64 value) { return static_cast<s32>(value); }
 
 /// Writes a 32-bit result: bit 31 is copied into bits 32-63. The high doubleword stays as it is.
 inline void setWord(GuestValue& destination, u64 result) { destination.low = signExtend32(result); }
-inline void setWord(u8 number, u64 result) { setWord(MipsCpu.GPR[number], result); }
+inline void setWord(Gpr reg, u64 result) { setWord(wholeGpr(reg), result); }
 
 /// Writes a 64-bit result. The high doubleword stays as it is. r0 is written like any other register.
 inline void setDoubleword(GuestValue& destination, u64 result) { destination.low = result; }
-inline void setDoubleword(u8 number, u64 result) { setDoubleword(MipsCpu.GPR[number], result); }
+inline void setDoubleword(Gpr reg, u64 result) { setDoubleword(wholeGpr(reg), result); }
 
 }  // namespace tarn::r5900

@@ -31,7 +31,7 @@ inline void DI() {
 }
 
 /// The kernel's handler moves PC, or leaves it and pauses.
-inline void SYSCALL() { syscall_fct[static_cast<u8>(gpr(REG_V1))](); }
+inline void SYSCALL() { syscall_fct[static_cast<u8>(MipsCpu.GPR[REG_V1].low)](); }
 
 // These two write their trace line whether tracing is on or not, for a later instruction without a line.
 

@@ -14,7 +14,7 @@ namespace tarn::r5900 {
 
 namespace {
 
-const char* gprName(u8 number) { return debug_r5900_reg[number]; }
+const char* gprName(Gpr reg) { return debug_r5900_reg[reg.number()]; }
 const char* fprName(u8 number) { return debug_r5900_cop1_reg[number]; }
 
 /// A raw 16-bit field as the %llx of the formats takes it.
