@@ -30,6 +30,15 @@ inline void GSUpdate() {
     }
 }
 
+/// How many steps may run before these two have more to do than to count one step each down.
+inline u64 quietSteps() {
+    const bool pending = (Ps2Bios.dmaWritePending | Ps2Bios.dmaReadPending | Ps2Bios.sif0StartRequest) != 0;
+    return pending || Ps2Bios.vsyncCountdown <= vsyncThreshold ? 0 : Ps2Bios.vsyncCountdown - vsyncThreshold;
+}
+
+/// The same as so many calls of DmaUpdate and GSUpdate, at most quietSteps().
+inline void passQuietSteps(u64 steps) { Ps2Bios.vsyncCountdown -= steps; }
+
 /// Prints a channel's register copy to standard output; nothing for a channel of 10 or more.
 void DmaPrintChannelInfo(u8 channel);
 

@@ -50,12 +50,15 @@ constexpr u32 mirroredMainMemoryOffset(u32 address, u32 bytes) {
     return notMainMemory;
 }
 
+/// The offset that an address of the first view or of its kernel alias has. Programs and their stacks live
+/// there.
+constexpr u32 usualOffset(u32 address) { return address & 0x7FFFFFFF; }
+
 /// Offset in MipsMemory of an access of `bytes` bytes at a guest address, or notMainMemory when it does not
-/// lie wholly there. Programs and their stacks live in the first view and its kernel alias: they take
-/// one comparison.
+/// lie wholly there. The usual views take one comparison.
 template <Access access>
 constexpr u32 mainMemoryOffset(u32 address, u32 bytes) {
-    const u32 physical = address & 0x7FFFFFFF;
+    const u32 physical = usualOffset(address);
     if (inMainMemory(physical, bytes)) [[likely]] {
         return physical;
     }

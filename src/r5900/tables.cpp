@@ -206,15 +206,10 @@ constexpr std::array<const char*, 64> debug_cop1_s_opc = namesOf(cop1_s);
 constexpr std::array<const char*, 64> debug_cop1_d_opc = namesOf(cop1_d);
 constexpr std::array<const char*, 64> debug_cop1_W_L_opc = namesOf(cop1_W_L);
 
-}  // namespace tarn::r5900
-
-namespace tarn {
-
 namespace {
 
 /// What the tables hold for a word, dispatchers resolved.
-r5900::Entry entryOf(u32 word) {
-    using namespace r5900;
+Entry entryOf(u32 word) {
     const auto entry = [](const auto& handlers, const auto& names, u32 index) {
         return Entry{handlers[index], names[index]};
     };
@@ -248,8 +243,14 @@ r5900::Entry entryOf(u32 word) {
 
 }  // namespace
 
-const char* mnemonicOf(u32 word) { return entryOf(word).name; }
+Handler handlerOf(u32 word) { return entryOf(word).handler; }
 
-bool isImplemented(u32 word) { return entryOf(word).handler != r5900::NI; }
+}  // namespace tarn::r5900
+
+namespace tarn {
+
+const char* mnemonicOf(u32 word) { return r5900::entryOf(word).name; }
+
+bool isImplemented(u32 word) { return r5900::handlerOf(word) != r5900::NI; }
 
 }  // namespace tarn

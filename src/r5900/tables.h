@@ -13,6 +13,9 @@ using Handler = void (*)();
 /// The handler of everything that is not implemented: it pauses, and nothing else.
 void NI();
 
+/// The handler that the tables lead to for an instruction word, whatever dispatchers there are on the way.
+Handler handlerOf(u32 word);
+
 // Each pair has the same index: the field in the comment.
 extern const std::array<Handler, 64> normal_opc;    // bits 26-31
 extern const std::array<Handler, 64> special_opc;   // bits 0-5

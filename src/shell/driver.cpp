@@ -9,6 +9,7 @@
 #include "memory/memory.h"
 #include "r5900/interpreter.h"
 #include "r5900/mips_cpu.h"
+#include "r5900/runner.h"
 #include "shell/session.h"
 #include "shell/settings.h"
 
@@ -139,8 +140,11 @@ u64 runSteps(u64 limit) {
     paneChanged = false;
     u64 steps = 0;
     while (steps < limit && MipsCpu.pause == 0 && !paneChanged) {
-        driverStep();
-        ++steps;
+        const u64 run = MipsRun(std::min(limit - steps, quietSteps() + 1));
+        passQuietSteps(run - 1);
+        DmaUpdate();
+        GSUpdate();
+        steps += run;
     }
     return steps;
 }
