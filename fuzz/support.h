@@ -2,6 +2,7 @@
 // inputs as files, and the taking apart of inputs.
 #pragma once
 
+#include "memory/areas.h"
 #include "support/machine.h"
 
 #include <algorithm>
@@ -17,18 +18,42 @@
 
 namespace tarn::fuzz {
 
-/// Sets the machine up once. Its buffers stay for the life of the process, since clearing 40 MB an input
-/// would cost more than anything that is tested.
+/// Whole pages for a buffer of the machine, between pages that may not be touched: an access outside the
+/// buffer ends the process, and clearing it costs only what was written. Buffers are at the end of theirs.
+inline void* guardedPages(std::size_t bytes) {
+    const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    const std::size_t size = (bytes + page - 1) / page * page;
+    void* memory = mmap(nullptr, size + 2 * page, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    u8* first = static_cast<u8*>(memory) + page;
+    if (memory == MAP_FAILED || mprotect(first, size, PROT_READ | PROT_WRITE) != 0) {
+        std::abort();
+    }
+    return first + (size - bytes);
+}
+
+/// Sets the machine up once. Its buffers stay for the life of the process.
 inline void start() {
     if (std::freopen("/dev/null", "w", stdout) == nullptr) {
         std::abort();
     }
     test::resetMachine();
+    allocateBuffer = guardedPages;
     test::allocateMachine();
 }
 
-/// Puts the renderer's records back as at the start of the process and initialises them; local memory stays,
-/// with its contents, for the reason above.
+/// Zeroes main memory, the special area and local memory.
+inline void clearMemory() {
+    for (const std::span<u8> area :
+         {std::span(MipsMemory, mainMemorySize), std::span(SpecialAreaMemory, specialAreaSize),
+          std::span(Gs.vRam, localMemoryBytes)}) {
+        if (madvise(area.data(), area.size(), MADV_DONTNEED) != 0) {
+            std::abort();
+        }
+    }
+}
+
+/// Puts the renderer's records back as at the start of the process and initialises them, without another
+/// local memory.
 inline void restartRenderer() {
     static void* memory = nullptr;
     memory = std::exchange(Gs.vRam, nullptr);

@@ -1,0 +1,118 @@
+// Instruction words and a seeded register file through the driver step, with every area mapped and the DMA
+// controller, the kernel calls and the renderer behind them. What the program leaves in memory lasts only
+// until the next input.
+#include "r5900/branch.h"
+#include "support.h"
+
+#include <random>
+
+namespace tarn {
+namespace {
+
+constexpr u32 programAddress = 0x00100000;
+constexpr u64 stepLimit = 96;
+
+/// Bases from which loads and stores reach every area, its ends, its mirrors, and what is not mapped.
+constexpr u32 bases[] = {
+    0x00100000, 0x00100040, 0x0017FFF0, 0x01FFFFF0, 0x01FFFFFF, 0x02000000, 0x000FFFF8, 0x00000000,
+    0x20100000, 0x21FFFFF8, 0x30100000, 0x80100000, 0x81FFFFF0, 0x9FC00000, 0x9FFFFFF8, 0xBFC00000,
+    0x1FC00000, 0x1FFFFFFC, 0x10000000, 0x10003000, 0x1000A000, 0x1000A010, 0x1000A020, 0x1000C000,
+    0x1000E010, 0x1000FFF8, 0x12000000, 0x12000070, 0x12000080, 0x12001000, 0x12001080, 0xA0100000,
+};
+
+/// Opcodes by what they reach, so that most words do something.
+constexpr u32 majorOpcodes[] = {0,  0,  0,  1,  2,  3,  4,  5,  6,  7,  9,  13, 15, 16, 17, 20, 22, 26, 27,
+                                28, 30, 31, 32, 34, 35, 36, 37, 38, 40, 42, 43, 44, 45, 46, 49, 55, 57, 63};
+
+/// A word as the input has it, or one with an opcode that is implemented and a short way to jump.
+u32 takeWord(fuzz::Input& input) {
+    const u8 choice = input.take<u8>();
+    const u32 word = input.take<u32>();
+    if (choice >= 0xF0) {
+        return word;
+    }
+    const u32 opcode = majorOpcodes[choice % std::size(majorOpcodes)];
+    const u32 fields = word & 0x03FFFFFF;
+    switch (opcode) {
+    case 1:
+    case 4:
+    case 5:
+    case 6:
+    case 7:
+    case 20:
+    case 22:  // branches, a few instructions back or forth
+        return opcode << 26 | (fields & 0x03FF0000) | ((word & 0x1F) - 12) % 0x10000;
+    case 2:
+    case 3:  // jumps into the program
+        return opcode << 26 | (programAddress / 4 + word % 64);
+    default:
+        return opcode << 26 | fields;
+    }
+}
+
+void seedRegisters(fuzz::Input& input) {
+    std::minstd_rand random(input.take<u16>());
+    for (std::size_t i = 1; i < MipsCpu.GPR.size(); ++i) {
+        const u64 low = random();
+        const bool address = i % 2 == 0;
+        MipsCpu.GPR[i] = {address ? signExtend32(bases[low % std::size(bases)]) : low * low, u64{random()}};
+    }
+    for (f32& value : MipsCpu.FPR32) {
+        value = std::bit_cast<f32>(static_cast<u32>(random()) * 2654435761U);
+    }
+    MipsCpu.GPR[REG_V1].low = input.take<u8>();
+}
+
+/// A step is one instruction and as many delay slots as may be nested.
+void runChecked(u64 limit) {
+    for (u64 step = 0; step < limit && MipsCpu.pause == 0; ++step) {
+        const u64 before = MipsCpu.cycle;
+        driverStep();
+        fuzz::require(MipsCpu.cycle > before && MipsCpu.cycle - before <= r5900::maximumDelaySlotDepth + 2,
+                      "the cycles of one step");
+        fuzz::require(MipsCpu.delaySlotDepth == 0, "no delay slot stays open");
+    }
+}
+
+}  // namespace
+}  // namespace tarn
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    tarn::fuzz::start();
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
+    using namespace tarn;
+    test::resetRecords();
+    fuzz::restartRenderer();
+    fuzz::clearMemory();
+    fuzz::Input input({data, size});
+    const u8 settings = input.take<u8>();
+    const bool traced = (settings & 0x70) == 0x70;
+    Settings.debug_op = traced ? 1 : 0;
+    Settings.debug_dma = (settings >> 1) & 1;
+    Settings.debug_gs = (settings >> 2) & 1;
+    Settings.debug_print_syscall = (settings >> 3) & 1;
+    seedRegisters(input);
+    Ps2Bios.vsyncCountdown = 14 + (settings >> 4);
+    MipsCpu.PC = programAddress;
+    u32 address = programAddress;
+    while (!input.empty() && address < programAddress + 0x400) {
+        const u32 word = takeWord(input);
+        std::memcpy(MipsMemory + address, &word, sizeof word);
+        address += 4;
+    }
+    // Past its end the program starts again, with what it has made of itself.
+    const u32 again = 2U << 26 | programAddress / 4;
+    std::memcpy(MipsMemory + address, &again, sizeof again);
+
+    // The first half step by step, the rest as a batch; a pause is lifted once, as F2 does.
+    const u64 limit = traced ? 8 : stepLimit;
+    runChecked(limit / 2);
+    MipsCpu.pause = 0;
+    for (u64 steps = 0; steps < limit / 2 && MipsCpu.pause == 0;) {
+        steps += runSteps(limit / 2 - steps);
+    }
+    return 0;
+}
