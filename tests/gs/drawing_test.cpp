@@ -283,6 +283,13 @@ TEST_F(Drawing, AlphaAndDepthTests) {
     }
 }
 
+TEST_F(Drawing, TheSteepestDepthGradientWrapsInsteadOfTrapping) {
+    test(0, 0, 0, 1, 1);
+    GSwrite(triangle, PRIM);  // -2^63 over a width of -1/65536 pixel
+    xyz(0, 0, 0x80000000), xyz(1, 1, 0), xyz(3, 3, 0x80000000);
+    EXPECT_EQ(taken(), 0u);
+}
+
 TEST_F(Drawing, BlendingIsOptIn) {
     GSwrite(0 | 1 << 2 | 0 << 4 | 1 << 6, ALPHA_1);  // source over destination by source alpha
     const auto result = [](u32 rgba) {
@@ -352,6 +359,23 @@ TEST_F(Drawing, TheQueueCarriesOnlyTheAttributesInUse) {
     GSwrite(triangleStrip, PRIM);
     colour(1), xyz(0, 0), colour(2), xyz(8, 0), colour(3), xyz(0, 8);
     EXPECT_EQ(pixel(1, 1), 3u);
+}
+
+TEST_F(Drawing, RowsWrapAtTheEndOfLocalMemory) {
+    test(0, 0, 0, 1, 1);
+    for (const bool frameWraps : {true, false}) {
+        std::fill_n(Gs.vRamUL, localMemoryWords, 0);
+        GSwrite((frameWraps ? 511 : 64) | 10 << 16, FRAME_1);
+        GSwrite(frameWraps ? 64 : 511, ZBUF_1);
+        primitive(sprite, {{0, 0}, {640, 8}}, 7);  // the corner is moved to column 639, so that is left out
+        for (const auto& [base, value] : {std::pair{Gs.gsfb->fbp, white}, {Gs.zbuf->zbp, 7u}}) {
+            for (u32 i = 0; i < 640 * 8; ++i) {
+                ASSERT_EQ(Gs.vRamUL[(base + i) % localMemoryWords], i % 640 == 639 ? 0 : value) << i;
+            }
+        }
+        EXPECT_EQ(std::count(Gs.vRamUL, Gs.vRamUL + localMemoryWords, 0u),
+                  s64{localMemoryWords} - 2 * 639 * 8);
+    }
 }
 
 TEST_F(Drawing, AFrameOfWidth0HoldsLinesInTheWordBeforeIt) {
