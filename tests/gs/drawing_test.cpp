@@ -217,6 +217,23 @@ TEST_F(Drawing, ASpriteOf32BitTexelsStopsBeyondLocalMemory) {
     EXPECT_EQ(take(), (Positions{{0, 0}, {8, 8}, {8, 9}}));
 }
 
+TEST_F(Drawing, TexelsThatTheRowItselfDrawsAreSeen) {
+    // A texture laid over the frame and one pixel behind smears the first pixel along the row.
+    pixel(0, 0) = 0x00123456;
+    GSwrite(u64{10} << 14, TEX0_1);
+    colour(0x80808080);
+    GSwrite(sprite | tme | fst, PRIM);
+    uv(0, 0), xyz(1, 0), uv(40, 1), xyz(41, 1);
+    EXPECT_EQ(std::count(Gs.vRamUL, Gs.vRamUL + 41, 0x00123456u), 41);
+    // The same over the depth buffer: each pixel shows the depth of the one before.
+    GSwrite(u64{depthBase / 64} | u64{10} << 14 | u64{1} << 35, TEX0_1);
+    test(0, 0, 0, 1, 1);
+    GSwrite(triangle | tme | fst, PRIM);
+    uv(0, 0), xyz(1, 0, 7), uv(40, 0), xyz(41, 0, 7), uv(0, 0), xyz(1, 1, 7);
+    EXPECT_EQ(pixel(1, 0), 0u);
+    EXPECT_EQ(std::count(Gs.vRamUL, Gs.vRamUL + 41, 7u), 39);
+}
+
 TEST_F(Drawing, PalettesReorderAndExpand) {
     u8* texels = Gs.vRam + textureBase * 4;
     texels[0] = 8;
