@@ -194,7 +194,9 @@ TEST_F(DebuggerTest, WatchpointsStopBeforeTheAccess) {
         put(program + 4, each.slot);
         EXPECT_EQ(ask(each.point), "OK");
         ask("c");
+        const MipsCpuRecord before = MipsCpu;
         EXPECT_EQ(debugger.beforeStep(), each.reply) << each.what;
+        EXPECT_EQ(std::memcmp(&before, &MipsCpu, sizeof before), 0) << "looking ahead changes nothing";
     }
 }
 
