@@ -105,10 +105,7 @@ class PackageTest(unittest.TestCase):
         for name in 'quote".elf', "semi;colon.elf", "long" * 60 + ".elf":
             (self.directory / name).touch()
             self.assertIn("cannot hold", self.run_program("tarn-setup", "refused", name, status=1))
-        self.assertIn("no such file", self.run_program("tarn-setup", "refused", "missing.elf", status=1))
         self.assertIn("usage:", self.run_program("tarn-setup", "--walk", status=2))
-        self.assertFalse((self.directory / "refused").exists())
-
         odd = self.directory / "a & b#1|2.elf"
         odd.write_bytes((self.usr / "share/tarn/guest/picture.elf").read_bytes())
         self.run_program("tarn-setup", "odd", odd)
