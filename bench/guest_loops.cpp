@@ -3,8 +3,8 @@
 
 #include "guest_code.h"
 
+#include <algorithm>
 #include <cstdio>
-#include <cstring>
 
 namespace tarn::bench {
 
@@ -101,8 +101,9 @@ std::vector<u32> guestProgram(const GuestLoop& loop, u32 iterations, Ending endi
 
 bool writeGuestElf(const char* path, std::span<const u32> program, Ending ending) {
     constexpr u32 headerBytes = 52;
-    constexpr u32 codeOffset = 0x1000;                              // page-aligned like the address
-    constexpr u32 imageBytes = 0x9000;                              // code, and data on another page
+    constexpr u32 codeOffset = 0x1000;  // page-aligned like the address
+    // Code and, on another page, data.
+    const u32 imageBytes = std::max(0x9000U, static_cast<u32>(program.size_bytes()));
     const u32 flags = ending == Ending::LinuxN32 ? 0x80000020 : 0;  // MIPS64R2, N32
 
     ElfImage elf;

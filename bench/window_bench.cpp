@@ -1,0 +1,76 @@
+// Owns the measurements of the window: appending text, and redrawing everything, on SDL's dummy display.
+#include "bench_machine.h"
+#include "gui/kogui.h"
+#include "gui/text_sinks.h"
+#include "shell/session.h"
+#include "shell/settings.h"
+
+#include <SDL.h>
+#include <benchmark/benchmark.h>
+#include <cstdio>
+#include <cstdlib>
+#include <unistd.h>
+
+namespace tarn::bench {
+
+namespace {
+
+/// The window with its four panes; once.
+void openWindow() {
+    static const bool opened = [] {
+        setenv("SDL_VIDEODRIVER", "dummy", 1);
+        // The fonts are found from the working directory.
+        if (chdir(TARN_SOURCE_DIRECTORY) != 0 || SDL_Init(SDL_INIT_VIDEO) != 0 ||
+            SDL_SetVideoMode(800, 600, 32, SDL_HWSURFACE) == nullptr) {
+            std::fprintf(stderr, "tarn-bench: no window\n");
+            std::exit(1);
+        }
+        Settings.koGUI_MainScreenW = 320;
+        Settings.koGUI_MainScreenH = 240;
+        Settings.koGUI_MainScreenBPP = 32;
+        createMainScreen();
+        if (koGUI_Init(&TarnGUI) == 0) {
+            std::exit(1);
+        }
+        addPanes(koGUIwidget_addText);
+        return true;
+    }();
+    static_cast<void>(opened);
+}
+
+void append(benchmark::State& state) {
+    openWindow();
+    for (auto _ : state) {
+        PrintToOpcodeOutput("00100000: addiu sp,sp,fff0");
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(append)->Name("window/append")->Iterations(200000);
+
+/// One turn of the main loop in which `makeDirty` has made a pane dirty.
+template <void (*makeDirty)()>
+void redraw(benchmark::State& state) {
+    openWindow();
+    for (int i = 0; i < 64; ++i) {
+        PrintToEmuOutput(
+            "R5900:Allocation Main Memory 32 Mbits...OK, and some more text to fill the line with");
+        PrintToOpcodeOutput("00100000: addiu sp,sp,fff0 to fill the line");
+        PrintToRegistersOutput("sp : 0000000081f00000");
+    }
+    TarnGUI.IdleProc = [] {
+        makeDirty();
+        TarnGUI.running = 2;
+    };
+    for (auto _ : state) {
+        TarnGUI.running = 1;
+        koGUI_MainLoop(&TarnGUI);
+        benchmark::ClobberMemory();
+    }
+}
+void dirtyText() { TarnGUI.widgets[paneEmuOutput].dirty = 1; }
+BENCHMARK(redraw<dirtyText>)->Name("window/redraw/text");
+BENCHMARK(redraw<MarkVideoOutputDirty>)->Name("window/redraw/picture");
+
+}  // namespace
+
+}  // namespace tarn::bench
