@@ -20,24 +20,14 @@ class Rewind {
     Rewind() = default;
     ~Rewind() {
         MipsCpu.PC = pc;
-        if (registers) {
-            MipsCpu.GPR = *registers;
-        }
+        MipsCpu.GPR = registers;
     }
     Rewind(const Rewind&) = delete;
     Rewind& operator=(const Rewind&) = delete;
 
-    /// Links a register as a jump at PC does.
-    void linkRegister(Gpr reg) {
-        if (!registers) {
-            registers = MipsCpu.GPR;
-        }
-        link(reg, MipsCpu.PC);
-    }
-
   private:
     u64 pc = MipsCpu.PC;
-    std::optional<decltype(MipsCpu.GPR)> registers;  ///< kept only when a jump links: this runs at every step
+    decltype(MipsCpu.GPR) registers = MipsCpu.GPR;
 };
 
 std::optional<u32> fetch() {
@@ -50,13 +40,13 @@ std::optional<u32> fetch() {
 
 /// Whether the word is a taken branch or a jump, so that its step runs the delay slot too. Links, as the slot
 /// sees it.
-bool runsDelaySlot(u32 word, Rewind& rewind) {
+bool runsDelaySlot(u32 word) {
     const auto branch = BranchFields::from(word);
     const auto zeroBranch = ZeroBranchFields::from(word);
     switch (majorOpcode(word)) {
     case 0:  // SPECIAL
         if (functionCode(word) == 9) {
-            rewind.linkRegister(RegisterFields::from(word).rd);  // JALR
+            link(RegisterFields::from(word).rd, MipsCpu.PC);  // JALR
             return true;
         }
         return functionCode(word) == 8;  // JR
@@ -74,7 +64,7 @@ bool runsDelaySlot(u32 word, Rewind& rewind) {
     case 2:  // J
         return true;
     case 3:  // JAL
-        rewind.linkRegister(returnAddress);
+        link(returnAddress, MipsCpu.PC);
         return true;
     case 4:   // BEQ
     case 20:  // BEQL
@@ -154,13 +144,13 @@ std::optional<MemoryAccess> accessOf(u32 word) {
 }  // namespace
 
 std::optional<MemoryAccess> nextMemoryAccess() {
-    Rewind rewind;
+    const Rewind rewind;
     for (u32 depth = 0; depth <= maximumDelaySlotDepth; ++depth) {
         const std::optional<u32> word = fetch();
         if (!word) {
             return std::nullopt;
         }
-        if (!runsDelaySlot(*word, rewind)) {
+        if (!runsDelaySlot(*word)) {
             return accessOf(*word);
         }
         MipsCpu.PC += 4;

@@ -33,6 +33,10 @@ BitmapFont* LoadFontFromSurface(SDL_Surface* surface);
 void InitFont(BitmapFont* font);
 void FreeFont(BitmapFont* font);
 
+/// Gives the strip the pixel format of the surface that the font is drawn on, so that drawing a glyph copies
+/// its pixels and skips the others, without a conversion or a comparison each. The glyphs look the same.
+void AdaptFont(BitmapFont* font, const SDL_Surface* surface);
+
 BitmapFont* GetCurrentFont();
 void SetCurrentFont(BitmapFont* font);
 s32 FontHeight(const BitmapFont* font);

@@ -1,6 +1,8 @@
 // Owns the drawing of text with a bitmap font.
 #include "gui/bitmap_font.h"
 
+#include "gui/blits.h"
+
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
@@ -39,8 +41,8 @@ s32 PutCharFont(SDL_Surface* surface, const BitmapFont* font, s32 x, s32 y, int 
     SDL_Rect destination{static_cast<Sint16>(x), static_cast<Sint16>(y), font->glyphs[' '].w,
                          static_cast<Uint16>(font->height)};
     if (character != ' ') {
-        SDL_Rect glyph = font->glyphs[static_cast<unsigned char>(character)];
-        SDL_UpperBlit(font->surface, &glyph, surface, &destination);  // leaves the width it has drawn
+        const SDL_Rect& glyph = font->glyphs[static_cast<unsigned char>(character)];
+        blit(font->surface, &glyph, surface, &destination);  // leaves the width it has drawn
     }
     return destination.w;
 }

@@ -76,6 +76,26 @@ void InitFont(BitmapFont* font) {
     SDL_SetColorKey(surface, SDL_SRCCOLORKEY, keyColour(surface));
 }
 
+void AdaptFont(BitmapFont* font, const SDL_Surface* surface) {
+    // A palette could have the transparent colour twice, once to be drawn.
+    if (font->surface == nullptr || font->surface->format->BytesPerPixel < 3) {
+        return;
+    }
+    const u32 key = font->surface->format->colorkey;
+    u8 red = 0, green = 0, blue = 0;
+    SDL_GetRGB(key, font->surface->format, &red, &green, &blue);
+    SDL_SetColorKey(font->surface, 0, 0);  // or the conversion would leave those pixels out
+    SDL_Surface* adapted = SDL_ConvertSurface(font->surface, surface->format, SDL_SWSURFACE);
+    if (adapted == nullptr) {
+        SDL_SetColorKey(font->surface, SDL_SRCCOLORKEY, key);
+        return;
+    }
+    SDL_FreeSurface(font->surface);
+    font->surface = adapted;
+    SDL_SetAlpha(adapted, 0, SDL_ALPHA_OPAQUE);
+    SDL_SetColorKey(adapted, SDL_SRCCOLORKEY, SDL_MapRGB(adapted->format, red, green, blue));
+}
+
 void FreeFont(BitmapFont* font) {
     if (font == nullptr) {
         return;

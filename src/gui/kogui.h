@@ -35,6 +35,17 @@ struct koGUItextLine {
     koGUItextLine* next = nullptr;
 };
 
+/// Where a pane stands, and whether its body shows.
+struct PanePlace {
+    s32 x = 0;
+    s32 y = 0;
+    u32 w = 0;
+    u32 h = 0;
+    u8 state = 0;
+
+    bool operator==(const PanePlace&) const = default;
+};
+
 /// One pane.
 struct koGUIwidget {
     u32 id = 0;  ///< index in the screen's table
@@ -61,6 +72,8 @@ struct koGUIwidget {
     koGUItextLine* (*addText)(koGUIwidget*, const char*) = nullptr;
     u32 maxLines = 0;   ///< lines that the pane has room for
     u32 firstLine = 0;  ///< index of the first line shown
+
+    PanePlace drawnPlace;  ///< at the last redraw
 
     // What makes appending and drawing independent of the length of the list.
     koGUItextLine* sentinel = nullptr;   ///< end of the list

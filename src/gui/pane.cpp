@@ -1,6 +1,7 @@
 // Owns what all panes share: set-up, frame and title bar, image and plain bodies, the hit test.
 #include "gui/kogui.h"
 
+#include "gui/blits.h"
 #include "gui/line_drawing.h"
 
 #include <algorithm>
@@ -90,7 +91,7 @@ void koGUIwidget_image_internal_draw(koGUIwidget* pane, koGUIscreen* screen) {
                           pane->image->format->BytesPerPixel <= 4;
     if (drawable) {
         SDL_Rect body = bodyRectangle(pane);
-        SDL_UpperBlit(pane->image, nullptr, screen->surface, &body);
+        blit(pane->image, nullptr, screen->surface, &body);
     }
 }
 

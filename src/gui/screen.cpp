@@ -1,6 +1,8 @@
 // Owns the toolkit's screen: its surface and fonts, the table of panes, the main loop.
 #include "gui/kogui.h"
 
+#include "gui/blits.h"
+
 #include <cstdio>
 #include <cstdlib>
 
@@ -27,6 +29,19 @@ bool anyPaneDirty(const koGUIscreen* screen) {
     return false;
 }
 
+PanePlace placeOf(const koGUIwidget& pane) { return {pane.x, pane.y, pane.w, pane.h, pane.state}; }
+
+/// Shows a part of the off-screen surface in the window; all of it if the rectangle is null.
+void show(koGUIscreen* screen, SDL_Surface* video, const SDL_Rect* rectangle) {
+    SDL_Rect place = rectangle != nullptr ? *rectangle : SDL_Rect{};
+    blit(screen->surface, rectangle, video, &place);
+    if (video != nullptr && rectangle == nullptr) {
+        SDL_UpdateRect(video, 0, 0, 0, 0);
+    } else if (video != nullptr && place.w > 0 && place.h > 0) {
+        SDL_UpdateRect(video, place.x, place.y, place.w, place.h);
+    }
+}
+
 /// Draws every pane, in index order so that later ones lie on top, and shows the result in the window.
 void redraw(koGUIscreen* screen, SDL_Surface* video) {
     screen->ClearScreen(screen);
@@ -37,11 +52,48 @@ void redraw(koGUIscreen* screen, SDL_Surface* video) {
             pane->internal_draw(pane, screen);
         }
         pane->dirty = 0;
+        pane->drawnPlace = placeOf(*pane);
     }
-    SDL_UpperBlit(screen->surface, nullptr, video, nullptr);
-    if (video != nullptr) {
-        SDL_UpdateRect(video, 0, 0, 0, 0);
+    show(screen, video, nullptr);
+}
+
+/// Whether a pane may draw on a rectangle. Its text may run out to the right, and a line's height below.
+bool mayDrawOn(const koGUIwidget& pane, const SDL_Rect& rectangle, s32 lineHeight) {
+    const s64 bottom = s64{pane.y} + pane.h + 1 + lineHeight;
+    return rectangle.x + rectangle.w > pane.x && rectangle.y + rectangle.h > pane.y && rectangle.y < bottom;
+}
+
+/// Whether redrawing everything would change nothing but the picture of pane 0: no other pane is dirty, moved
+/// or shaded since the last time, or near the picture.
+bool onlyPictureChanges(const koGUIscreen* screen, const SDL_Rect& picture) {
+    for (u32 i = 0; i < screen->nbWidgets; ++i) {
+        const koGUIwidget& pane = screen->widgets[i];
+        const bool isPicture = i == paneVideoOutput;
+        if (pane.drawnPlace != placeOf(pane) || (pane.dirty == 1) != isPicture ||
+            (!isPicture && mayDrawOn(pane, picture, FontHeight(screen->font2)))) {
+            return false;
+        }
     }
+    return true;
+}
+
+/// The redraw of a frame's picture alone, when nothing else has changed; false otherwise.
+bool redrawPicture(koGUIscreen* screen, SDL_Surface* video) {
+    koGUIwidget* pane = &screen->widgets[paneVideoOutput];
+    if (pane->internal_draw != koGUIwidget_image_internal_draw || pane->image == nullptr ||
+        pane->state != paneOpen) {
+        return false;
+    }
+    SDL_Rect picture = bodyRectangle(pane);
+    picture.w = static_cast<Uint16>(pane->image->w);
+    picture.h = static_cast<Uint16>(pane->image->h);
+    if (!onlyPictureChanges(screen, picture)) {
+        return false;
+    }
+    pane->internal_draw(pane, screen);
+    pane->dirty = 0;
+    show(screen, video, &picture);
+    return true;
 }
 
 }  // namespace
@@ -66,20 +118,21 @@ int koGUI_Init(koGUIscreen* screen) {
     SDL_SetAlpha(screen->surface, 0, SDL_ALPHA_OPAQUE);
     screen->font1 = loadFontOrExit("data/font_1.bmp", "Couldnt load Font1\n");
     screen->font2 = loadFontOrExit("data/font_2.bmp", "Couldnt load Font2\n");
+    AdaptFont(screen->font1, screen->surface);
+    AdaptFont(screen->font2, screen->surface);
     screen->running = 1;
     koGUI_ClearScreen(screen);
     return 1;
 }
 
 void fillRectangle(koGUIscreen* screen, SDL_Rect rectangle, SDL_Color colour) {
-    SDL_FillRect(screen->surface, &rectangle,
-                 SDL_MapRGB(screen->surface->format, colour.r, colour.g, colour.b));
+    fill(screen->surface, rectangle, SDL_MapRGB(screen->surface->format, colour.r, colour.g, colour.b));
 }
 
 void koGUI_ClearScreen(koGUIscreen* screen) {
-    SDL_FillRect(
-        screen->surface, nullptr,
-        SDL_MapRGB(screen->surface->format, backgroundColour.r, backgroundColour.g, backgroundColour.b));
+    const SDL_Rect everything{0, 0, static_cast<Uint16>(screen->surface->w),
+                              static_cast<Uint16>(screen->surface->h)};
+    fillRectangle(screen, everything, backgroundColour);
 }
 
 void koGUI_AddWidget(koGUIscreen* screen, const koGUIwidget* pane) {
@@ -97,7 +150,7 @@ void koGUI_MainLoop(koGUIscreen* screen) {
     SDL_Surface* video = SDL_GetVideoSurface();
     while (screen->running == 1) {
         screen->IdleProc();
-        if (anyPaneDirty(screen)) {
+        if (anyPaneDirty(screen) && !redrawPicture(screen, video)) {
             redraw(screen, video);
         }
         SDL_Event event;

@@ -16,9 +16,7 @@ class Toolkit : public testing::Test {
   protected:
     Toolkit() {
         resetMachine();
-        while (TarnGUI.nbWidgets > 0) {
-            freeTextLines(&TarnGUI.widgets[--TarnGUI.nbWidgets]);
-        }
+        TarnGUI.nbWidgets = 0;
         TarnGUI.surface =
             SDL_CreateRGBSurface(SDL_SWSURFACE, width, height, 32, 0xFF, 0xFF00, 0xFF0000, 0xFF000000);
         TarnGUI.font2 = makeFont(500, 11, steppedGlyphs(94)).release();

@@ -1,0 +1,19 @@
+// Declares the copying between surfaces and the filling of rectangles.
+#pragma once
+
+#include "base/types.h"
+
+#include <SDL.h>
+
+namespace tarn {
+
+/// What SDL_UpperBlit shows, at the speed of a copy in two cases for which SDL has only its general
+/// conversion: opaque pictures whose 32-bit format differs in the order of red and blue, and ones with a
+/// colour key whose 32-bit format does not differ. `part` of `source` (all of it if null) goes to the
+/// top-left corner of `place` (0, 0 if null), which leaves as the rectangle that has been written.
+void blit(SDL_Surface* source, const SDL_Rect* part, SDL_Surface* destination, SDL_Rect* place);
+
+/// What SDL_FillRect does, faster where pixels are 32 bits.
+void fill(SDL_Surface* surface, const SDL_Rect& rectangle, u32 pixel);
+
+}  // namespace tarn

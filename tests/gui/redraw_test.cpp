@@ -1,0 +1,210 @@
+// Holds the quick ways of drawing against the plain ones, pixel by pixel: blits against SDL's, an adapted
+// font against the one it is made from, the redraw of the picture alone against that of everything.
+#include "gui/blits.h"
+#include "gui/kogui.h"
+#include "gui/text_sinks.h"
+#include "support/machine_test.h"
+#include "surfaces.h"
+
+#include <cstdlib>
+#include <random>
+
+namespace tarn::test {
+namespace {
+
+std::mt19937 generator{1};  // the same cases on every host
+int below(int limit) { return static_cast<int>(generator() % static_cast<unsigned>(limit)); }
+
+/// Few values, so that a colour key is found more than once.
+void fillAtRandom(SDL_Surface* surface) {
+    auto* bytes = static_cast<u8*>(surface->pixels);
+    std::generate_n(bytes, surface->h * surface->pitch, [] { return static_cast<u8>(below(3) * 0x7F); });
+}
+
+/// Whether two surfaces show the same: alpha is nothing that shows.
+bool samePicture(const SDL_Surface* one, const SDL_Surface* other) {
+    const u32 colours = one->format->Rmask | one->format->Gmask | one->format->Bmask;
+    for (int y = 0; y < one->h; ++y) {
+        for (int x = 0; x < one->w; ++x) {
+            if (((pixelOf(one, x, y) ^ pixelOf(other, x, y)) & colours) != 0) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+SurfacePtr surfaceLike(const SDL_PixelFormat& format, int width, int height) {
+    SurfacePtr surface(SDL_CreateRGBSurface(SDL_SWSURFACE, width, height, format.BitsPerPixel, format.Rmask,
+                                            format.Gmask, format.Bmask, format.Amask),
+                       SDL_FreeSurface);
+    SDL_SetAlpha(surface.get(), 0, SDL_ALPHA_OPAQUE);
+    return surface;
+}
+
+constexpr SDL_PixelFormat format(Uint8 depth, u32 red, u32 green, u32 blue, u32 alpha) {
+    SDL_PixelFormat result{};
+    result.BitsPerPixel = depth;
+    result.Rmask = red;
+    result.Gmask = green;
+    result.Bmask = blue;
+    result.Amask = alpha;
+    return result;
+}
+
+constexpr SDL_PixelFormat formats[] = {
+    format(32, 0xFF, 0xFF00, 0xFF0000, 0xFF000000), format(32, 0xFF0000, 0xFF00, 0xFF, 0xFF000000),
+    format(32, 0xFF0000, 0xFF00, 0xFF, 0),          format(32, 0xFF000000, 0xFF0000, 0xFF00, 0),
+    format(24, 0xFF0000, 0xFF00, 0xFF, 0),          format(16, 0xF800, 0x07E0, 0x001F, 0),
+};
+
+SDL_Rect anyRectangle(int size) {
+    return {static_cast<Sint16>(below(size) - size / 3), static_cast<Sint16>(below(size) - size / 3),
+            static_cast<Uint16>(below(size)), static_cast<Uint16>(below(size))};
+}
+
+TEST(Redraw, CopiesAndFillsAreSdls) {
+    for (const SDL_PixelFormat& from : formats) {
+        for (const SDL_PixelFormat& to : formats) {
+            const SurfacePtr source = surfaceLike(from, 40, 30);
+            fillAtRandom(source.get());
+            for (int i = 0; i < 50; ++i) {
+                const SurfacePtr quick = surfaceLike(to, 37, 33), plain = surfaceLike(to, 37, 33);
+                if (below(3) == 0) {
+                    SDL_SetColorKey(source.get(), SDL_SRCCOLORKEY,
+                                    pixelOf(source.get(), below(40), below(30)));
+                } else {
+                    SDL_SetColorKey(source.get(), 0, 0);
+                }
+                if (below(2) == 0) {
+                    const SDL_Rect clip{static_cast<Sint16>(below(20)), static_cast<Sint16>(below(20)), 15,
+                                        12};
+                    SDL_SetClipRect(quick.get(), &clip);
+                    SDL_SetClipRect(plain.get(), &clip);
+                }
+                SDL_Rect part = anyRectangle(50), place = anyRectangle(50), plainPlace = place;
+                const SDL_Rect* which = below(3) == 0 ? nullptr : &part;
+                SDL_Rect plainPart = part;
+                blit(source.get(), which, quick.get(), &place);
+                SDL_UpperBlit(source.get(), which == nullptr ? nullptr : &plainPart, plain.get(),
+                              &plainPlace);
+                ASSERT_TRUE(samePicture(quick.get(), plain.get()));
+                ASSERT_EQ(place.w, plainPlace.w);
+                ASSERT_EQ(place.h, plainPlace.h);
+
+                SDL_Rect filled = anyRectangle(50);
+                const u32 colour = static_cast<u32>(generator());
+                std::memcpy(quick->pixels, plain->pixels, static_cast<std::size_t>(plain->h) * plain->pitch);
+                fill(quick.get(), filled, colour);
+                SDL_FillRect(plain.get(), &filled, colour);
+                ASSERT_TRUE(samePicture(quick.get(), plain.get()));
+            }
+        }
+    }
+}
+
+TEST(Redraw, AnAdaptedFontLooksTheSame) {
+    for (const char* path : {"font_1.bmp", "font_2.bmp"}) {
+        const std::string file = std::string(TARN_SOURCE_DIRECTORY "/data/") + path;
+        const FontPtr plain(LoadFont(file.c_str()), FreeFont), adapted(LoadFont(file.c_str()), FreeFont);
+        ASSERT_NE(plain, nullptr);
+        const SurfacePtr one = surfaceLike(formats[0], 300, 40), other = surfaceLike(formats[0], 300, 40);
+        AdaptFont(adapted.get(), other.get());
+        for (SDL_Surface* surface : {one.get(), other.get()}) {
+            SDL_FillRect(surface, nullptr, 0xFF123456);
+        }
+        for (const auto& [x, y, text] : {std::tuple{2, 2, "!\"#The quick {brown} ~fox"},
+                                         {-5, 25, "clipped"},
+                                         {270, 10, "clipped"},
+                                         {7, 9, "overlapping"}}) {
+            EXPECT_EQ(PutStringFont(one.get(), plain.get(), x, y, text),
+                      PutStringFont(other.get(), adapted.get(), x, y, text));
+            EXPECT_TRUE(samePicture(one.get(), other.get())) << text;
+        }
+    }
+}
+
+/// TarnGUI in a window of SDL's dummy driver.
+class Window : public testing::Test {
+  protected:
+    Window() {
+        resetMachine();
+        TarnGUI = {};
+        setenv("SDL_VIDEODRIVER", "dummy", 1);
+        EXPECT_EQ(SDL_Init(SDL_INIT_VIDEO), 0);
+        EXPECT_NE(SDL_SetVideoMode(400, 300, 32, SDL_SWSURFACE), nullptr);
+        picture = surfaceLike(formats[1], 120, 90);
+        TarnGUI.surface = surfaceLike(formats[0], 400, 300).release();
+        TarnGUI.ClearScreen = koGUI_ClearScreen;
+        TarnGUI.font1 = makeFont(500, 17, steppedGlyphs(94)).release();
+        TarnGUI.font2 = makeFont(500, 11, steppedGlyphs(94)).release();
+        add(imagePane, 10, 10, 122, 112);
+        TarnGUI.widgets[0].image = picture.get();
+        add(textPane, 10, 150, 150, 90);
+        add(textPane, 180, 20, 150, 90);
+    }
+    ~Window() override {
+        outputOf([] { koGUI_Destroy(&TarnGUI); });
+        SDL_Quit();
+        resetMachine();
+    }
+
+    static void add(u8 kind, s32 x, s32 y, u32 w, u32 h) {
+        koGUIwidget pane;
+        koGUIwidget_init(&pane, kind, x, y, w, h, "pane");
+        koGUI_AddWidget(&TarnGUI, &pane);
+    }
+
+    static void turn() {
+        TarnGUI.running = 1;
+        TarnGUI.IdleProc = [] { TarnGUI.running = 2; };
+        koGUI_MainLoop(&TarnGUI);
+    }
+
+    /// What the window shows after everything has been drawn anew.
+    static std::vector<u8> drawnAnew() {
+        TarnGUI.widgets[1].dirty = 1;
+        turn();
+        return shown();
+    }
+    static std::vector<u8> shown() {
+        const SDL_Surface* video = SDL_GetVideoSurface();
+        const auto* bytes = static_cast<const u8*>(video->pixels);
+        return {bytes, bytes + static_cast<std::size_t>(video->h) * video->pitch};
+    }
+
+    SurfacePtr picture{nullptr, SDL_FreeSurface};
+};
+
+TEST_F(Window, RedrawingThePictureAloneIsRedrawingEverything) {
+    turn();
+    for (int i = 0; i < 150; ++i) {
+        koGUIwidget& pane = TarnGUI.widgets[static_cast<std::size_t>(below(3))];
+        switch (below(8)) {
+        case 0:  // dragged
+            pane.x = std::max(0, pane.x + below(41) - 20);
+            pane.y = std::max(0, pane.y + below(41) - 20);
+            pane.dirty = 1;
+            break;
+        case 1:  // shaded or opened, which marks nothing
+            pane.state = pane.state == paneOpen ? paneShaded : paneOpen;
+            std::swap(pane.h, pane.savedH = pane.savedH != 0 ? pane.savedH : 22);
+            break;
+        case 2:
+            koGUIwidget_addText(&TarnGUI.widgets[1],
+                                "text that runs out of its pane, far to the right of it");
+            break;
+        default:
+            break;
+        }
+        fillAtRandom(picture.get());
+        TarnGUI.widgets[0].dirty = 1;
+        turn();
+        const std::vector<u8> quick = shown();
+        ASSERT_EQ(TarnGUI.widgets[0].dirty, 0);
+        ASSERT_EQ(quick, drawnAnew()) << i;
+    }
+}
+
+}  // namespace
+}  // namespace tarn::test
