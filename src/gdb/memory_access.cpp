@@ -20,14 +20,24 @@ class Rewind {
     Rewind() = default;
     ~Rewind() {
         MipsCpu.PC = pc;
-        MipsCpu.GPR = registers;
+        if (registers) {
+            MipsCpu.GPR = *registers;
+        }
     }
     Rewind(const Rewind&) = delete;
     Rewind& operator=(const Rewind&) = delete;
 
+    /// Links a register as a jump at PC does.
+    void linkRegister(Gpr reg) {
+        if (!registers) {
+            registers = MipsCpu.GPR;
+        }
+        link(reg, MipsCpu.PC);
+    }
+
   private:
     u64 pc = MipsCpu.PC;
-    decltype(MipsCpu.GPR) registers = MipsCpu.GPR;
+    std::optional<decltype(MipsCpu.GPR)> registers;  ///< kept only when a jump links: this runs at every step
 };
 
 std::optional<u32> fetch() {
@@ -40,13 +50,13 @@ std::optional<u32> fetch() {
 
 /// Whether the word is a taken branch or a jump, so that its step runs the delay slot too. Links, as the slot
 /// sees it.
-bool runsDelaySlot(u32 word) {
+bool runsDelaySlot(u32 word, Rewind& rewind) {
     const auto branch = BranchFields::from(word);
     const auto zeroBranch = ZeroBranchFields::from(word);
     switch (majorOpcode(word)) {
     case 0:  // SPECIAL
         if (functionCode(word) == 9) {
-            link(RegisterFields::from(word).rd, MipsCpu.PC);  // JALR
+            rewind.linkRegister(RegisterFields::from(word).rd);  // JALR
             return true;
         }
         return functionCode(word) == 8;  // JR
@@ -64,7 +74,7 @@ bool runsDelaySlot(u32 word) {
     case 2:  // J
         return true;
     case 3:  // JAL
-        link(returnAddress, MipsCpu.PC);
+        rewind.linkRegister(returnAddress);
         return true;
     case 4:   // BEQ
     case 20:  // BEQL
@@ -144,13 +154,13 @@ std::optional<MemoryAccess> accessOf(u32 word) {
 }  // namespace
 
 std::optional<MemoryAccess> nextMemoryAccess() {
-    const Rewind rewind;
+    Rewind rewind;
     for (u32 depth = 0; depth <= maximumDelaySlotDepth; ++depth) {
         const std::optional<u32> word = fetch();
         if (!word) {
             return std::nullopt;
         }
-        if (!runsDelaySlot(*word)) {
+        if (!runsDelaySlot(*word, rewind)) {
             return accessOf(*word);
         }
         MipsCpu.PC += 4;

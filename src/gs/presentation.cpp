@@ -30,6 +30,14 @@ u32 sourceIndex(const u32* source, s32 x, s32 y) {
     return static_cast<u32>(source - Gs.vRamUL) + static_cast<u32>(y) * Gs.gsdspfb->fbw + static_cast<u32>(x);
 }
 
+/// Converts `count` words of local memory from `index` on.
+template <class HostPixel>
+void convertLocal(u8* destination, u32 index, u32 count) {
+    forLocalRuns(index, count, [&](const u32* words, u32 first, u32 run) {
+        convertPixels<HostPixel>(destination + std::size_t{first} * HostPixel::bytes, words, run);
+    });
+}
+
 template <class HostPixel>
 void copyPlain(u8* destination, const u32* source, const GsRectangle& rectangle, s32 pitch) {
     if (!hasDestination()) {
@@ -43,15 +51,28 @@ void copyPlain(u8* destination, const u32* source, const GsRectangle& rectangle,
     for (s32 row = 0; row < rows.count; ++row) {
         u8* line = destination + std::ptrdiff_t{rows.offset + row} * pitch +
                    std::ptrdiff_t{columns.offset} * std::ptrdiff_t{HostPixel::bytes};
-        forLocalRuns(sourceIndex(source, rectangle.x, rectangle.y + row), static_cast<u32>(columns.count),
-                     [&](const u32* words, u32 first, u32 run) {
-                         convertPixels<HostPixel>(line + std::size_t{first} * HostPixel::bytes, words, run);
-                     });
+        convertLocal<HostPixel>(line, sourceIndex(source, rectangle.x, rectangle.y + row),
+                                static_cast<u32>(columns.count));
+    }
+}
+
+/// Copies the words of local memory that lie at `columns`, ascending, from `start`.
+void gather(u32* samples, u32 start, const u32* columns, u32 count) {
+    start &= localMemoryWords - 1;
+    if (start + columns[count - 1] < localMemoryWords) {
+        const u32* words = Gs.vRamUL + start;
+        for (u32 k = 0; k < count; ++k) {
+            samples[k] = words[columns[k]];
+        }
+    } else {
+        for (u32 k = 0; k < count; ++k) {
+            samples[k] = localWord(start + columns[k]);
+        }
     }
 }
 
 /// Steps are 16.16; destination pixel k of a row samples column x + 1 + k × step: the first is never column
-/// x. Columns are done in blocks, so that rows which repeat a source row find its samples already gathered.
+/// x. Columns are done in blocks, whose places in a source row are the same for all rows.
 template <class HostPixel>
 void copyStretched(u8* destination, const u32* source, const GsRectangle& rectangle, s32 pitch) {
     if (!hasDestination()) {
@@ -63,24 +84,28 @@ void copyStretched(u8* destination, const u32* source, const GsRectangle& rectan
     const s32 height = std::min(GsHost.conf.height, GsHost.buffer->h);
 
     constexpr s32 blockSize = 512;
+    std::array<u32, blockSize> columns;
     std::array<u32, blockSize> samples;
     for (s32 block = 0; block < width; block += blockSize) {
-        const s32 count = std::min(blockSize, width - block);
-        s32 gatheredRow = -1;
+        const u32 count = static_cast<u32>(std::min(blockSize, width - block));
+        for (u32 k = 0; k < count; ++k) {
+            columns[k] = static_cast<u32>((block + s64{k}) * xstep >> 16);
+        }
+        s64 sampledRow = -1;
         for (s32 row = 0; row < height; ++row) {
-            const s32 sourceRow = static_cast<s32>(row * ystep >> 16);
-            if (sourceRow != gatheredRow) {
-                gatheredRow = sourceRow;
-                const u32 start = sourceIndex(source, rectangle.x + 1, rectangle.y + sourceRow);
-                s64 position = block * xstep;
-                for (s32 k = 0; k < count; ++k) {
-                    samples[static_cast<u32>(k)] = localWord(start + static_cast<u32>(position >> 16));
-                    position += xstep;
-                }
-            }
+            const s64 sourceRow = row * ystep >> 16;
+            const u32 start = sourceIndex(source, rectangle.x + 1, rectangle.y + static_cast<s32>(sourceRow));
             u8* line = destination + std::ptrdiff_t{row} * pitch +
                        std::ptrdiff_t{block} * std::ptrdiff_t{HostPixel::bytes};
-            convertPixels<HostPixel>(line, samples.data(), static_cast<u32>(count));
+            if (xstep == 0x10000) {
+                convertLocal<HostPixel>(line, start + columns[0], count);
+                continue;
+            }
+            if (sourceRow != sampledRow) {  // a repeated row is there already
+                sampledRow = sourceRow;
+                gather(samples.data(), start, columns.data(), count);
+            }
+            convertPixels<HostPixel>(line, samples.data(), count);
         }
     }
 }

@@ -69,35 +69,14 @@ s32 truncate(double value) {
     return static_cast<s32>(std::clamp(value, lowest, highest));
 }
 
-template <std::size_t count>
-void prepareTextured(std::array<GsVertex, count>& vertices) {
-    for (GsVertex& vertex : vertices) {
-        if (Gs.prim->fst == 0) {
-            STQtoUV(vertex);
-        }
-        clipVertexT(vertex);
-    }
-}
-
-template <std::size_t count>
-void prepareUntextured(std::array<GsVertex, count>& vertices) {
-    for (GsVertex& vertex : vertices) {
-        clipVertex(vertex);
-    }
-}
-
-}  // namespace
-
-void clipVertex(GsVertex& vertex) {
-    const ClipBounds bounds;
+void clip(GsVertex& vertex, const ClipBounds& bounds) {
     clipToScissor(vertex.x, bounds.left, bounds.right, 0);
     clipToScissor(vertex.y, bounds.top, bounds.bottom, 0);
     vertex.x = clipToSize(vertex.x, bounds.width);
     vertex.y = std::min(clipToSize(vertex.y, bounds.height), lastUntexturedRow);
 }
 
-void clipVertexT(GsVertex& vertex) {
-    const ClipBounds bounds;
+void clipTextured(GsVertex& vertex, const ClipBounds& bounds) {
     const s64 u = clipToScissor(vertex.x, bounds.left, bounds.right, vertex.u);
     const s64 v = clipToScissor(vertex.y, bounds.top, bounds.bottom, vertex.v);
     vertex.x = clipToSize(vertex.x, bounds.width);
@@ -105,6 +84,30 @@ void clipVertexT(GsVertex& vertex) {
     vertex.u = clipToSize(u, bounds.width);  // the frame's bounds, not the texture's
     vertex.v = clipToSize(v, bounds.height);
 }
+
+template <std::size_t count>
+void prepareUntextured(std::array<GsVertex, count>& vertices) {
+    const ClipBounds bounds;
+    for (GsVertex& vertex : vertices) {
+        clip(vertex, bounds);
+    }
+}
+
+template <std::size_t count>
+void prepareTextured(std::array<GsVertex, count>& vertices) {
+    const ClipBounds bounds;
+    for (GsVertex& vertex : vertices) {
+        if (Gs.prim->fst == 0) {
+            STQtoUV(vertex);
+        }
+        clipTextured(vertex, bounds);
+    }
+}
+
+}  // namespace
+
+void clipVertex(GsVertex& vertex) { clip(vertex, ClipBounds{}); }
+void clipVertexT(GsVertex& vertex) { clipTextured(vertex, ClipBounds{}); }
 
 void STQtoUV(GsVertex& vertex) {
     if (vertex.q == 0.0F) {

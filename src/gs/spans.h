@@ -1,65 +1,108 @@
 // Owns span filling: the loop over a row's pixels, put together from a colour source, a depth method and an
 // end for the pixel. All three are chosen once per primitive, so the loop itself branches on no state.
 //
-// A colour source has colour() of the current pixel, step() to the next one, and constantAlpha: whether
-// colour() has the same alpha on every pixel of the primitive, which alpha() gives.
+// A colour source stands on a pixel of a row. It has
+//   colour(), step()   the pixel's colour, and the move to the next pixel,
+//   constantAlpha      whether all pixels of the primitive have the alpha that alpha() gives.
+// A wide source can also work out four pixels at a time, if that is known not to change what it reads:
+//   reads(count)       the words of local memory that the next `count` colours depend on,
+//   Quads              made from the source, gives the colours of four pixels by next(),
+//   advance(count)     moves `count` pixels on.
 #pragma once
 
-#include "base/bits.h"
 #include "gs/local_memory.h"
 #include "gs/pixel_writers.h"
 
 #include <algorithm>
-#include <array>
+#include <bit>
+#include <cstring>
 #include <type_traits>
 
 namespace tarn {
 
+/// A stretch of local memory, which may wrap at its end.
+struct WordRange {
+    u32 first = 0;
+    u32 count = 0;
+};
+
+constexpr bool overlap(WordRange a, WordRange b) {
+    return a.count != 0 && b.count != 0 &&
+           ((b.first - a.first) % localMemoryWords < a.count ||
+            (a.first - b.first) % localMemoryWords < b.count);
+}
+
+// Four pixels at a time.
+using Lanes = u32 __attribute__((vector_size(16)));
+
+/// The values of four pixels in a row.
+inline Lanes laneValues(u32 first, u32 delta) {
+    constexpr Lanes number = {0, 1, 2, 3};
+    return first + number * delta;
+}
+
+/// The integer parts of four 16.16 values, sign-extended.
+inline Lanes integerParts(Lanes values) {
+    using SignedLanes = s32 __attribute__((vector_size(16)));
+    return std::bit_cast<Lanes>(std::bit_cast<SignedLanes>(values) >> 16);
+}
+
+/// Multiplies the channels of texels with those of a colour: min(255, (texel × colour) >> 7), so 128 is
+/// unity.
+class TexelModulator {
+  public:
+    explicit TexelModulator(u32 colour)
+        : even(widen(colour & 0x00FF00FF)), odd(widen((colour >> 8) & 0x00FF00FF)) {}
+
+    u32 apply(u32 texel) const { return apply(Lanes{texel})[0]; }
+    Lanes apply(Lanes texels) const {
+        const auto words = std::bit_cast<Channels>(texels);
+        return std::bit_cast<Lanes>(multiply(words & 0xFF, even) | multiply(words >> 8, odd) << 8);
+    }
+
+  private:
+    using Channels = u16 __attribute__((vector_size(16)));
+
+    static Channels widen(u32 pair) { return std::bit_cast<Channels>(Lanes{pair, pair, pair, pair}); }
+    static Channels multiply(Channels texel, Channels colour) {
+        const Channels product = (texel * colour) >> 7;
+        return (product | -(product >> 8)) & 0xFF;  // at most 508: bit 8 alone tells of an overflow
+    }
+
+    Channels even;  ///< bits 0-7 and 16-23
+    Channels odd;   ///< bits 8-15 and 24-31
+};
+
 /// The same colour everywhere.
 struct FlatColour {
     static constexpr bool constantAlpha = true;
+    static constexpr u32 wideFrom = 4;
     u32 word = Gs.rgba;
 
     u32 alpha() const { return word >> 24; }
     u32 colour() const { return word; }
-    void step() {}
+    static void step() {}
+    static WordRange reads(u32 /*count*/) { return {}; }
+    static void advance(u32 /*count*/) {}
+
+    struct Quads {
+        Lanes words;
+
+        explicit Quads(const FlatColour& source) : words(source.word + Lanes{}) {}
+        Lanes next() const { return words; }
+    };
 };
 
-/// Multiplies the channels of a texel with those of a colour: min(255, (texel × colour) >> 7), so 128 is
-/// unity.
-class TexelModulator {
-  public:
-    explicit TexelModulator(u32 colour) {
-        for (unsigned i = 0; i < factors.size(); ++i) {
-            factors[i] = bits(colour, 8 * i, 8);
-        }
-    }
-
-    u32 apply(u32 texel) const {
-        // Four lanes of 16 bits: a product has at most 16, its upper 9 are at most 508.
-        u64 lanes = 0;
-        for (unsigned i = 0; i < factors.size(); ++i) {
-            lanes |= u64{bits(texel, 8 * i, 8) * factors[i]} << (16 * i);
-        }
-        lanes = (lanes >> 7) & 0x01FF01FF01FF01FF;
-        const u64 overflow = (lanes >> 8) & 0x0001000100010001;
-        lanes |= (overflow << 8) - overflow;
-        lanes &= 0x00FF00FF00FF00FF;
-        lanes |= lanes >> 8;
-        return static_cast<u32>((lanes & 0xFFFF) | ((lanes >> 16) & 0xFFFF0000));
-    }
-
-  private:
-    std::array<u32, 4> factors{};
-};
+/// Fetches four texels.
+inline Lanes fetch(const u32* memory, Lanes indexes) {
+    return Lanes{memory[indexes[0]], memory[indexes[1]], memory[indexes[2]], memory[indexes[3]]};
+}
 
 // Depth methods.
 
 /// No depth buffer is read or written.
 struct NoDepth {
     static constexpr bool used = false;
-    static bool passes(u32 /*stored*/) { return true; }
-    void step() {}
 };
 
 /// Depth as z × 65536 and its step a pixel, both wrapping.
@@ -172,51 +215,87 @@ void withDepthTest(Draw draw) {
     }
 }
 
-/// Fills `count` pixels that lie in one piece. Strictly from left to right, a pixel's depth after its colour:
-/// a guest may lay its buffers and textures over each other. A pixel that the depth test lets through
-/// updates the depth buffer whatever becomes of its colour.
-template <class Source, class Depth, class End>
-inline void fillRun(u32* pixels, u32* depths, u32 count, Source& source, Depth& depth, End& end) {
-    if constexpr (std::is_same_v<End, StoreColour> && !Depth::used && std::is_base_of_v<FlatColour, Source>) {
-        std::fill_n(pixels, count, source.colour());
-        return;
+/// Ends one pixel. A pixel that the depth test lets through updates the depth buffer whatever becomes of its
+/// colour, and after it: a guest may lay its buffers over each other.
+template <class Depth, class End>
+inline void endPixel(u32& pixel, u32& depthWord, u32 colour, Depth& depth, End& end) {
+    if constexpr (!Depth::used) {
+        end.write(pixel, colour);
+    } else {
+        if (depth.passes(depthWord)) {
+            end.write(pixel, colour);
+            depthWord = depth.value();
+        }
+        depth.step();
     }
-    Source s = source;
+    end.step();
+}
+
+/// Fills `count` pixels that lie in one piece, from left to right. Colours are worked out four at a time only
+/// where no pixel of the run can change a texel of a later one.
+template <class Source, class Depth, class End>
+inline void fillRun(u32* memory, u32 pixel, u32 depthWord, u32 count, Source& source, Depth& depth,
+                    End& end) {
+    u32* pixels = memory + pixel;
+    u32* depths = memory + depthWord;
     Depth d = depth;
     End e = end;
-    for (u32 i = 0; i < count; ++i) {
-        if constexpr (Depth::used) {
-            if (d.passes(depths[i])) {
-                e.write(pixels[i], s.colour());
-                depths[i] = d.value();
+    u32 i = 0;
+    if constexpr (Source::wideFrom != 0)
+        if (count >= Source::wideFrom) {
+            const WordRange reads = source.reads(count);
+            if (!overlap(reads, {pixel, count}) && !(Depth::used && overlap(reads, {depthWord, count}))) {
+                typename Source::Quads quads(source);
+                for (; count - i >= 4; i += 4) {
+                    const Lanes colours = quads.next();
+                    if constexpr (std::is_same_v<End, StoreColour> && !Depth::used) {
+                        std::memcpy(&pixels[i], &colours, sizeof(colours));
+                    } else {
+                        endPixel(pixels[i], depths[i], colours[0], d, e);
+                        endPixel(pixels[i + 1], depths[i + 1], colours[1], d, e);
+                        endPixel(pixels[i + 2], depths[i + 2], colours[2], d, e);
+                        endPixel(pixels[i + 3], depths[i + 3], colours[3], d, e);
+                    }
+                }
+                source.advance(i);
             }
-        } else {
-            e.write(pixels[i], s.colour());
         }
+    Source s = source;
+#pragma GCC unroll 4
+    for (; i < count; ++i) {
+        endPixel(pixels[i], depths[i], s.colour(), d, e);
         s.step();
-        d.step();
-        e.step();
     }
     source = s;
     depth = d;
     end = e;
 }
 
+/// The buffers that spans go to.
+struct SpanTarget {
+    u32* memory = Gs.vRamUL;
+    u32 frame = Gs.gsfb->fbp;
+    u32 depth = Gs.zbuf->zbp;
+    u32 width = Gs.gsfb->fbw;
+};
+
 /// Fills the pixels of row y from column x on. The row is cut where the frame or the depth buffer passes the
 /// end of local memory, so that the loops need no mask.
 template <class Source, class Depth, class End>
-inline void fillSpan(s32 x, s32 y, s32 count, Source& source, Depth& depth, End& end) {
-    const auto wordsToEnd = [](u32 index) { return localMemoryWords - (index & (localMemoryWords - 1)); };
-    u32 offset = static_cast<u32>(y) * Gs.gsfb->fbw + static_cast<u32>(x);
+inline void fillSpan(const SpanTarget& target, s32 x, s32 y, s32 count, Source& source, Depth& depth,
+                     End& end) {
+    u32 offset = static_cast<u32>(y) * target.width + static_cast<u32>(x);
     end.start(static_cast<u32>(x), static_cast<u32>(y));
-    for (s32 left = count; left > 0;) {
-        u32 run = std::min(static_cast<u32>(left), wordsToEnd(Gs.gsfb->fbp + offset));
+    while (count > 0) {
+        const u32 pixel = (target.frame + offset) % localMemoryWords;
+        const u32 depthWord = (target.depth + offset) % localMemoryWords;
+        u32 run = std::min(static_cast<u32>(count), localMemoryWords - pixel);
         if constexpr (Depth::used) {
-            run = std::min(run, wordsToEnd(Gs.zbuf->zbp + offset));
+            run = std::min(run, localMemoryWords - depthWord);
         }
-        fillRun(&fBufUL(offset), &zBufUL(offset), run, source, depth, end);
+        fillRun(target.memory, pixel, depthWord, run, source, depth, end);
         offset += run;
-        left -= static_cast<s32>(run);
+        count -= static_cast<s32>(run);
     }
 }
 

@@ -59,6 +59,7 @@ Palette loadPalette(u32 textureFormat) {
 
 struct Indexed8Source {
     static constexpr bool constantAlpha = false;
+    static constexpr u32 wideFrom = 0;
     const Palette* palette;
     const u8* memory = Gs.vRam;
     u32 base = Gs.tex0->tbp0 * 4;
@@ -69,12 +70,13 @@ struct Indexed8Source {
         index = base + static_cast<u32>(v) * stride + static_cast<u32>(u);
         return true;
     }
-    u32 colour() const { return (*palette)[memory[index & (localMemoryBytes - 1)]]; }
+    u32 colour() const { return (*palette)[memory[index % localMemoryBytes]]; }
     void step() { ++index; }
 };
 
 struct Indexed4Source {
     static constexpr bool constantAlpha = false;
+    static constexpr u32 wideFrom = 0;
     const Palette* palette;
     const u8* memory = Gs.vRam;
     u32 base = Gs.tex0->tbp0 * 4;
@@ -88,7 +90,7 @@ struct Indexed4Source {
         return true;
     }
     u32 colour() const {
-        const u8 pair = memory[(row + column / 2) & (localMemoryBytes - 1)];
+        const u8 pair = memory[(row + column / 2) % localMemoryBytes];
         return (*palette)[column % 2 == 0 ? pair & 15 : pair >> 4];  // the low nibble comes first
     }
     void step() { ++column; }
@@ -97,6 +99,7 @@ struct Indexed4Source {
 /// 32-bit texels, always modulated, alpha too.
 struct ModulatedSource {
     static constexpr bool constantAlpha = false;
+    static constexpr u32 wideFrom = 4;
     TexelModulator modulator{Gs.rgba};
     const u32* memory = Gs.vRamUL;
     u32 base = Gs.tex0->tbp0;
@@ -110,17 +113,32 @@ struct ModulatedSource {
         index = row + static_cast<u32>(u);
         return row <= localMemoryWords;
     }
-    u32 colour() const { return modulator.apply(memory[index & (localMemoryWords - 1)]); }
+    u32 colour() const { return modulator.apply(memory[index % localMemoryWords]); }
     void step() { ++index; }
+    WordRange reads(u32 count) const { return {index, count}; }
+    void advance(u32 count) { index += count; }
+
+    struct Quads {
+        const ModulatedSource& walk;
+        Lanes indexes = laneValues(walk.index, 1);
+
+        explicit Quads(const ModulatedSource& source) : walk(source) {}
+        Lanes next() {
+            const Lanes texels = fetch(walk.memory, indexes % localMemoryWords);
+            indexes += 4;
+            return walk.modulator.apply(texels);
+        }
+    };
 };
 
 /// Fills the rectangle between two corners. They are not put in order: a second corner left of or above the
 /// first leaves it empty.
 template <class Source, class Depth, class End>
 void fillRectangle(const GsVertex* corners, Source source, Depth depth, End end) {
+    const SpanTarget target;
     const s32 width = corners[1].x - corners[0].x;
     for (s32 y = corners[0].y; y < corners[1].y; ++y) {
-        fillSpan(corners[0].x, y, width, source, depth, end);
+        fillSpan(target, corners[0].x, y, width, source, depth, end);
     }
 }
 
@@ -129,9 +147,10 @@ void drawTextured(const GsVertex* corners, Source source) {
     const s32 width = std::min(corners[1].x - corners[0].x, corners[1].u - corners[0].u);
     const s32 height = std::min(corners[1].y - corners[0].y, corners[1].v - corners[0].v);
     withPixelEnd(source, [&](auto end) {
+        const SpanTarget target;
         NoDepth depth;
         for (s32 row = 0; row < height && source.startRow(corners[0].u, corners[0].v + row); ++row) {
-            fillSpan(corners[0].x, corners[0].y + row, width, source, depth, end);
+            fillSpan(target, corners[0].x, corners[0].y + row, width, source, depth, end);
         }
     });
 }

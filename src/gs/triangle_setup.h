@@ -259,9 +259,18 @@ inline bool SetupSections(TriangleEdges& edges, const GsVertex* vertices) {
     return true;
 }
 
+/// Starts the next section of a side whose current one has ended; true when there is none.
+template <TriangleVariant variant>
+[[gnu::noinline]] bool nextLeftSection(TriangleEdges& edges) {
+    return --edges.left_section < 1 || LeftSection<variant>(edges) < 1;
+}
+[[gnu::noinline]] inline bool nextRightSection(TriangleEdges& edges) {
+    return --edges.right_section < 1 || RightSection(edges) < 1;
+}
+
 /// Advances both edges by one row; true when the triangle is finished.
 template <TriangleVariant variant>
-inline bool NextRow(TriangleEdges& edges) {
+[[gnu::always_inline]] inline bool NextRow(TriangleEdges& edges) {
     if (--edges.left_section_height > 0) {
         edges.left_x += edges.delta_left_x;
         forEachAttribute<variant>([&](TriangleAttribute attribute) {
@@ -271,12 +280,12 @@ inline bool NextRow(TriangleEdges& edges) {
         if constexpr (variant.depth) {
             edges.left_z += edges.delta_left_z;
         }
-    } else if (--edges.left_section < 1 || LeftSection<variant>(edges) < 1) {
+    } else if (nextLeftSection<variant>(edges)) {
         return true;
     }
     if (--edges.right_section_height > 0) {
         edges.right_x += edges.delta_right_x;
-    } else if (--edges.right_section < 1 || RightSection(edges) < 1) {
+    } else if (nextRightSection(edges)) {
         return true;
     }
     return false;

@@ -20,37 +20,17 @@ inline constexpr std::array<const char*, 32> debug_r5900_cop1_reg{
     "fp24", "fp25", "fp26", "fp27", "fp28", "fp29", "fp30", "fp31"};
 
 /// By coprocessor-0 register number; a number without a register has a blank.
-inline constexpr std::array<const char*, 32> debug_r5900_cop0_reg{"Index",
-                                                                  "Random",
-                                                                  "EntryLo0",
-                                                                  "EntryLo1",  // 0-3
-                                                                  "Context",
-                                                                  "PageMask",
-                                                                  "Wired",
-                                                                  " ",  // 4-7
-                                                                  "BadWAddr",
-                                                                  "Count",
-                                                                  "EntryHi",
-                                                                  "Compare",  // 8-11
-                                                                  "Status",
-                                                                  "Cause",
-                                                                  "EPC",
-                                                                  "PRiD",  // 12-15
-                                                                  "Config/Config1",
-                                                                  " ",
-                                                                  "WatchLo",
-                                                                  "WatchHi",  // 16-19
-                                                                  "XContext",
-                                                                  " ",
-                                                                  " ",
-                                                                  "Debug",  // 20-23
-                                                                  "DEPC",
-                                                                  "PerfCnt",
-                                                                  "ErrCtl",
-                                                                  "CacheErr",  // 24-27
-                                                                  "TagLo/DataLo",
-                                                                  "TagHi/DataHi",
-                                                                  "ErrorEPC",
-                                                                  "DESAVE"};
+// clang-format off
+inline constexpr std::array<const char*, 32> debug_r5900_cop0_reg{
+    "Index",          "Random",       "EntryLo0", "EntryLo1",  // 0-3
+    "Context",        "PageMask",     "Wired",    " ",         // 4-7
+    "BadWAddr",       "Count",        "EntryHi",  "Compare",   // 8-11
+    "Status",         "Cause",        "EPC",      "PRiD",      // 12-15
+    "Config/Config1", " ",            "WatchLo",  "WatchHi",   // 16-19
+    "XContext",       " ",            " ",        "Debug",     // 20-23
+    "DEPC",           "PerfCnt",      "ErrCtl",   "CacheErr",  // 24-27
+    "TagLo/DataLo",   "TagHi/DataHi", "ErrorEPC", "DESAVE",    // 28-31
+};
+// clang-format on
 
 }  // namespace tarn

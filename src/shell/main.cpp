@@ -36,6 +36,8 @@ void setCaption() {
 
 int main(int, char**) {
     prepareProcess();
+    // Without a display SDL would go on to draw in the terminal, where there is no mouse and little to see.
+    setenv("SDL_VIDEODRIVER", "x11", 0);
     if (SDL_Init(SDL_INIT_VIDEO) < 0) {
         failFor("Couldn't initialize SDL: %s\n");
     }

@@ -83,6 +83,9 @@ bool writePicture(const std::string& path, SDL_Surface* surface) {
     if (file.stream() != nullptr) {
         errno = 0;
         if (SDL_SaveBMP_RW(trueColours(surface).get(), SDL_RWFromFP(file.stream(), 0), 1) != 0) {
+            if (errno == 0) {
+                return file.close() && reportLostOutput(path.c_str(), SDL_GetError());
+            }
             file.noteFailure();
         }
     }

@@ -120,7 +120,8 @@ TEST_F(Display, EveryPixelIsTheFormulas) {
         const Surface surface = makeSurface(other ? 1 + static_cast<s32>(random(300)) : width,
                                             other ? 1 + static_cast<s32>(random(90)) : height, depth);
         ASSERT_NE(surface, nullptr);
-        show(random(2) != 0 ? random(512) : 511, random(64), random(2048), random(2048), 1 + random(1000),
+        const u32 shownWidth = random(4) == 0 ? static_cast<u32>(width) : 1 + random(1000);
+        show(random(2) != 0 ? random(512) : 511, random(64), random(2048), random(2048), shownWidth,
              1 + random(120));
         open(surface.get(), width, height, depth, number / 4 % 2);
         std::vector<u8> expected = bytesOf(*surface);

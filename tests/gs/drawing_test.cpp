@@ -217,6 +217,23 @@ TEST_F(Drawing, ASpriteOf32BitTexelsStopsBeyondLocalMemory) {
     EXPECT_EQ(take(), (Positions{{0, 0}, {8, 8}, {8, 9}}));
 }
 
+TEST_F(Drawing, TexelsThatTheRowItselfDrawsAreSeen) {
+    // A texture laid over the frame and one pixel behind smears the first pixel along the row.
+    pixel(0, 0) = 0x00123456;
+    GSwrite(u64{10} << 14, TEX0_1);
+    colour(0x80808080);
+    GSwrite(sprite | tme | fst, PRIM);
+    uv(0, 0), xyz(1, 0), uv(40, 1), xyz(41, 1);
+    EXPECT_EQ(std::count(Gs.vRamUL, Gs.vRamUL + 41, 0x00123456u), 41);
+    // The same over the depth buffer: each pixel shows the depth of the one before.
+    GSwrite(u64{depthBase / 64} | u64{10} << 14 | u64{1} << 35, TEX0_1);
+    test(0, 0, 0, 1, 1);
+    GSwrite(triangle | tme | fst, PRIM);
+    uv(0, 0), xyz(1, 0, 7), uv(40, 0), xyz(41, 0, 7), uv(0, 0), xyz(1, 1, 7);
+    EXPECT_EQ(pixel(1, 0), 0u);
+    EXPECT_EQ(std::count(Gs.vRamUL, Gs.vRamUL + 41, 7u), 39);
+}
+
 TEST_F(Drawing, PalettesReorderAndExpand) {
     u8* texels = Gs.vRam + textureBase * 4;
     texels[0] = 8;
@@ -281,6 +298,13 @@ TEST_F(Drawing, AlphaAndDepthTests) {
                 << "case " << number << " type " << type;
         }
     }
+}
+
+TEST_F(Drawing, TheSteepestDepthGradientWrapsInsteadOfTrapping) {
+    test(0, 0, 0, 1, 1);
+    GSwrite(triangle, PRIM);  // -2^63 over a width of -1/65536 pixel
+    xyz(0, 0, 0x80000000), xyz(1, 1, 0), xyz(3, 3, 0x80000000);
+    EXPECT_EQ(taken(), 0u);
 }
 
 TEST_F(Drawing, BlendingIsOptIn) {
@@ -352,6 +376,23 @@ TEST_F(Drawing, TheQueueCarriesOnlyTheAttributesInUse) {
     GSwrite(triangleStrip, PRIM);
     colour(1), xyz(0, 0), colour(2), xyz(8, 0), colour(3), xyz(0, 8);
     EXPECT_EQ(pixel(1, 1), 3u);
+}
+
+TEST_F(Drawing, RowsWrapAtTheEndOfLocalMemory) {
+    test(0, 0, 0, 1, 1);
+    for (const bool frameWraps : {true, false}) {
+        std::fill_n(Gs.vRamUL, localMemoryWords, 0);
+        GSwrite((frameWraps ? 511 : 64) | 10 << 16, FRAME_1);
+        GSwrite(frameWraps ? 64 : 511, ZBUF_1);
+        primitive(sprite, {{0, 0}, {640, 8}}, 7);  // the corner is moved to column 639, so that is left out
+        for (const auto& [base, value] : {std::pair{Gs.gsfb->fbp, white}, {Gs.zbuf->zbp, 7u}}) {
+            for (u32 i = 0; i < 640 * 8; ++i) {
+                ASSERT_EQ(Gs.vRamUL[(base + i) % localMemoryWords], i % 640 == 639 ? 0 : value) << i;
+            }
+        }
+        EXPECT_EQ(std::count(Gs.vRamUL, Gs.vRamUL + localMemoryWords, 0u),
+                  s64{localMemoryWords} - 2 * 639 * 8);
+    }
 }
 
 TEST_F(Drawing, AFrameOfWidth0HoldsLinesInTheWordBeforeIt) {

@@ -63,12 +63,14 @@ class RandomDrawing : public testing::Test {
         EXPECT_TRUE(only != nullptr || drawn > count / 5) << "only " << drawn << " cases drew anything";
     }
 
-    /// Registers as a sensible guest sets them: frame, depth and texture apart and inside local memory.
+    /// Registers as a sensible guest sets them: frame, depth and, mostly, texture apart and inside local
+    /// memory.
     void chooseSensibleRegisters() {
         const u32 width = 64 * (1 + below(10));
         *Gs.gsfb = {.fbp = 2048 * below(64), .fbw = width, .maxRows = localMemoryWords / width};
         *Gs.zbuf = {.zbp = 0x60000 + 2048 * below(16)};
-        *Gs.tex0 = {.tbp0 = 0xC0000 + 64 * below(256),
+        *Gs.tex0 = {.tbp0 = chance(4) ? (chance(2) ? Gs.gsfb->fbp : Gs.zbuf->zbp) + 64 * below(64)
+                                      : 0xC0000 + 64 * below(256),
                     .tbw = 64 * (1 + below(16)),
                     .psm = std::array<u32, 4>{0, 2, 19, 20}[below(4)],
                     .tw = 1u << below(11),
@@ -193,11 +195,17 @@ TEST_F(RandomDrawing, LinesAndPoints) {
 }
 
 TEST_F(RandomDrawing, NothingLeavesLocalMemoryWhateverTheRegistersHold) {
-    runCases(1024, [&](u32 number) {
+    runCases(4096, [&](u32 number) {
         choosePixelState(number);
         chooseHostileRegisters();
         Gs.prim->type = below(8);
         chooseVertices(chance(16) ? 4096 : 200, true);
+        if (chance(2)) {  // the first rows, where buffers at the end of memory wrap
+            const s32 first = std::min({vertices[0].y, vertices[1].y, vertices[2].y});
+            for (GsVertex& vertex : vertices) {
+                vertex.y += static_cast<s32>(Gs.xyoffset->ofy) - first;
+            }
+        }
     });
 }
 

@@ -16,7 +16,9 @@ class Toolkit : public testing::Test {
   protected:
     Toolkit() {
         resetMachine();
-        TarnGUI.nbWidgets = 0;
+        while (TarnGUI.nbWidgets > 0) {
+            freeTextLines(&TarnGUI.widgets[--TarnGUI.nbWidgets]);
+        }
         TarnGUI.surface =
             SDL_CreateRGBSurface(SDL_SWSURFACE, width, height, 32, 0xFF, 0xFF00, 0xFF0000, 0xFF000000);
         TarnGUI.font2 = makeFont(500, 11, steppedGlyphs(94)).release();

@@ -108,6 +108,17 @@ class GdbTest(DebuggedTest):
                     r"^New value = 1$", "^onSif0", r"sw\t", "Hardware access .* 3", "^Value = 1$|^New value")
         self.end(0)
 
+    def test_the_first_transfer_to_the_gs(self):
+        for program in "picture", "cube":
+            if not guest(program).exists():
+                continue
+            self.start(program)
+            output = self.gdb(program, "break main", "continue", "watch *(int*)0x1000a000", "continue", "p/x $pc",
+                              "x/wx 0x1000a000", "p *(int*)0x1000a010 < 0x2000000", "kill")
+            self.expect(output, "Breakpoint 1, main", "Hardware watchpoint 2", "^Old value = 0$", "0x1000a000:\t0x",
+                        r"\$2 = 1")
+            self.end(0)
+
     def test_memory_and_load(self):
         self.start("kernel")
         output = self.gdb("kernel", "set var failures = 0x1234", "p/x *(int*)((unsigned)&failures | 0x20000000)",

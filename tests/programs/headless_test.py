@@ -59,6 +59,9 @@ class HeadlessTest(ProgramTest):
                 with self.subTest(option, path=path):
                     _, messages = self.run_headless("--steps=99", option, path, status=1)
                     self.assertEqual(messages.count(f"tarn-headless: cannot write {path}: {reason}\n"), 1, messages)
+        self.configure("picture", video="Bpp=4")
+        _, messages = self.run_headless("--steps=99", "--picture=p.bmp", status=1)
+        self.assertIn("tarn-headless: cannot write p.bmp: 4 bpp BMP files not supported", messages)
         _, messages = self.run_headless("--steps=99", "--snapshot=missing/", "--dump-vram=vram.bin", status=1)
         self.assertIn("tarn-headless: cannot write missing/snap", messages)
         self.assertEqual(len(self.output_file("vram.bin")), VRAM_BYTES, "the others are whole")

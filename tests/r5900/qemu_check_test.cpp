@@ -200,8 +200,7 @@ class Program {
             const Group& group = straight[below(straight.size())];
             const u32 word = wordOf(group);
             const u64 left = gpr(r5900::gpr21To25(word));
-            const u64 right =
-                group.fields.ends_with('i') ? signExtend16(word) : gpr(r5900::gpr16To20(word));
+            const u64 right = group.fields.ends_with('i') ? signExtend16(word) : gpr(r5900::gpr16To20(word));
             if (group.condition == trial ? !makesNaN(word) : group.condition(left, right)) {
                 return word;
             }

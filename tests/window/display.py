@@ -41,7 +41,11 @@ class Display:
         os.close(writer)
         with os.fdopen(reader) as number:
             self.name = ":" + number.readline().strip()
-        self.environment = {**os.environ, "DISPLAY": self.name, "SDL_VIDEODRIVER": "x11"}
+        # What a build with sanitizers is to overlook.
+        suppressions = Path(self.directory.name) / "suppressions"
+        suppressions.write_text("leak:libX11\n")
+        self.environment = {**os.environ, "DISPLAY": self.name,
+                            "LSAN_OPTIONS": f"suppressions={suppressions}:print_suppressions=0"}
         with open(Path(self.directory.name) / "Xvfb_screen0", "rb") as file:
             self.memory = mmap.mmap(file.fileno(), 0, prot=mmap.PROT_READ)
         header = struct.unpack(">25I", self.memory[:100])
