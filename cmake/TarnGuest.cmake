@@ -10,6 +10,9 @@ set(TARN_GUEST_FLAGS
     -ffreestanding -nostdlib -fno-builtin -fno-tree-loop-distribute-patterns
     # What it does not have: traps on division by zero, some of the likely branches.
     -mno-check-zero-division -mno-branch-likely
+    # Constants that leave a loop and find no floating-point register would go to an integer one by MFC1,
+    # which converts.
+    -fno-move-loop-invariants
     # Every instruction takes one step, so the smallest code (which divides) is the fastest.
     -Os -ffunction-sections -fdata-sections
     -std=gnu17 -g -Wall -Wextra -Wconversion -Wno-sign-conversion -Werror

@@ -189,9 +189,7 @@ static void drawMoon(const Vector* centre, f32 turn, u32 colour) {
     }
 }
 
-/// Out of line, so that its many constants are not all kept in registers from frame to frame: those that
-/// found no floating-point register would go through MFC1.
-__attribute__((noinline)) static void drawFrame(f32 time) {
+static void drawFrame(f32 time) {
     drawBackground();
     drawCube(time, -0.62f + 0.25f * sine(0.7f * time));
     f32 orbit = 1.3f * time;
