@@ -1,4 +1,5 @@
 // A test card of everything that the Graphics Synthesizer draws, 320 x 240: twelve cells of 80 x 80.
+#include "ball.h"
 #include "tarn_guest.h"
 #include "text.h"
 
@@ -132,17 +133,6 @@ static void addSprite(s32 x, s32 y, u32 w, u32 h) {
     addVertex(x + w, y + h, 0);
 }
 
-/// Light on a ball at a point: 0 outside, else 16 to 255.
-static u32 ballLight(u32 x, u32 y) {
-    s32 dx = 2 * (s32)x - (ballSize - 1);
-    s32 dy = 2 * (s32)y - (ballSize - 1);
-    if (dx * dx + dy * dy > (ballSize - 2) * (ballSize - 2))
-        return 0;
-    s32 fromLight = (dx + 9) * (dx + 9) + (dy + 9) * (dy + 9);
-    s32 light = 255 - fromLight / 5;
-    return light < 16 ? 16 : light;
-}
-
 /// The ball in 32-bit greys, in 8-bit and in 4-bit indexes: the same rows of words, 64 words each.
 static void makeBalls(void) {
     Canvas balls[3] = {newCanvas(64, ballSize), newCanvas(64, ballSize), newCanvas(64, ballSize)};
@@ -150,7 +140,7 @@ static void makeBalls(void) {
         memset(balls[i].pixels, 0, 64 * ballSize * sizeof(u32));
     for (u32 y = 0; y < ballSize; y++)
         for (u32 x = 0; x < ballSize; x++) {
-            u32 light = ballLight(x, y);
+            u32 light = ballLight(x, y, ballSize);
             canvasRow(&balls[0], y)[x] = light * 0x010101 | (light == 0 ? 0 : 0x80000000);
             canvasRow(&balls[1], y)[x >> 2] |= light << (x & 3) * 8;
             canvasRow(&balls[2], y)[x >> 3] |= light >> 4 << (x & 7) * 4;
