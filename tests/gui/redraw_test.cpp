@@ -129,6 +129,9 @@ class Window : public testing::Test {
   protected:
     Window() {
         resetMachine();
+        for (koGUIwidget& pane : TarnGUI.widgets) {
+            freeTextLines(&pane);
+        }
         TarnGUI = {};
         setenv("SDL_VIDEODRIVER", "dummy", 1);
         EXPECT_EQ(SDL_Init(SDL_INIT_VIDEO), 0);
