@@ -69,7 +69,7 @@ class GdbTest(DebuggedTest):
     def gdb(self, program, *commands):
         """The output of gdb-multiarch for the commands, given once it is connected."""
         arguments = ["gdb-multiarch", "-nx", "-batch"]
-        setup = ["set pagination off", "set confirm off", f"file {guest(program)}", f"target remote :{self.port}"]
+        setup = ["set pagination off", "set confirm off", f"file {guest(program)}", f"target remote 127.0.0.1:{self.port}"]
         for command in [*setup, *commands]:
             arguments += ["-ex", command]
         return subprocess.run(arguments, cwd=self.directory, capture_output=True, text=True, timeout=120,
@@ -137,7 +137,7 @@ class GdbTest(DebuggedTest):
 
     def test_interrupting(self):
         self.start("picture")
-        setup = ["-ex", f"file {guest('picture')}", "-ex", f"target remote :{self.port}"]
+        setup = ["-ex", f"file {guest('picture')}", "-ex", f"target remote 127.0.0.1:{self.port}"]
         with subprocess.Popen(["gdb-multiarch", "-nx", "-q", *setup], stdin=subprocess.PIPE, text=True,
                               stdout=subprocess.PIPE, stderr=subprocess.STDOUT) as gdb:
             watchdog = threading.Timer(60, gdb.kill)
