@@ -1,0 +1,268 @@
+#!/usr/bin/env python3
+"""Runs the benchmarks and what they are held against, and prints the ratios with their floors and goals.
+
+usage: report.py BUILD_DIRECTORY [--quick] [--output FILE.json]
+
+scripts/bench calls it. Every figure is a median; times are processor times of the process that is measured, except
+for the programs in a window, where the display server works too.
+"""
+
+import argparse
+import contextlib
+import json
+import os
+import shutil
+import statistics
+import struct
+import subprocess
+import sys
+import tempfile
+import time
+from pathlib import Path
+
+SOURCE = Path(__file__).resolve().parents[1]
+LOOPS = "alu", "mixed", "float"
+EMULATORS = {  # name in the table: command, interface of the program
+    "qemu-mipsel": (["qemu-mipsel"], "o32"),
+    "qemu-mipsel -singlestep": (["qemu-mipsel", "-singlestep"], "o32"),
+    "qemu-mipsn32el": (["qemu-mipsn32el"], "n32"),
+    "qemu-mipsn32el -singlestep": (["qemu-mipsn32el", "-singlestep"], "n32"),
+}
+TURNS = {"alu": 6_000_000, "mixed": 4_000_000, "float": 3_000_000}  # about half a second of single steps
+PROGRAMS = "loop", "bounce"  # run in a window; the first draws nothing
+ENDLESS = 0x7FFFFFFF
+
+
+class Measurements:
+    """Rates in items a second, by name."""
+
+    def __init__(self, build, repetitions):
+        self.build = build
+        self.repetitions = repetitions
+        self.rates = {}
+        self.turns = {}  # of a benchmark, a second
+        self.seconds = {}  # of one primitive, for those that have it
+
+    def ratio(self, name, against):
+        """Of two rates in items, or, when either counts none, in whole turns; None where one is not measured."""
+        for rates in self.rates, self.turns:
+            if name in rates and against in rates:
+                return rates[name] / rates[against]
+        return None
+
+    def run_benchmarks(self):
+        result = subprocess.run(
+            [self.build / "bench" / "tarn-bench", f"--benchmark_repetitions={self.repetitions}",
+             "--benchmark_min_time=0.1", "--benchmark_enable_random_interleaving=true", "--benchmark_format=json"],
+            stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=True)
+        runs = {}
+        for entry in json.loads(result.stdout)["benchmarks"]:
+            if entry["run_type"] == "iteration":
+                runs.setdefault(entry["run_name"].split("/iterations:")[0], []).append(entry)
+        for name, entries in runs.items():
+            def median(key):
+                return statistics.median(entry[key] for entry in entries)
+            self.turns[name] = 1e9 / median("cpu_time")
+            if "items_per_second" in entries[0]:
+                self.rates[name] = median("items_per_second")
+            if "primitive" in entries[0]:
+                self.seconds[name] = median("primitive")
+
+    def run_emulators(self, directory):
+        """Turns of the loops a second in MIPS user-mode emulators."""
+        for name, (command, interface) in EMULATORS.items():
+            if shutil.which(command[0]) is None:
+                print(f"{command[0]} is not installed (Debian package qemu-user): no comparison with it")
+                continue
+            for loop in LOOPS:
+                turns = TURNS[loop] * (1 if len(command) > 1 else 10)
+                program = directory / f"{loop}-{interface}"
+                write_guest(self.build, program, loop, interface, turns)
+                program.chmod(0o755)
+                times = [processor_time([*command, program]) for _ in range(self.repetitions)]
+                self.rates[f"{name}/{loop}"] = turns / statistics.median(times)
+
+    def run_programs(self, directory):
+        """Vertical blanks a second of whole programs, without a window and in one."""
+        write_guest(self.build, directory / "loop.elf", "mixed", "console", ENDLESS)
+        for name in PROGRAMS:
+            elf = directory / "loop.elf" if name == "loop" else self.build / "guest" / f"{name}.elf"
+            run = prepare(directory / name, elf)
+            self.rates[f"program/{name}/headless"] = self.blanks_a_second("tarn-headless", run, os.environ)
+            if shutil.which("Xvfb") is None:
+                print("Xvfb is not installed (Debian package xvfb): no comparison with the window")
+                continue
+            with display() as environment:
+                self.rates[f"program/{name}/window"] = self.blanks_a_second("tarn", run, environment)
+
+    def blanks_a_second(self, program, directory, environment):
+        binary = self.build / program
+        process = subprocess.Popen([binary], cwd=directory, env=environment, stdin=subprocess.DEVNULL,
+                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        try:
+            blanks = Counter(process.pid, binary, "_ZN4tarn14verticalBlanksE")
+            while blanks.value() < 10:
+                time.sleep(0.01)
+            rates = []
+            for _ in range(self.repetitions):
+                start, before = time.monotonic(), blanks.value()
+                time.sleep(0.5)
+                rates.append((blanks.value() - before) / (time.monotonic() - start))
+            return statistics.median(rates)
+        finally:
+            process.kill()
+            process.wait()
+
+
+class Counter:
+    """A variable of 64 bits in a running process."""
+
+    def __init__(self, pid, binary, symbol):
+        self.memory = Path(f"/proc/{pid}/mem")
+        symbols = subprocess.run(["nm", binary], capture_output=True, text=True, check=True).stdout
+        offset = next(int(line.split()[0], 16) for line in symbols.splitlines() if line.endswith(" " + symbol))
+        limit = time.monotonic() + 10
+        while not (base := self.base(pid, binary)):
+            if time.monotonic() > limit:
+                sys.exit(f"{binary} does not start")
+            time.sleep(0.01)
+        self.address = base + offset
+
+    @staticmethod
+    def base(pid, binary):
+        """Where the program is loaded; None until it is."""
+        for line in Path(f"/proc/{pid}/maps").read_text().splitlines():
+            if line.endswith(str(binary.resolve())):
+                return int(line.split("-")[0], 16)
+        return None
+
+    def value(self):
+        with open(self.memory, "rb") as memory:
+            memory.seek(self.address)
+            return struct.unpack("<Q", memory.read(8))[0]
+
+
+def write_guest(build, path, loop, interface, turns):
+    subprocess.run([build / "bench" / "tarn-bench-guest", loop, interface, str(turns), path], check=True)
+
+
+def processor_time(command):
+    process = subprocess.Popen(command, stdout=subprocess.DEVNULL)
+    _, status, usage = os.wait4(process.pid, 0)
+    if status != 0:
+        sys.exit(f"{command[0]} failed")
+    return usage.ru_utime + usage.ru_stime
+
+
+def prepare(directory, elf):
+    """A run directory for the program, as fast as it goes."""
+    (directory / "bios").mkdir(parents=True)
+    (directory / "bios" / "scph10000.bin").write_bytes(bytes(1024))
+    (directory / "data").symlink_to(SOURCE / "data")
+    (directory / "tarn.ini").write_text(
+        f'[General]\nElf = "{elf.resolve()}"\nSteps_per_poll = 8192\n[Video]\nWidth = 320\nHeight = 240\n')
+    return directory
+
+
+@contextlib.contextmanager
+def display():
+    """The environment of a window on a virtual display."""
+    reader, writer = os.pipe()
+    server = subprocess.Popen(["Xvfb", "-displayfd", str(writer), "-screen", "0", "1024x768x24", "-nolisten", "tcp",
+                               "-noreset"], pass_fds=[writer], stderr=subprocess.DEVNULL)
+    os.close(writer)
+    try:
+        with os.fdopen(reader) as number:
+            yield {**os.environ, "DISPLAY": ":" + number.readline().strip(), "SDL_VIDEODRIVER": "x11"}
+    finally:
+        server.terminate()
+        server.wait()
+
+
+def target_rows():
+    """What is measured, against what, the floor and the goal of the ratio."""
+    single = "qemu-mipsel -singlestep"
+    for loop in "alu", "mixed":
+        yield f"single steps, {loop} loop", f"cpu/{loop}/MipsUpdateCpu", f"{single}/{loop}", 0.5, 1.0
+    for loop in "alu", "mixed":
+        yield f"batch runner, {loop} loop", f"cpu/{loop}/runSteps", f"{single}/{loop}", 2.0, 4.5
+    for program in PROGRAMS:
+        yield f"in a window, {program}", f"program/{program}/window", f"program/{program}/headless", 0.5, 0.8
+    yield "flat triangle, whole screen", "draw/triangle/F/640x448", "reference/SDL_FillRect/640x448", 0.5, 1.0
+    for routine in "G", "FTDecal", "FTModulate":
+        yield f"triangle {routine}, whole screen", f"draw/triangle/{routine}/640x448", \
+            "reference/pixman_nearest/256x256_to_640x448", 0.3, 0.6
+    for routine in "FTDecal", "FTModulate":
+        yield f"triangle {routine} with depth", f"draw/triangle/{routine}_Z/640x448", \
+            f"draw/triangle/{routine}/640x448", 0.5, 0.7
+    yield "1:1 presentation, 32 bit", "present/32/640x448", "reference/memcpy/640x448", 0.25, 0.5
+    for depth in 15, 16, 24, 32:
+        yield f"stretched presentation, {depth} bit", f"present/{depth}/stretched/512x224_to_640x448", \
+            f"present/{depth}/640x448", 0.3, 0.6
+    yield "redraw of the whole window", "window/redraw/text", "reference/SDL_UpperBlit/800x600", 0.15, 0.4
+
+
+def more_rows():
+    """Ratios without a target."""
+    for emulator in EMULATORS:
+        for way in "MipsUpdateCpu", "driverStep", "runSteps":
+            for loop in LOOPS:
+                yield f"{way}, {loop} loop", f"cpu/{loop}/{way}", f"{emulator}/{loop}"
+    yield "flat triangle with depth", "draw/triangle/F_Z/640x448", "draw/triangle/F/640x448"
+    yield "textured sprite", "draw/sprite/T32/640x448", "reference/pixman_nearest/256x256_to_640x448"
+    yield "image upload", "transfer/upload32/640x448", "reference/memcpy/640x448"
+    yield "local move", "transfer/move/640x448", "reference/memcpy/640x448"
+    yield "redraw of the picture alone", "window/redraw/picture", "reference/SDL_UpperBlit/800x600"
+
+
+def verdict(value, floor, goal, smaller=False):
+    def reached(limit):
+        return value <= limit if smaller else value >= limit
+    return "goal" if reached(goal) else "floor" if reached(floor) else "MISSED"
+
+
+def print_table(measurements):
+    rows = []
+    for what, name, against, floor, goal in target_rows():
+        ratio = measurements.ratio(name, against)
+        if ratio is not None:
+            rows.append((what, against, f"{floor:g}", f"{goal:g}", f"{ratio:.2f}", verdict(ratio, floor, goal)))
+    for name, seconds in sorted(measurements.seconds.items()):
+        if name.startswith("draw/triangle/") and name.endswith("/8x8"):
+            rows.append((f"8x8 triangle {name.split('/')[2]}", "ns each", "400", "150", f"{seconds * 1e9:.0f}",
+                         verdict(seconds * 1e9, 400, 150, smaller=True)))
+    print_columns(("what", "against", "floor", "goal", "measured", "reaches"), rows)
+    print()
+    print_columns(("more ratios", "against", "measured"),
+                  [(what, against, f"{measurements.ratio(name, against):.2f}") for what, name, against in more_rows()
+                   if measurements.ratio(name, against) is not None])
+
+
+def print_columns(titles, rows):
+    """As a Markdown table."""
+    widths = [max(len(row[i]) for row in [titles, *rows]) for i in range(len(titles))]
+    for row in titles, ["-" * width for width in widths], *rows:
+        print("| " + " | ".join(cell.ljust(width) for cell, width in zip(row, widths)) + " |")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("build", type=Path)
+    parser.add_argument("--quick", action="store_true", help="one repetition instead of five")
+    parser.add_argument("--output", type=Path, help="a JSON file for all figures")
+    options = parser.parse_args()
+    measurements = Measurements(options.build.resolve(), 1 if options.quick else 5)
+    with tempfile.TemporaryDirectory(prefix="tarn-bench-") as directory:
+        measurements.run_benchmarks()
+        measurements.run_emulators(Path(directory))
+        measurements.run_programs(Path(directory))
+    if options.output:
+        options.output.write_text(json.dumps({"rates": measurements.rates, "seconds": measurements.seconds}, indent=1))
+    model = next((line.split(":")[1].strip() for line in Path("/proc/cpuinfo").read_text().splitlines()
+                  if line.startswith("model name")), "unknown processor")
+    print(f"{model}, {os.cpu_count()} processors, medians of {measurements.repetitions}\n")
+    print_table(measurements)
+
+
+if __name__ == "__main__":
+    main()
