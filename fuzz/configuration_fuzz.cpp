@@ -5,8 +5,6 @@
 #include "shell/configuration_check.h"
 #include "support.h"
 
-#include <sys/stat.h>
-
 namespace tarn {
 namespace {
 
@@ -61,26 +59,20 @@ std::string buildFile(fuzz::Input& input) {
     return text;
 }
 
+/// The path of the file is fixed, so the process works in a folder of its own, where it is this one.
+bool workBeside(const fuzz::MemoryFile& file) {
+    char folder[] = "/tmp/tarn-fuzz-XXXXXX";
+    return mkdtemp(folder) != nullptr && chdir(folder) == 0 && symlink(file.path(), configurationPath) == 0;
+}
+
 }  // namespace
 }  // namespace tarn
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    using namespace tarn;
-    fuzz::start();
-    // The path of the file is fixed, so the process works in a folder of its own.
-    char folder[] = "/tmp/tarn-fuzz-XXXXXX";
-    if (mkdtemp(folder) == nullptr || chdir(folder) != 0 ||
-        std::freopen("/dev/null", "w", stdout) == nullptr) {
-        std::abort();
-    }
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
     using namespace tarn;
     static const fuzz::MemoryFile file;
-    static const bool linked = symlink(file.path(), configurationPath) == 0;
-    fuzz::require(linked, "the configuration can be put in place");
+    static const bool inPlace = workBeside(file);
+    fuzz::require(inPlace, "the configuration can be put in place");
     fuzz::Input input({data, size});
     if (input.take<u8>() < 64) {
         file.assign(input.remaining());

@@ -77,11 +77,6 @@ void runChecked(u64 limit) {
 }  // namespace
 }  // namespace tarn
 
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    tarn::fuzz::start();
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
     using namespace tarn;
     test::resetRecords();

@@ -66,11 +66,6 @@ void draw(const BitmapFont* font) {
 }  // namespace
 }  // namespace tarn
 
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    tarn::fuzz::start();
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
     using namespace tarn;
     static const fuzz::MemoryFile file;

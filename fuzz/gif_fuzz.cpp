@@ -138,11 +138,6 @@ void checkState() {
 }  // namespace
 }  // namespace tarn
 
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    tarn::fuzz::start();
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
     using namespace tarn;
     fuzz::restartRenderer();

@@ -104,11 +104,6 @@ void loadNothing(u8 choice) {
 }  // namespace
 }  // namespace tarn
 
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    tarn::fuzz::start();
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
     using namespace tarn;
     static const fuzz::MemoryFile file;

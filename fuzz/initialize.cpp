@@ -1,0 +1,7 @@
+// Owns what every target does before its first input.
+#include "support.h"
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    tarn::fuzz::start();
+    return 0;
+}
