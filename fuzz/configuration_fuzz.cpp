@@ -60,10 +60,23 @@ std::string buildFile(fuzz::Input& input) {
 }
 
 /// The path of the file is fixed, so the process works in a folder of its own, where it is this one.
-bool workBeside(const fuzz::MemoryFile& file) {
-    char folder[] = "/tmp/tarn-fuzz-XXXXXX";
-    return mkdtemp(folder) != nullptr && chdir(folder) == 0 && symlink(file.path(), configurationPath) == 0;
-}
+class Workplace {
+  public:
+    explicit Workplace(const fuzz::MemoryFile& file) {
+        fuzz::require(mkdtemp(folder) != nullptr && chdir(folder) == 0 &&
+                          symlink(file.path(), configurationPath) == 0,
+                      "the configuration can be put in place");
+    }
+    ~Workplace() {
+        unlink(configurationPath);
+        rmdir(folder);
+    }
+    Workplace(const Workplace&) = delete;
+    Workplace& operator=(const Workplace&) = delete;
+
+  private:
+    char folder[sizeof "/tmp/tarn-fuzz-XXXXXX"] = "/tmp/tarn-fuzz-XXXXXX";
+};
 
 }  // namespace
 }  // namespace tarn
@@ -71,8 +84,7 @@ bool workBeside(const fuzz::MemoryFile& file) {
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
     using namespace tarn;
     static const fuzz::MemoryFile file;
-    static const bool inPlace = workBeside(file);
-    fuzz::require(inPlace, "the configuration can be put in place");
+    static const Workplace workplace(file);
     fuzz::Input input({data, size});
     if (input.take<u8>() < 64) {
         file.assign(input.remaining());

@@ -36,10 +36,12 @@ std::vector<u8> buildBmp(fuzz::Input& input) {
     put<u64>(file, 0);
     put<u32>(file, input.pick(paletteCounts));
     put<u32>(file, 0);
-    const std::size_t wanted = input.take<u16>();
+    const std::size_t wanted = input.take<u16>() & 0x3FFF;
     const std::span<const u8> pixels = input.remaining();
-    for (std::size_t i = 0; i < wanted && !pixels.empty(); ++i) {
-        file.push_back(pixels[i % pixels.size()]);
+    const std::size_t header = file.size();
+    file.resize(header + (pixels.empty() ? 0 : wanted));
+    for (std::size_t at = header; at < file.size(); at += pixels.size()) {
+        std::memcpy(file.data() + at, pixels.data(), std::min(pixels.size(), file.size() - at));
     }
     return file;
 }

@@ -9,6 +9,7 @@
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
+#include <numeric>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,29 +47,29 @@ bool sameLetter(char a, char b) {
 
 bool sameName(std::string_view a, std::string_view b) { return std::ranges::equal(a, b, sameLetter); }
 
-/// How many letters have to be inserted, removed or changed to make one name of the other.
-std::size_t editDistance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    for (std::size_t j = 0; j < row.size(); ++j) {
-        row[j] = j;
-    }
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i + 1;
-        for (std::size_t j = 0; j < b.size(); ++j) {
-            const std::size_t change = diagonal + (sameLetter(a[i], b[j]) ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({change, row[j] + 1, row[j + 1] + 1});
+/// How many letters have to be inserted, removed or changed to make one name of the other. Of a name longer
+/// than any that is known, the beginning tells enough: the files are anyone's, and the work is a product.
+unsigned editDistance(std::string_view whole, std::string_view known) {
+    constexpr std::size_t longest = 24;
+    const std::string_view name = whole.substr(0, longest);
+    std::array<unsigned, longest + 1> column;
+    std::iota(column.begin(), column.end(), 0U);
+    for (const char letter : known) {
+        unsigned diagonal = column[0]++;
+        for (std::size_t i = 0; i < name.size(); ++i) {
+            const unsigned change = diagonal + (sameLetter(name[i], letter) ? 0 : 1);
+            diagonal = column[i + 1];
+            column[i + 1] = std::min(change, std::min(column[i], diagonal) + 1);
         }
     }
-    return row[b.size()];
+    return column[name.size()];
 }
 
 /// The known key that was most likely meant. A right name in the wrong section is nearer than any
 /// misspelling.
 const KnownKey& nearestKey(std::string_view section, std::string_view name) {
     const auto distance = [&](const KnownKey& known) {
-        constexpr std::size_t nameWeight = 4;
+        constexpr unsigned nameWeight = 4;
         return editDistance(name, known.name) * nameWeight +
                std::min(editDistance(section, known.section), nameWeight - 1);
     };
