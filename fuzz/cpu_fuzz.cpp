@@ -1,6 +1,7 @@
 // Instruction words and a seeded register file through the driver step, with every area mapped and the DMA
 // controller, the kernel calls and the renderer behind them. What the program leaves in memory lasts only
 // until the next input.
+#include "dma/dma.h"
 #include "r5900/branch.h"
 #include "support.h"
 
@@ -63,13 +64,17 @@ void seedRegisters(fuzz::Input& input) {
     MipsCpu.GPR[REG_V1].low = input.take<u8>();
 }
 
-/// A step is one instruction and as many delay slots as may be nested.
+/// A step is one instruction and as many delay slots as may be nested, or the next part of a long transfer.
 void runChecked(u64 limit) {
     for (u64 step = 0; step < limit && MipsCpu.pause == 0; ++step) {
         const u64 before = MipsCpu.cycle;
+        const u64 work = Gs.work;
+        const u64 longest = gifTransferGoesOn() ? 0 : r5900::maximumDelaySlotDepth + 2;
         driverStep();
-        fuzz::require(MipsCpu.cycle > before && MipsCpu.cycle - before <= r5900::maximumDelaySlotDepth + 2,
-                      "the cycles of one step");
+        fuzz::require(MipsCpu.cycle - before <= longest, "the cycles of one step");
+        fuzz::require((MipsCpu.cycle == before) == (longest == 0),
+                      "an instruction runs unless a transfer does");
+        fuzz::require(Gs.work - work <= gifStepWork + 2 * localMemoryWords, "the work of one step");
         fuzz::require(MipsCpu.delaySlotDepth == 0, "no delay slot stays open");
     }
 }

@@ -10,6 +10,10 @@ namespace tarn {
 inline u64 nb_dma_transfert = 0;  ///< channel 2 starts so far
 inline u64 verticalBlanks = 0;    ///< frames presented so far
 
+/// Whether a transfer to the GIF was more than one step may do, so that the following steps go on with it.
+/// They run no instruction and count towards nothing.
+inline bool gifTransferGoesOn() { return Ps2Bios.gifQuadwords != 0; }
+
 /// The work of DmaUpdate when something may be pending, and of GSUpdate when the countdown is over.
 void serveDmaRequests();
 void testVerticalBlank();

@@ -1,5 +1,5 @@
 // Owns the DMA controller: the registers of channel 2 (GIF) and channel 5 (SIF0) and what starting them does.
-// A transfer is over before the guest's next instruction.
+// A transfer is over before the guest's next instruction, however many steps of the machine it takes.
 #include "dma/dma.h"
 #include "gs/gs.h"
 #include "memory/areas.h"
@@ -14,6 +14,8 @@
 namespace tarn {
 namespace {
 
+constexpr u64 gifControlOffset = 0xA000;
+constexpr u64 sif0ControlOffset = 0xC000;
 constexpr u64 statusOffset = 0xE010;
 constexpr u64 startBit = 0x100;           ///< STR of a channel control register
 constexpr u64 startCleared = 0xFFFFFEFF;  ///< keeps the low word without STR
@@ -29,55 +31,65 @@ struct ChannelRegister {
 };
 
 constexpr std::array channelRegisters{
-    ChannelRegister{0xA000, "DmaChannel2_CHCRT", gifChannel, &DmaChannelRegs::chcr},
+    ChannelRegister{gifControlOffset, "DmaChannel2_CHCRT", gifChannel, &DmaChannelRegs::chcr},
     ChannelRegister{0xA010, "DmaChannel2_MADR", gifChannel, &DmaChannelRegs::madr},
     ChannelRegister{0xA020, "DmaChannel2_SIZE", gifChannel, &DmaChannelRegs::qwc},
     ChannelRegister{0xA030, "DmaChannel2_TAG", gifChannel, &DmaChannelRegs::tadr},
     ChannelRegister{0xA040, "DmaChannel2_ASR0", gifChannel, &DmaChannelRegs::asr0},
     ChannelRegister{0xA050, "DmaChannel2_ASR1", gifChannel, &DmaChannelRegs::asr1},
     ChannelRegister{0xA080, "DmaChannel2_SADR", gifChannel, &DmaChannelRegs::sadr},
-    ChannelRegister{0xC000, "DmaChannel5_CHCR", sif0Channel, &DmaChannelRegs::chcr},
+    ChannelRegister{sif0ControlOffset, "DmaChannel5_CHCR", sif0Channel, &DmaChannelRegs::chcr},
     ChannelRegister{0xC010, "DmaChannel5_MADR", sif0Channel, &DmaChannelRegs::madr},
     ChannelRegister{0xC020, "DmaChannel5_QWC", sif0Channel, &DmaChannelRegs::qwc},
 };
 
 /// Clears STR in the copy and in what the guest reads back, without recording a guest write.
-void acknowledge(DmaChannelRegs& registers, u64 offset) {
+void acknowledge(unsigned channel, u64 offset) {
+    DmaChannelRegs& registers = Ps2Bios.dmaChannel[channel];
     registers.chcr &= startCleared;
     if (SpecialAreaMemory != nullptr) {
         MipsMemoryWriteW(SpecialAreaMemory, static_cast<u32>(offset), static_cast<u32>(registers.chcr));
     }
 }
 
-/// Hands `qwc` quadwords at `madr` to the GIF, as many of them as main memory holds.
-void transferToGif(u64 madr, u32 qwc) {
-    if (madr < mainMemorySize && MipsMemory != nullptr) {
-        const u32 held = (mainMemorySize - static_cast<u32>(madr)) / quadwordBytes;
-        GSgifTransfer(MipsMemory + madr, std::min(qwc, held));
+/// Hands the GIF as much of its transfer as one step may, and at the end of it shows the guest its start
+/// acknowledged.
+void continueGif() {
+    if (gifTransferGoesOn()) {
+        const u32 done = GSgifTransferStep(MipsMemory + Ps2Bios.gifAddress, Ps2Bios.gifQuadwords);
+        Ps2Bios.gifAddress += done * quadwordBytes;
+        Ps2Bios.gifQuadwords -= done;
+    }
+    if (!gifTransferGoesOn()) {
+        acknowledge(gifChannel, gifControlOffset);
+        ++nb_dma_transfert;
     }
 }
 
-void startGif(DmaChannelRegs& registers, u64 offset) {
+/// Begins with the quadwords that the channel says, as many of them as main memory holds.
+void startGif(const DmaChannelRegs& registers) {
     const u8 mode = static_cast<u8>(registers.chcr);
     const u32 qwc = static_cast<u32>(registers.qwc);
     if (mode == normalFromMemory) {
         if (Settings.debug_dma == 1) {
             std::printf("GSgifTransfer 101 : Add:%16.16llx size:%ld\n", registers.madr, long{qwc});
         }
-        transferToGif(registers.madr, qwc);
+        if (registers.madr < mainMemorySize && MipsMemory != nullptr) {
+            Ps2Bios.gifAddress = static_cast<u32>(registers.madr);
+            Ps2Bios.gifQuadwords = std::min(qwc, (mainMemorySize - Ps2Bios.gifAddress) / quadwordBytes);
+        }
     } else if (Settings.debug_dma == 1) {
         std::printf("GSgifTransfer Not Handled : %2.2llx \n", u64{mode});
     }
-    acknowledge(registers, offset);
-    ++nb_dma_transfert;
+    continueGif();
 }
 
 /// Moves nothing; the guest only sees its start acknowledged.
-void startSif0(DmaChannelRegs& registers, u64 offset) {
+void startSif0(const DmaChannelRegs& registers) {
     if (registers.madr != 0) {
         DmaPrintChannelInfo(sif0Channel);
     }
-    acknowledge(registers, offset);
+    acknowledge(sif0Channel, sif0ControlOffset);
 }
 
 void writeChannelRegister(const ChannelRegister& target, u64 value) {
@@ -88,7 +100,7 @@ void writeChannelRegister(const ChannelRegister& target, u64 value) {
     registers.*target.field = value;
     if (target.field == &DmaChannelRegs::chcr && (value & startBit) != 0) {
         const auto start = target.channel == gifChannel ? startGif : startSif0;
-        start(registers, target.offset);
+        start(registers);
     }
 }
 
@@ -122,10 +134,15 @@ void enterSif0Handler() {
 }  // namespace
 
 void serveDmaRequests() {
-    if (Ps2Bios.dmaWritePending == 1) {
+    if (gifTransferGoesOn()) {
+        continueGif();
+    } else if (Ps2Bios.dmaWritePending == 1) {
         serveWrite(Ps2Bios.dmaWriteOffset, Ps2Bios.dmaWriteValue);
-        Ps2Bios.dmaWritePending = 0;
     }
+    if (gifTransferGoesOn()) {
+        return;  // the write stays pending
+    }
+    Ps2Bios.dmaWritePending = 0;
     if (Ps2Bios.dmaReadPending == 1) {
         if (Settings.debug_dma == 1) {
             std::printf("%8.8llx:DMA Acces ( read  ):1000 %4llx h: %llx\n", MipsCpu.PC, Ps2Bios.dmaReadOffset,

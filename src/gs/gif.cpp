@@ -39,10 +39,13 @@ bool stepDescriptor() {
     return --Gs.gtag.nloop == 0;
 }
 
-/// What is left of the data that a transfer handed over.
+/// What is left of the data that a transfer handed over, and of the work that it may make.
 struct Stream {
     const u8* data;
     u64 quadwords;
+    u64 lastWork = std::numeric_limits<u64>::max();
+
+    bool goesOn() const { return quadwords > 0 && Gs.work < lastWork; }
 
     void skip(u64 count) {
         data += count * quadwordBytes;
@@ -50,10 +53,11 @@ struct Stream {
     }
 };
 
-// Each consumes data of one form until the tag's or the stream's end; the tag's end sets the mode.
+// Each consumes data of one form until the tag's or the stream's end; the tag's end sets the mode. Images are
+// taken as a whole: a 24-bit one is not the same in pieces, and their size bounds the work.
 
 void consumePacked(Stream& stream) {
-    while (stream.quadwords > 0) {
+    while (stream.goesOn()) {
         GIFprocessReg(stream.data, currentDescriptor());
         stream.skip(1);
         if (stepDescriptor()) {
@@ -64,7 +68,7 @@ void consumePacked(Stream& stream) {
 }
 
 void consumeReglist(Stream& stream) {
-    while (stream.quadwords > 0) {
+    while (stream.goesOn()) {
         GSwrite(load<u64>(stream.data), currentDescriptor());
         bool last = stepDescriptor();  // then the upper half is padding
         if (!last) {
@@ -209,13 +213,21 @@ void GIFprocessReg(const u8* quadword, u32 descriptor) {
 }
 
 void GSgifTransfer(const u8* data, u32 count) {
-    if (Gs.vRam == nullptr) {
-        return;
-    }
     Stream stream{data, count};
-    while (stream.quadwords > 0) {
+    while (Gs.vRam != nullptr && stream.goesOn()) {
         consume(stream, true);
     }
+}
+
+u32 GSgifTransferStep(const u8* data, u32 count) {
+    if (Gs.vRam == nullptr) {
+        return count;
+    }
+    Stream stream{data, count, Gs.work + gifStepWork};
+    while (stream.goesOn()) {
+        consume(stream, true);
+    }
+    return count - static_cast<u32>(stream.quadwords);
 }
 
 void GSgifTransfer2(const u8* data) {

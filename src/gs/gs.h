@@ -32,6 +32,15 @@ u64 GSread64(u32 address);
 /// memory, packets are dropped.
 void GSgifTransfer(const u8* data, u32 count);
 
+/// The words of local memory that primitives and local moves may go over in one step of the machine before
+/// the rest of a transfer waits for the next step: as many as main memory holds, so as the largest transfer
+/// of pixels brings. A stream can ask for a million times as much.
+inline constexpr u64 gifStepWork = 0x800000;
+
+/// Does the same as GSgifTransfer, but stops once gifStepWork is reached, and never within an image. Returns
+/// the quadwords consumed, at least one; the next call is to be given the rest.
+u32 GSgifTransferStep(const u8* data, u32 count);
+
 /// Consumes packets until one with EOP is complete, but nothing beyond the end of main memory when `data`
 /// lies there.
 void GSgifTransfer2(const u8* data);

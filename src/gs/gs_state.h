@@ -287,6 +287,10 @@ struct GsState {
     u32 imagePtr = 0;       ///< word index of the destination buffer, taken by the IMAGE tag
     u32 imageTransfer = 0;  ///< TRXDIR
 
+    /// Words of local memory that primitives and local moves have gone over so far. The host's own measure:
+    /// the guest cannot see it.
+    u64 work = 0;
+
     // GIF.
     GifTag gtag{};
     u64 regs = 0;  ///< descriptors, four bits each

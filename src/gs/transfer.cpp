@@ -125,6 +125,7 @@ void FBmoveImage() {
         return;
     }
     for (s64 row = 0; row < height; ++row) {
+        Gs.work += static_cast<u64>(width);
         copyRow(Gs.dstbuf.bp + static_cast<u32>((to.y + row) * Gs.dstbuf.bw + to.x),
                 Gs.srcbuf.bp + static_cast<u32>((from.y + row) * Gs.srcbuf.bw + from.x),
                 static_cast<u32>(width), from.x >= to.x);

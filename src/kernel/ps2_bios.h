@@ -39,6 +39,8 @@ struct Ps2BiosRecord {
     u64 dmaReadOffset = 0;
     u64 dmaReadValue = 0;
     std::array<DmaChannelRegs, dmaChannelCount> dmaChannel{};
+    u32 gifAddress = 0;    ///< in main memory, of what is left of the transfer to the GIF
+    u32 gifQuadwords = 0;  ///< left of it
     std::array<DmacHandlerSlot, dmaChannelCount> dmacHandler{};
     u8 semaInUse = 0;  ///< 1 once the single semaphore is taken
     std::array<u32, 2> semaWords{};

@@ -128,21 +128,34 @@ void koGUI_TarnInitProc() {
     }
 }
 
-void driverStep() {
-    if (MipsCpu.pause == 0) {
-        MipsUpdateCpu();
-        DmaUpdate();
-        GSUpdate();
+bool driverStep() {
+    if (MipsCpu.pause != 0) {
+        return true;
     }
+    if (!gifTransferGoesOn()) {
+        MipsUpdateCpu();
+    }
+    DmaUpdate();
+    if (gifTransferGoesOn()) {
+        return false;
+    }
+    GSUpdate();
+    return true;
 }
 
 u64 runSteps(u64 limit) {
     paneChanged = false;
     u64 steps = 0;
     while (steps < limit && MipsCpu.pause == 0 && !paneChanged) {
-        const u64 run = MipsRun(std::min(limit - steps, quietSteps() + 1));
-        passQuietSteps(run - 1);
+        u64 run = 1;
+        if (!gifTransferGoesOn()) {
+            run = MipsRun(std::min(limit - steps, quietSteps() + 1));
+            passQuietSteps(run - 1);
+        }
         DmaUpdate();
+        if (gifTransferGoesOn()) {
+            return steps + run - 1;
+        }
         GSUpdate();
         steps += run;
     }

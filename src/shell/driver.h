@@ -26,11 +26,12 @@ void koGUI_TarnProc();
 void koGUI_TarnEndingProc();
 
 /// One driver step: an instruction, the DMA controller, vertical-blank pacing; nothing while the CPU is
-/// paused.
-void driverStep();
+/// paused. False when the step is not over: a transfer to the GIF is too long for the time that one call may
+/// take, and the next call goes on with it.
+bool driverStep();
 
-/// Up to `limit` driver steps, ending early after the one in which the CPU pauses or a pane changes.
-/// Returns how many there were.
+/// Up to `limit` driver steps, ending early after the one in which the CPU pauses or a pane changes, and
+/// within one whose transfer to the GIF goes on. Returns how many were completed.
 u64 runSteps(u64 limit);
 
 }  // namespace tarn

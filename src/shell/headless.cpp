@@ -90,7 +90,8 @@ End runDebugged(gdb::Server& debugger, const HeadlessOptions& options, u64& step
         return end.has_value();
     };
     const auto step = [&] {
-        driverStep();
+        while (!driverStep() && !stopRequested()) {
+        }
         ++steps;
     };
     const gdb::Server::Finish finish = debugger.run({ended, step});

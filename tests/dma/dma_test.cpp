@@ -1,4 +1,6 @@
 // The DMA controller's registers and starts, and the timing of vertical blanks.
+#include "gs/registers.h"
+#include "support/gs_machine.h"
 #include "support/machine_test.h"
 
 #include <algorithm>
@@ -88,6 +90,43 @@ TEST_F(DmaTest, Channel2SendsInNormalModeAndAcknowledgesAlways) {
         EXPECT_EQ(Ps2Bios.dmaChannel[2].chcr, readBack & 0xFFFFFFFF);
         EXPECT_EQ(nb_dma_transfert, 1U);
     }
+}
+
+TEST_F(DmaTest, ALongTransferTakesManyStepsThatTheGuestDoesNotSee) {
+    using enum test::GifStream::Form;
+    constexpr u32 rectangles = 40;  // of nearly a million pixels each, then a move of as many
+    test::GifStream stream;
+    stream.write(gs_register::FRAME_1, 16 << 16).write(gs_register::SCISSOR_1, u64{1023} << 48 | 1023 << 16);
+    stream.tag(packed, rectangles, 3, 0x551, test::GifStream::pre(6));
+    for (u32 i = 0; i < rectangles; ++i) {
+        stream.quadword(i, 0).quadword(0, 0).quadword(u64{0x3FF0} << 32 | 0x3FF0, 0);
+    }
+    stream.write(gs_register::BITBLTBUF, u64{16} << 48 | 16 << 16)
+        .write(gs_register::TRXREG, u64{1023} << 32 | 512);
+    stream.write(gs_register::TRXPOS, u64{512} << 32).write(gs_register::TRXDIR, 2);
+    std::memcpy(MipsMemory + 0x1000, stream.at(0), stream.quadwords() * 16);
+    write(0xA010, 0x1000);
+    write(0xA020, stream.quadwords());
+    MipsCpu.PC = 0x100000;
+    MipsMemoryWrite({0x101, 0}, Width::Doubleword, 0x1000A000, 0);
+    const u64 countdown = Ps2Bios.vsyncCountdown = vsyncPeriod;
+    u32 calls = 1;
+    const auto step = [&] { return calls % 2 == 1 ? driverStep() : runSteps(1) == 1; };
+    for (u64 before = 0; !step(); before = Gs.work) {
+        EXPECT_LT(Gs.work - before, gifStepWork + 2 * localMemoryWords);
+        EXPECT_EQ(doublewordAt(0x1000A000), 0x101U);
+        ASSERT_LT(++calls, 100U);
+    }
+    EXPECT_GT(calls, 2U);
+    EXPECT_EQ(MipsCpu.cycle, 1U);
+    EXPECT_EQ(Ps2Bios.vsyncCountdown, countdown - 1);
+    EXPECT_EQ(doublewordAt(0x1000A000), 1U);
+    EXPECT_EQ(nb_dma_transfert, 1U);
+    const test::GsImage inSteps;
+    GSreset();
+    GSinit();
+    stream.send();
+    EXPECT_TRUE(inSteps == test::GsImage());
 }
 
 TEST_F(DmaTest, Channel5OnlyShowsItsRegistersAndAcknowledges) {
