@@ -7,7 +7,8 @@ if(NOT CMAKE_BUILD_TYPE)
     set(CMAKE_BUILD_TYPE Release)
 endif()
 set(CMAKE_CXX_FLAGS_DEBUG "-O0 -g")
-set(CMAKE_CXX_FLAGS_RELEASE "-O3 -DNDEBUG")
+# Aligned loops: otherwise their speed changes by a third with whatever stands in front of them.
+set(CMAKE_CXX_FLAGS_RELEASE "-O3 -DNDEBUG -falign-functions=32 -falign-loops=32")
 set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O1 -g")
 
 add_library(tarn_options INTERFACE)

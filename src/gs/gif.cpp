@@ -6,6 +6,7 @@
 #include "gs/gs_state.h"
 #include "gs/registers.h"
 #include "gs/transfer.h"
+#include "gs/vertex_registers.h"
 #include "memory/areas.h"
 
 #include <algorithm>
@@ -28,16 +29,36 @@ Word load(const u8* data) {
 
 constexpr u64 join(u32 low, u32 high) { return low | (u64{high} << 32); }
 
-u32 currentDescriptor() { return static_cast<u32>(Gs.regs >> (4 * Gs.regn)) & 15; }
-
-/// Steps to the next descriptor, and at the last one to the next loop; true when that was the tag's last.
-bool stepDescriptor() {
-    if (++Gs.regn < Gs.gtag.nreg) {
-        return false;
+/// The walk over the descriptors of a tag, loop by loop. It lives outside the record while data are consumed:
+/// nothing that a descriptor writes looks at it.
+class DescriptorWalk {
+  public:
+    ~DescriptorWalk() {
+        Gs.regn = next;
+        Gs.gtag.nloop = loops;
+        if (loops == 0) {
+            Gs.gifMode = GifMode::Tag;
+        }
     }
-    Gs.regn = 0;
-    return --Gs.gtag.nloop == 0;
-}
+    DescriptorWalk() = default;
+    DescriptorWalk(const DescriptorWalk&) = delete;
+    DescriptorWalk& operator=(const DescriptorWalk&) = delete;
+
+    bool ended() const { return loops == 0; }
+    u32 descriptor() const { return static_cast<u32>(registers >> (4 * next)) & 15; }
+    void step() {
+        if (++next >= count) {
+            next = 0;
+            --loops;
+        }
+    }
+
+  private:
+    const u64 registers = Gs.regs;
+    const u32 count = Gs.gtag.nreg;
+    u32 next = Gs.regn;
+    u32 loops = Gs.gtag.nloop;
+};
 
 /// What is left of the data that a transfer handed over, and of the work that it may make.
 struct Stream {
@@ -57,29 +78,24 @@ struct Stream {
 // taken as a whole: a 24-bit one is not the same in pieces, and their size bounds the work.
 
 void consumePacked(Stream& stream) {
-    while (stream.goesOn()) {
-        GIFprocessReg(stream.data, currentDescriptor());
+    DescriptorWalk walk;
+    while (stream.goesOn() && !walk.ended()) {
+        GIFprocessReg(stream.data, walk.descriptor());
+        walk.step();
         stream.skip(1);
-        if (stepDescriptor()) {
-            Gs.gifMode = GifMode::Tag;
-            return;
-        }
     }
 }
 
 void consumeReglist(Stream& stream) {
-    while (stream.goesOn()) {
-        GSwrite(load<u64>(stream.data), currentDescriptor());
-        bool last = stepDescriptor();  // then the upper half is padding
-        if (!last) {
-            GSwrite(load<u64>(stream.data + 8), currentDescriptor());
-            last = stepDescriptor();
+    DescriptorWalk walk;
+    while (stream.goesOn() && !walk.ended()) {
+        GSwrite(load<u64>(stream.data), walk.descriptor());
+        walk.step();
+        if (!walk.ended()) {  // the upper half is padding otherwise
+            GSwrite(load<u64>(stream.data + 8), walk.descriptor());
+            walk.step();
         }
         stream.skip(1);
-        if (last) {
-            Gs.gifMode = GifMode::Tag;
-            return;
-        }
     }
 }
 
@@ -176,7 +192,7 @@ void GIFtag(const u8* quadword) {
 void GIFprocessReg(const u8* quadword, u32 descriptor) {
     using namespace gs_register;
     const auto w = load<std::array<u32, 4>>(quadword);
-    const GsVertex& pending = Gs.gsvertex[static_cast<u32>(Gs.primC)];
+    const GsVertex& pending = pendingVertex();
     const u32 xy = (w[0] & 0xFFFF) | (w[1] & 0xFFFF) << 16;
     const bool noDrawing = bit(w[3], 15) != 0;  // bit 111 of the quadword
     switch (descriptor) {
@@ -185,24 +201,24 @@ void GIFprocessReg(const u8* quadword, u32 descriptor) {
         break;
     case 0x1: {
         const u32 rgba = bits(w[0], 0, 8) | bits(w[1], 0, 8) << 8 | bits(w[2], 0, 8) << 16 | w[3] << 24;
-        GSwrite(join(rgba, std::bit_cast<u32>(pending.q)), RGBAQ);
+        writeRgbaq(rgba, std::bit_cast<u32>(pending.q));
         break;
     }
     case 0x2:
-        GSwrite(join(w[0], w[1]), ST);
+        writeSt(w[0], w[1]);
         // Q has no register of its own: it goes in with the vertex's colour, which so becomes the current
         // one.
-        GSwrite(join(pending.rgba, w[2]), RGBAQ);
+        writeRgbaq(pending.rgba, w[2]);
         break;
     case 0x3:
-        GSwrite((w[0] & 0x7FFF) | (w[1] & 0x7FFF) << 16, UV);
+        writeUv((w[0] & 0x7FFF) | (w[1] & 0x7FFF) << 16);
         break;
     case 0x4:
         // The fog coefficient is taken from bits 104-111, four above its place on the console.
-        GSwrite(join(xy, ((w[2] >> 4) & 0xFFFFFF) | (w[3] & 0xFF00) << 16), noDrawing ? XYZF3 : XYZF2);
+        writeXyzf(xy, ((w[2] >> 4) & 0xFFFFFF) | (w[3] & 0xFF00) << 16, !noDrawing);
         break;
     case 0x5:
-        GSwrite(join(xy, w[2]), noDrawing ? XYZ3 : XYZ2);
+        writeXyz(xy, w[2], !noDrawing);
         break;
     case 0xE:
         GSwrite(join(w[0], w[1]), bits(w[2], 0, 8));

@@ -1,5 +1,6 @@
 // Owns lines: Bresenham's walk from the first vertex up to, not including, the second.
 #include "gs/drawing.h"
+#include "gs/local_memory.h"
 #include "gs/pixel_writers.h"
 
 #include <cstdlib>
@@ -22,6 +23,7 @@ struct Axis {
 /// line and its reverse do not cover the same pixels.
 template <class Write>
 void walk(Axis major, Axis minor, Write write) {
+    countWork(major.extent / 2, 1);
     s32 error = minor.extent - (major.extent >> 1);
     while (major.position != major.end) {
         write(major.position, minor.position);

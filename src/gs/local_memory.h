@@ -25,6 +25,13 @@ void forLocalRuns(u32 index, u32 count, Use use) {
     }
 }
 
+/// Counts a rectangle of local memory as gone over; nothing for one that is empty or inside out.
+inline void countWork(s64 width, s64 height) {
+    if (width > 0 && height > 0) {
+        Gs.work += static_cast<u64>(width * height);
+    }
+}
+
 /// Word `index` of the current context's frame buffer, of its depth buffer, and of the displayed buffer.
 inline u32& fBufUL(u32 index) { return localWord(Gs.gsfb->fbp + index); }
 inline u32& zBufUL(u32 index) { return localWord(Gs.zbuf->zbp + index); }

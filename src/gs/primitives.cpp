@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <span>
 
 namespace tarn {
 
@@ -86,29 +85,12 @@ void clipTextured(GsVertex& vertex, const ClipBounds& bounds) {
     vertex.v = clipToSize(v, bounds.height);
 }
 
-/// Counts the smallest rectangle around clipped vertices as work done.
-template <std::size_t count>
-void countWork(const std::array<GsVertex, count>& vertices) {
-    s32 left = vertices[0].x;
-    s32 right = left;
-    s32 top = vertices[0].y;
-    s32 bottom = top;
-    for (const GsVertex& vertex : std::span(vertices).template subspan<1>()) {
-        left = std::min(left, vertex.x);
-        right = std::max(right, vertex.x);
-        top = std::min(top, vertex.y);
-        bottom = std::max(bottom, vertex.y);
-    }
-    Gs.work += static_cast<u32>(right - left) * static_cast<u32>(bottom - top);
-}
-
 template <std::size_t count>
 void prepareUntextured(std::array<GsVertex, count>& vertices) {
     const ClipBounds bounds;
     for (GsVertex& vertex : vertices) {
         clip(vertex, bounds);
     }
-    countWork(vertices);
 }
 
 template <std::size_t count>
@@ -120,7 +102,6 @@ void prepareTextured(std::array<GsVertex, count>& vertices) {
         }
         clipTextured(vertex, bounds);
     }
-    countWork(vertices);
 }
 
 }  // namespace

@@ -3,11 +3,10 @@
 
 #include "base/bits.h"
 #include "gs/local_memory.h"
-#include "gs/primitives.h"
 #include "gs/transfer.h"
+#include "gs/vertex_registers.h"
 
 #include <algorithm>
-#include <bit>
 
 namespace tarn {
 namespace {
@@ -186,26 +185,6 @@ void writeAttributes(u64 value) {
     Gs.primC = 0;
 }
 
-/// The queue's slot for the next vertex, which RGBAQ, ST and UV fill ahead of the XYZ write.
-GsVertex& pendingVertex() { return Gs.gsvertex[static_cast<u32>(Gs.primC)]; }
-
-void writeXyz(u64 value, bool draws) {
-    GsVertex& vertex = pendingVertex();
-    vertex.x = static_cast<s32>(bits(value, 4, 12));
-    vertex.y = static_cast<s32>(bits(value, 20, 12));
-    vertex.z = bits(value, 32, 32);
-    vertexKick(draws);
-}
-
-void writeXyzf(u64 value, bool draws) {
-    GsVertex& vertex = pendingVertex();
-    vertex.x = static_cast<s32>(bits(value, 4, 12));
-    vertex.y = static_cast<s32>(bits(value, 20, 12));
-    vertex.z = bits(value, 32, 24);
-    vertex.f = bits(value, 56, 8);
-    vertexKick(draws);
-}
-
 void writeBitBltBuf(u64 value) {
     Gs.srcbuf = decodeTransferBuf(value);
     Gs.dstbuf = decodeTransferBuf(value >> 32);
@@ -240,6 +219,8 @@ void gsSetCtxt(u32 context) {
 
 void GSwrite(u64 value, u32 address) {
     using namespace gs_register;
+    const u32 low = bits(value, 0, 32);
+    const u32 high = bits(value, 32, 32);
     switch (address) {
     case PRIM:
         Gs.prim->type = bits(value, 0, 3);
@@ -248,29 +229,21 @@ void GSwrite(u64 value, u32 address) {
         }
         break;
     case RGBAQ:
-        pendingVertex().rgba = bits(value, 0, 32);
-        pendingVertex().q = std::bit_cast<f32>(bits(value, 32, 32));
-        Gs.rgba = bits(value, 0, 32);
+        writeRgbaq(low, high);
         break;
     case ST:
-        pendingVertex().s = std::bit_cast<f32>(bits(value, 0, 32));
-        pendingVertex().t = std::bit_cast<f32>(bits(value, 32, 32));
+        writeSt(low, high);
         break;
     case UV:
-        pendingVertex().u = static_cast<s32>(bits(value, 4, 11));
-        pendingVertex().v = static_cast<s32>(bits(value, 20, 11));
+        writeUv(low);
         break;
     case XYZF2:
-        writeXyzf(value, true);
+    case XYZF3:
+        writeXyzf(low, high, address == XYZF2);
         break;
     case XYZ2:
-        writeXyz(value, true);
-        break;
-    case XYZF3:
-        writeXyzf(value, false);
-        break;
     case XYZ3:
-        writeXyz(value, false);
+        writeXyz(low, high, address == XYZ2);
         break;
     case TEX0_1:
     case TEX0_2:
@@ -366,8 +339,8 @@ void GSwrite(u64 value, u32 address) {
         Gs.imageY = static_cast<s32>(Gs.trxpos.dsay);
         break;
     case TRXREG:
-        Gs.imageW = bits(value, 0, 32);
-        Gs.imageH = bits(value, 32, 32);
+        Gs.imageW = low;
+        Gs.imageH = high;
         break;
     case TRXDIR:
         Gs.imageTransfer = bits(value, 0, 2);

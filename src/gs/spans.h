@@ -57,16 +57,19 @@ class TexelModulator {
     u32 apply(u32 texel) const { return apply(Lanes{texel})[0]; }
     Lanes apply(Lanes texels) const {
         const auto words = std::bit_cast<Channels>(texels);
-        return std::bit_cast<Lanes>(multiply(words & 0xFF, even) | multiply(words >> 8, odd) << 8);
+        return std::bit_cast<Lanes>((multiply(words & 0xFF, even) & 0xFF) | multiply(words >> 8, odd) << 8);
     }
 
   private:
     using Channels = u16 __attribute__((vector_size(16)));
 
     static Channels widen(u32 pair) { return std::bit_cast<Channels>(Lanes{pair, pair, pair, pair}); }
+    /// Right in the lower eight bits only: they are all set where the product, at most 508, is too large.
+    /// (The comparison is signed, since processors have no other for these lanes.)
     static Channels multiply(Channels texel, Channels colour) {
-        const Channels product = (texel * colour) >> 7;
-        return (product | -(product >> 8)) & 0xFF;  // at most 508: bit 8 alone tells of an overflow
+        using Signed = s16 __attribute__((vector_size(16)));
+        const auto product = std::bit_cast<Signed>((texel * colour) >> 7);
+        return std::bit_cast<Channels>(product | (product > 255));
     }
 
     Channels even;  ///< bits 0-7 and 16-23

@@ -137,6 +137,7 @@ template <class Source, class Depth, class End>
 void fillRectangle(const GsVertex* corners, Source source, Depth depth, End end) {
     const SpanTarget target;
     const s32 width = corners[1].x - corners[0].x;
+    countWork(width, corners[1].y - corners[0].y);
     for (s32 y = corners[0].y; y < corners[1].y; ++y) {
         fillSpan(target, corners[0].x, y, width, source, depth, end);
     }
@@ -146,6 +147,7 @@ template <class Source>
 void drawTextured(const GsVertex* corners, Source source) {
     const s32 width = std::min(corners[1].x - corners[0].x, corners[1].u - corners[0].u);
     const s32 height = std::min(corners[1].y - corners[0].y, corners[1].v - corners[0].v);
+    countWork(width, height);
     withPixelEnd(source, [&](auto end) {
         const SpanTarget target;
         NoDepth depth;

@@ -124,8 +124,8 @@ void FBmoveImage() {
     if (width <= 0) {
         return;
     }
+    countWork(width, height);
     for (s64 row = 0; row < height; ++row) {
-        Gs.work += static_cast<u64>(width);
         copyRow(Gs.dstbuf.bp + static_cast<u32>((to.y + row) * Gs.dstbuf.bw + to.x),
                 Gs.srcbuf.bp + static_cast<u32>((from.y + row) * Gs.srcbuf.bw + from.x),
                 static_cast<u32>(width), from.x >= to.x);

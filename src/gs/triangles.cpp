@@ -177,6 +177,8 @@ void drawTriangle(const GsVertex* vertices) {
     if (!SetupSections<variant>(edges, vertices)) {
         return;
     }
+    const auto& [a, b, c] = edges.vtx;
+    countWork((std::max({a.x, b.x, c.x}) - std::min({a.x, b.x, c.x})) >> 16, edges.Ymax - edges.Ymin + 1);
     s32 row = edges.Ymin;
     for (; row < static_cast<s32>(Gs.scissor->scay0); ++row) {
         if (NextRow<variant>(edges)) {
