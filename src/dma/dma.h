@@ -15,14 +15,16 @@ inline u64 verticalBlanks = 0;    ///< frames presented so far
 inline bool gifTransferGoesOn() { return Ps2Bios.gifQuadwords != 0; }
 
 /// The work of DmaUpdate when something may be pending, and of GSUpdate when the countdown is over.
-void serveDmaRequests();
+bool serveDmaRequests();
 void testVerticalBlank();
 
-/// Acts on the last guest write and read in the DMA register block and on a SIF0 start request.
-inline void DmaUpdate() {
+/// Acts on the last guest write and read in the DMA register block and on a SIF0 start request. False when
+/// there is more to do than one step may: a transfer to the GIF goes on.
+inline bool DmaUpdate() {
     if ((Ps2Bios.dmaWritePending | Ps2Bios.dmaReadPending | Ps2Bios.sif0StartRequest) != 0) [[unlikely]] {
-        serveDmaRequests();
+        return serveDmaRequests();
     }
+    return true;
 }
 
 /// Counts towards the next vertical blank; at one, presents the frame and marks pane 0 dirty.

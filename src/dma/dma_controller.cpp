@@ -133,14 +133,14 @@ void enterSif0Handler() {
 
 }  // namespace
 
-void serveDmaRequests() {
+bool serveDmaRequests() {
     if (gifTransferGoesOn()) {
         continueGif();
     } else if (Ps2Bios.dmaWritePending == 1) {
         serveWrite(Ps2Bios.dmaWriteOffset, Ps2Bios.dmaWriteValue);
     }
     if (gifTransferGoesOn()) {
-        return;  // the write stays pending
+        return false;  // the write stays pending
     }
     Ps2Bios.dmaWritePending = 0;
     if (Ps2Bios.dmaReadPending == 1) {
@@ -155,6 +155,7 @@ void serveDmaRequests() {
         enterSif0Handler();
         Ps2Bios.sif0StartRequest = 0;
     }
+    return true;
 }
 
 void DmaPrintChannelInfo(u8 channel) {

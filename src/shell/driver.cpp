@@ -132,11 +132,10 @@ bool driverStep() {
     if (MipsCpu.pause != 0) {
         return true;
     }
-    if (!gifTransferGoesOn()) {
+    if (!gifTransferGoesOn()) [[likely]] {
         MipsUpdateCpu();
     }
-    DmaUpdate();
-    if (gifTransferGoesOn()) {
+    if (!DmaUpdate()) {
         return false;
     }
     GSUpdate();
@@ -152,8 +151,7 @@ u64 runSteps(u64 limit) {
             run = MipsRun(std::min(limit - steps, quietSteps() + 1));
             passQuietSteps(run - 1);
         }
-        DmaUpdate();
-        if (gifTransferGoesOn()) {
+        if (!DmaUpdate()) {
             return steps + run - 1;
         }
         GSUpdate();
