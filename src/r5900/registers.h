@@ -6,14 +6,13 @@
 #include "r5900/mips_cpu.h"
 
 #include <cstddef>
-#include <new>
 
 namespace tarn::r5900 {
 
 /// All of a general-purpose register.
 inline GuestValue& wholeGpr(Gpr reg) {
     auto* registers = reinterpret_cast<std::byte*>(MipsCpu.GPR.data());
-    return *std::launder(reinterpret_cast<GuestValue*>(registers + reg.doublewords * sizeof(u64)));
+    return *reinterpret_cast<GuestValue*>(registers + reg.doublewords * sizeof(u64));
 }
 
 /// The value of a general-purpose register: its low doubleword.

@@ -143,8 +143,9 @@ class Case {
     void build(u8* memory) {
         codeAddress = pick({0x00100000, 0x00100F80, 0x00103FF0 - 0x80, 0x00000F00, mainMemorySize - 0x2200,
                             mainMemorySize - 0x1080, mainMemorySize - codeWords * 4});
-        for (u32 i = 0; i < codeWords; ++i) {
-            storeTo(memory, codeAddress + i * 4, instruction());
+        codeBase = codeAddress + below(codeWords) * 4;
+        for (position = 0; position < codeWords; ++position) {
+            storeTo(memory, codeAddress + position * 4, instruction());
         }
         for (u32 i = 0; i < 512; i += 4) {
             storeTo(memory, dataAddress + i, oneIn(2) ? instruction() : random());
@@ -155,7 +156,7 @@ class Case {
         for (u8 i = firstPointer; i < firstPointer + pointers.size(); ++i) {
             MipsCpu.GPR[i].low = pointers[i - firstPointer];
         }
-        MipsCpu.GPR[codePointer].low = codeAddress + below(codeWords) * 4;
+        MipsCpu.GPR[codePointer].low = codeBase;
         MipsCpu.GPR[jumpPointer].low = codeAddress + below(codeWords) * 4 + (oneIn(30) ? below(4) : 0);
         MipsCpu.GPR[instructionHolder].low = instruction();
         MipsCpu.GPR[r0].low = oneIn(4) ? number64() : 0;
@@ -251,6 +252,10 @@ class Case {
             const u32 code = one(memoryCodes);
             const u32 base = pointer();
             const u32 offset = oneIn(4) ? below(64) : below(16) * 4;
+            if (base == codePointer && oneIn(2)) {  // a store just ahead of itself
+                return immediate(43, base, instructionHolder,
+                                 codeAddress + (position + 1 + below(3)) * 4 - codeBase);
+            }
             return immediate(code, base, oneIn(3) ? u32{instructionHolder} : anyRegister(), offset);
         }
         case 9:
@@ -290,6 +295,8 @@ class Case {
     static constexpr u32 codeWords = 96;
     u64 state;
     u32 codeAddress = 0;
+    u32 codeBase = 0;  ///< what the pointer into the code holds
+    u32 position = 0;  ///< of the word that is being made
 };
 
 /// What the driver says runs of many steps are.
