@@ -46,7 +46,7 @@ constexpr const char* pieces[] = {"[General]\n",
 
 std::string buildFile(fuzz::Input& input) {
     std::string text;
-    while (!input.empty() && text.size() < 0x4000) {
+    while (!input.empty() && text.size() < 0x1000) {
         const u8 choice = input.take<u8>();
         if (choice < std::size(pieces)) {
             text += pieces[choice];

@@ -41,28 +41,31 @@ constexpr std::array<KnownKey, 12> knownKeys{{
 
 constexpr unsigned warningLimit = 20;  ///< a file with more is no configuration file
 
-bool sameLetter(char a, char b) {
-    return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
-}
+char lowerCase(char letter) { return static_cast<char>(std::tolower(static_cast<unsigned char>(letter))); }
 
-bool sameName(std::string_view a, std::string_view b) { return std::ranges::equal(a, b, sameLetter); }
+bool sameName(std::string_view a, std::string_view b) {
+    return std::ranges::equal(a, b, {}, lowerCase, lowerCase);
+}
 
 /// How many letters have to be inserted, removed or changed to make one name of the other. Of a name longer
 /// than any that is known, the beginning tells enough: the files are anyone's, and the work is a product.
-unsigned editDistance(std::string_view whole, std::string_view known) {
+unsigned editDistance(std::string_view name, std::string_view known) {
     constexpr std::size_t longest = 24;
-    const std::string_view name = whole.substr(0, longest);
+    std::array<char, longest> letters{};
+    const std::size_t count = name.copy(letters.data(), longest);
+    std::transform(letters.begin(), letters.begin() + count, letters.begin(), lowerCase);
     std::array<unsigned, longest + 1> column;
     std::iota(column.begin(), column.end(), 0U);
     for (const char letter : known) {
+        const char wanted = lowerCase(letter);
         unsigned diagonal = column[0]++;
-        for (std::size_t i = 0; i < name.size(); ++i) {
-            const unsigned change = diagonal + (sameLetter(name[i], letter) ? 0 : 1);
+        for (std::size_t i = 0; i < count; ++i) {
+            const unsigned change = diagonal + (letters[i] == wanted ? 0 : 1);
             diagonal = column[i + 1];
             column[i + 1] = std::min(change, std::min(column[i], diagonal) + 1);
         }
     }
-    return column[name.size()];
+    return column[count];
 }
 
 /// The known key that was most likely meant. A right name in the wrong section is nearer than any
