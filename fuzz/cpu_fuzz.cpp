@@ -3,14 +3,19 @@
 // until the next input.
 #include "dma/dma.h"
 #include "r5900/branch.h"
+#include "r5900/interpreter.h"
 #include "support.h"
 
 #include <random>
+#include <vector>
 
 namespace tarn {
 namespace {
 
 constexpr u32 programAddress = 0x00100000;
+constexpr u32 programWords = 256;
+constexpr u32 packetAddress = 0x00180000;
+constexpr u32 registerAt = 1;
 constexpr u64 stepLimit = 96;
 
 /// Bases from which loads and stores reach every area, its ends, its mirrors, and what is not mapped.
@@ -48,6 +53,60 @@ u32 takeWord(fuzz::Input& input) {
         return opcode << 26 | (programAddress / 4 + word % 64);
     default:
         return opcode << 26 | fields;
+    }
+}
+
+/// A program under construction.
+class Program {
+  public:
+    bool full() const { return words.size() >= programWords; }
+    void word(u32 value) { words.push_back(value); }
+    /// lui and ori.
+    void loadRegister(u32 number, u32 value) {
+        word(15U << 26 | number << 16 | value >> 16);
+        word(13U << 26 | number << 21 | number << 16 | (value & 0xFFFF));
+    }
+    /// sw of `value` to `offset` from registerAt.
+    void storeWord(u32 value, u32 offset) {
+        loadRegister(REG_V0, value);
+        word(43U << 26 | registerAt << 21 | REG_V0 << 16 | offset);
+    }
+    void copyToMemory() const { std::memcpy(MipsMemory + programAddress, words.data(), words.size() * 4); }
+
+  private:
+    std::vector<u32> words;
+};
+
+/// Starts a channel of the DMA controller.
+void addTransfer(Program& program, fuzz::Input& input) {
+    constexpr u32 places[] = {packetAddress, programAddress, 0x01FFFFF0, 0x01FFFFE8, 0x02000000, 0};
+    constexpr u32 counts[] = {64, 1, 0, 512};
+    constexpr u32 controls[] = {0x101, 0x105, 0x100, 1};
+    program.loadRegister(registerAt, input.take<u8>() < 0xE0 ? 0x1000A000 : 0x1000C000);
+    program.storeWord(input.pick(places), 0x10);
+    program.storeWord(input.pick(counts) & 0xFFF, 0x20);
+    program.storeWord(input.pick(controls), 0);
+}
+
+/// Calls the kernel with two small numbers.
+void addCall(Program& program, fuzz::Input& input) {
+    program.loadRegister(REG_V1, input.take<u8>());
+    program.loadRegister(REG_A0, input.take<u8>());
+    program.loadRegister(REG_A1, input.take<u8>() & 3);
+    program.word(12);
+}
+
+/// Rectangles for the GIF, hardly ever so large that one step of the machine cannot draw them all.
+void placePacket(fuzz::Input& input, bool large) {
+    const u8 kind = input.take<u8>();
+    const u64 count = kind & 15;
+    const u64 edge = large ? 0x3FF0 : kind;
+    const u64 header[] = {u64{1} << 60 | 3,     0xE, 16 << 16, 0x4C, u64{1023} << 48 | 1023 << 16, 0x40, 6, 0,
+                          u64{2} << 60 | count, 0x55};
+    std::memcpy(MipsMemory + packetAddress, header, sizeof header);
+    for (u64 i = 0; i < count; ++i) {
+        const u64 corners[] = {0, i, edge | edge << 32, i};
+        std::memcpy(MipsMemory + packetAddress + sizeof header + i * sizeof corners, corners, sizeof corners);
     }
 }
 
@@ -97,15 +156,21 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     seedRegisters(input);
     Ps2Bios.vsyncCountdown = 14 + (settings >> 4);
     MipsCpu.PC = programAddress;
-    u32 address = programAddress;
-    while (!input.empty() && address < programAddress + 0x400) {
-        const u32 word = takeWord(input);
-        std::memcpy(MipsMemory + address, &word, sizeof word);
-        address += 4;
+    placePacket(input, settings == 0x8F);
+    Program program;
+    while (!input.empty() && !program.full()) {
+        const u8 choice = input.take<u8>();
+        if (choice < 0x10) {
+            addTransfer(program, input);
+        } else if (choice < 0x20) {
+            addCall(program, input);
+        } else {
+            program.word(takeWord(input));
+        }
     }
     // Past its end the program starts again, with what it has made of itself.
-    const u32 again = 2U << 26 | programAddress / 4;
-    std::memcpy(MipsMemory + address, &again, sizeof again);
+    program.word(2U << 26 | programAddress / 4);
+    program.copyToMemory();
 
     // The first half step by step, the rest as a batch; a pause is lifted once, as F2 does.
     const u64 limit = traced ? 8 : stepLimit;
@@ -113,6 +178,11 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     MipsCpu.pause = 0;
     for (u64 steps = 0; steps < limit / 2 && MipsCpu.pause == 0;) {
         steps += runSteps(limit / 2 - steps);
+    }
+    if (traced) {
+        MipsCpuPrintRegtoOutput();
+        MipsCpuPrintReg();
+        PrintDebugOpcode();
     }
     return 0;
 }

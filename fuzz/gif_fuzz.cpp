@@ -69,18 +69,30 @@ u64 takeValue(fuzz::Input& input, u32 address) {
     return value & ordinary(address);
 }
 
+/// Sets up a transfer between small rectangles, into local memory or within it, and starts it.
+void addTransfer(Stream& stream, fuzz::Input& input, u64 direction) {
+    constexpr u64 narrowBuffers = 0x0103FFFF0103FFFF;  // 64 to 192 pixels, and 32 or 24 bits
+    stream.tag(0, 4, 1, 0xE, 0);
+    stream.quadword(input.take<u64>() & narrowBuffers, BITBLTBUF);
+    stream.quadword(takeValue(input, TRXPOS), TRXPOS);
+    stream.quadword(takeValue(input, TRXREG), TRXREG);
+    stream.quadword(direction, TRXDIR);
+}
+
 void addStep(Stream& stream, fuzz::Input& input) {
     const u8 choice = input.take<u8>();
     const u64 nloop = input.take<u8>();
     switch (choice & 7) {
     case 0:
-    case 1:
-    case 2: {  // registers by address; the second byte says which, but for a few that are out of range
+    case 1: {  // registers by address; the second byte says which, but for a few that are out of range
         const u32 address = static_cast<u32>(nloop) % 0x60;
         stream.tag(0, 1, 1, 0xE, 0);
         stream.quadword(takeValue(input, address), address);
         break;
     }
+    case 2:
+        addTransfer(stream, input, nloop & 3);
+        break;
     case 3:  // a primitive's vertices, each with colour and texel
         stream.tag(0, nloop & 3, 3, 0x5210u + (choice & 0x80 ? 0x110 : 0), u64{choice} << 44);
         for (u64 i = 0; i < (nloop & 3); ++i) {
