@@ -27,18 +27,11 @@ class Gif : public GsMachine {
 
     /// A value for a register that keeps drawing small, and images from 24 bits, whose groups do mind cuts.
     u64 quickValue(u32 address) {
-        switch (address) {
-        case TRXREG:
-        case SCISSOR_1:
-        case SCISSOR_2:
+        if (address == TRXREG || address == SCISSOR_1 || address == SCISSOR_2) {
             return (anyValue() & 0x003F003F000F000F) | 0x00300000;
-        case FRAME_1:
-        case FRAME_2:
-        case BITBLTBUF:
-            return (anyValue() & 0x0001FFFF0001FFFF) | 0x10000;
-        default:
-            return anyValue();
         }
+        const bool buffer = address == FRAME_1 || address == FRAME_2 || address == BITBLTBUF;
+        return buffer ? (anyValue() & 0x0001FFFF0001FFFF) | 0x10000 : anyValue();
     }
 
     /// Packets of every form that set registers, draw, upload and move.
@@ -66,12 +59,10 @@ class Gif : public GsMachine {
 
 TEST_F(Gif, FormsOfTheSameRegistersAgree) {
     constexpr u64 pendingQ = u64{0x3F800000} << 32;
-    struct {
-        u64 descriptor;
-        u64 low;
-        u64 high;
+    const struct {
+        u64 descriptor, low, high;
         std::vector<std::pair<u32, u64>> writes;  // address and value
-    } const cases[] = {
+    } cases[] = {
         {0x0, ~u64{0} << 32 | 0x3C, ~u64{0}, {{PRIM, 0x3C}}},
         {0x1, 0xAAAAAA02'BBBBBB01, 0xCCCCCC04'DDDDDD03, {{RGBAQ, pendingQ | 0x04030201}}},
         {0x2, 0x40000000'3F000000, ~u64{0} << 31, {{ST, 0x40000000'3F000000}, {RGBAQ, 0x80000000'11223344}}},
@@ -81,12 +72,11 @@ TEST_F(Gif, FormsOfTheSameRegistersAgree) {
         {0x5, 0x00000120'00000340, 0xFFFF7FFF'FEDCBA98, {{XYZ2, 0xFEDCBA98'01200340}}},
         {0x5, 0x00000120'00000340, 0x00008000'FEDCBA98, {{XYZ3, 0xFEDCBA98'01200340}}},
         {0xE, 0x12345678'9ABCDEF0, 0xFFFFFFFF'FFFFFF0A, {{FOG, 0x12345678'9ABCDEF0}}},
-        {0x6, ~u64{0}, ~u64{0}, {}},  // TEX0, CLAMP, FOG, XYZF3, XYZ3 and NOP do nothing
-        {0x8, ~u64{0}, ~u64{0}, {}},
-        {0xA, ~u64{0}, ~u64{0}, {}},
-        {0xC, ~u64{0}, ~u64{0}, {}},
-        {0xD, ~u64{0}, ~u64{0}, {}},
-        {0xF, ~u64{0}, ~u64{0}, {}},
+        // clang-format off
+        {0x6, ~u64{0}, ~u64{0}, {}}, {0x8, ~u64{0}, ~u64{0}, {}},  // TEX0, CLAMP, FOG, XYZF3, XYZ3 and NOP
+        {0xA, ~u64{0}, ~u64{0}, {}}, {0xC, ~u64{0}, ~u64{0}, {}},  // do nothing
+        {0xD, ~u64{0}, ~u64{0}, {}}, {0xF, ~u64{0}, ~u64{0}, {}},
+        // clang-format on
     };
     const auto imageAfter = [](auto send) {
         restart();
@@ -119,33 +109,24 @@ TEST_F(Gif, FormsOfTheSameRegistersAgree) {
 
 TEST_F(Gif, TagsSayHowMuchDataFollow) {
     const u64 nops = ~u64{0};
-    struct {
-        const char* name;
+    const struct {
         GifStream::Form form;
-        u32 nloop;
-        u32 nreg;
-        u32 data;
-    } const cases[] = {
-        {"PACKED", GifStream::packed, 3, 2, 6},
-        {"PACKED, 16 registers", GifStream::packed, 2, 0, 32},
-        {"PACKED, empty", GifStream::packed, 0, 5, 0},
-        {"REGLIST, odd", GifStream::reglist, 1, 3, 2},
-        {"REGLIST, odd twice", GifStream::reglist, 2, 3, 3},
-        {"REGLIST, 16 registers", GifStream::reglist, 1, 0, 8},
-        {"REGLIST, empty", GifStream::reglist, 0, 5, 0},
-        {"IMAGE", GifStream::image, 5, 9, 5},
-        {"IMAGE, FLG 3", GifStream::imageToo, 5, 0, 5},
-        {"IMAGE, empty", GifStream::image, 0, 1, 0},
+        u32 nloop, nreg, data;
+    } cases[] = {
+        {GifStream::packed, 3, 2, 6},  {GifStream::packed, 2, 0, 32}, {GifStream::packed, 0, 5, 0},
+        {GifStream::reglist, 1, 3, 2}, {GifStream::reglist, 2, 3, 3}, {GifStream::reglist, 1, 0, 8},
+        {GifStream::reglist, 0, 5, 0}, {GifStream::image, 5, 9, 5},   {GifStream::imageToo, 5, 0, 5},
+        {GifStream::image, 0, 1, 0},
     };
-    for (const auto& c : cases) {
+    for (const auto& [form, nloop, nreg, data] : cases) {
         restart();
         GifStream stream;
-        stream.tag(c.form, c.nloop, c.nreg, nops);
-        for (u32 i = 0; i < c.data; ++i) {
+        stream.tag(form, nloop, nreg, nops);
+        for (u32 i = 0; i < data; ++i) {
             stream.quadword(~u64{0}, ~u64{0});  // as a tag, data for 32767 loops of NOPs
         }
-        EXPECT_TRUE(endsCleanly(stream)) << c.name;
-        EXPECT_EQ(Gs.gifMode, GifMode::Tag) << c.name;
+        EXPECT_TRUE(endsCleanly(stream) && Gs.gifMode == GifMode::Tag)
+            << "form " << form << ", " << nloop << " loops of " << nreg;
     }
 }
 
@@ -153,8 +134,7 @@ TEST_F(Gif, TagsMayCarryPrim) {
     GifStream().tag(GifStream::reglist, 0, 1, 0, GifStream::pre(6)).send();
     EXPECT_EQ(Gs.prim->type, 0u) << "only PACKED tags do";
     GifStream().tag(GifStream::packed, 0, 1, 0, GifStream::pre(0x7FE)).send();
-    EXPECT_EQ(Gs.prim->type, 6u);
-    EXPECT_EQ(Gs.prim->fix, 1u);
+    EXPECT_TRUE(Gs.prim->type == 6 && Gs.prim->fix == 1);
     GifStream().tag(GifStream::packed, 0, 1, 0, GifStream::pre(3) & ~GifStream::pre(0)).send();
     EXPECT_EQ(Gs.prim->type, 6u) << "PRE is 0";
 }

@@ -1,10 +1,10 @@
-// Tests image transfers and palette copies against plain per-pixel models.
+// Tests image transfers against plain per-pixel models.
 #include "gs/transfer.h"
 
 #include "gs/local_memory.h"
 #include "support/gs_machine.h"
 
-#include <array>
+#include <algorithm>
 #include <cstring>
 
 namespace tarn::test {
@@ -31,23 +31,6 @@ class Transfer : public GsMachine {
     std::vector<u32> expected;  ///< what a plain model holds
 };
 
-void setPosition(u32 dsax, u32 dsay, u32 width, u32 height) {
-    GSwrite(u64{dsax} << 32 | u64{dsay} << 48, gs_register::TRXPOS);
-    GSwrite(width | u64{height} << 32, gs_register::TRXREG);
-}
-
-TEST_F(Transfer, PixelsFillTheRectangleAndStartAgain) {
-    GSwrite(u64{1} << 48, gs_register::BITBLTBUF);  // 64 wide, at 0
-    setPosition(10, 20, 2, 2);
-    for (u32 pixel = 1; pixel <= 5; ++pixel) {
-        TransferPixel(pixel);
-    }
-    EXPECT_EQ(localWord(20 * 64 + 10), 5u);
-    EXPECT_EQ(localWord(20 * 64 + 11), 2u);
-    EXPECT_EQ(localWord(21 * 64 + 10), 3u);
-    EXPECT_EQ(localWord(21 * 64 + 11), 4u);
-}
-
 TEST_F(Transfer, BlocksAreTheSamePixels) {
     std::vector<u32> data(400);
     for (u32 number = 0; number < 300; ++number) {
@@ -56,8 +39,9 @@ TEST_F(Transfer, BlocksAreTheSamePixels) {
         Gs.imagePtr = Gs.dstbuf.bp;
         const auto dsax = static_cast<u32>(pick({0, 5, 62, 2047}));
         const auto dsay = static_cast<u32>(pick({0, 3, 2047}));
-        setPosition(dsax, dsay, static_cast<u32>(pick({0, 1, 3, 64, -1, -5, 1 << 30})),
-                    static_cast<u32>(pick({0, 1, 3, 64, -1, 1 << 30})));
+        GSwrite(u64{dsax} << 32 | u64{dsay} << 48, gs_register::TRXPOS);
+        Gs.imageW = static_cast<u32>(pick({0, 1, 3, 64, -1, -5, 1 << 30}));
+        Gs.imageH = static_cast<u32>(pick({0, 1, 3, 64, -1, 1 << 30}));
         Gs.imageX = pick({Gs.imageX, Gs.imageX, 0, -2, 0x7FFFFFF0, -0x7FFFFFFF});
         Gs.imageY = pick({Gs.imageY, Gs.imageY, 0, -1, 0x7FFFFFFF});
         for (u32& pixel : data) {
@@ -77,10 +61,10 @@ TEST_F(Transfer, BlocksAreTheSamePixels) {
                 }
             }
         }
-        FBwriteBlock(reinterpret_cast<const u8*>(data.data()), static_cast<u32>(data.size() / 4));
+        std::for_each_n(data.begin(), 4, TransferPixel);
+        FBwriteBlock(reinterpret_cast<const u8*>(data.data() + 4), static_cast<u32>(data.size() / 4 - 1));
         ASSERT_TRUE(isAsExpected()) << "case " << number;
-        ASSERT_EQ(static_cast<u32>(Gs.imageX), x) << "case " << number;
-        ASSERT_EQ(static_cast<u32>(Gs.imageY), y) << "case " << number;
+        ASSERT_TRUE(static_cast<u32>(Gs.imageX) == x && static_cast<u32>(Gs.imageY) == y) << number;
     }
 }
 
@@ -124,31 +108,6 @@ TEST_F(Transfer, MovesAreTheSamePixels) {
         FBmoveImage();
         ASSERT_TRUE(isAsExpected()) << "case " << number;
     }
-}
-
-TEST_F(Transfer, PalettesAreReorderedAndWidened) {
-    std::array<u32, 256> source{};
-    std::array<u32, 256> copy{};
-    for (u32 i = 0; i < 256; ++i) {
-        source[i] = i;
-    }
-    copy_clut_pscm32(copy.data(), source.data());
-    for (const auto& [index, entry] :
-         {std::pair{7u, 7u}, {8u, 16u}, {15u, 23u}, {16u, 8u}, {24u, 24u}, {232u, 240u}}) {
-        EXPECT_EQ(copy[index], entry);
-    }
-    copy_clut_pscm324(copy.data(), source.data());
-    EXPECT_TRUE(std::equal(copy.begin(), copy.begin() + 64, source.begin()));
-
-    GSwrite(0x80 << 0 | u64{0x40} << 32, gs_register::TEXA);
-    std::array<u16, 256> narrow{0x0000, 0x8000, 0x7FFF, 0x801F, 0x03E0, 0x7C00};
-    copy_clut_cpsm16(copy.data(), narrow.data());
-    const std::array<u32, 6> wide{0x80000000, 0x40000000, 0x80F8F8F8, 0x400000F8, 0x8000F800, 0x80F80000};
-    EXPECT_TRUE(std::equal(wide.begin(), wide.end(), copy.begin()));
-    GSwrite(0x8080 | u64{0x40} << 32, gs_register::TEXA);  // AEM: black is transparent, but for bit 15
-    EXPECT_EQ(expandPalette16(0), 0u);
-    EXPECT_EQ(expandPalette16(0x8000), 0x40000000u);
-    EXPECT_EQ(expandPalette16(1), 0x80000008u);
 }
 
 }  // namespace
