@@ -5,7 +5,6 @@ import shutil
 import signal
 import socket
 import subprocess
-import threading
 import unittest
 
 from tarn_programs import BUILD, ProgramTest, guest
@@ -96,8 +95,8 @@ class GdbTest(DebuggedTest):
 
     def test_a_cpu_that_pauses_is_a_signal(self):
         self.start("kernel")
-        output = self.gdb("kernel", "continue", "p $v1", "p $a0", "x/i $pc", "continue", "kill")
-        self.expect(output, "SIGSYS", r"\$1 = 4", r"\$2 = 0", r"=> .*syscall", "SIGSYS", "killed")
+        self.expect(self.gdb("kernel", "continue", "p $v1", "x/i $pc", "continue", "kill"),
+                    "SIGSYS", r"\$1 = 4", r"=> .*syscall", "SIGSYS", "killed")
         self.assertIn("killed by the debugger", self.end(0))
 
     def test_watchpoints(self):
@@ -108,25 +107,11 @@ class GdbTest(DebuggedTest):
                     r"^New value = 1$", "^onSif0", r"sw\t", "Hardware access .* 3", "^Value = 1$|^New value")
         self.end(0)
 
-    def test_the_first_transfer_to_the_gs(self):
-        for program in "picture", "cube":
-            if not guest(program).exists():
-                continue
-            self.start(program)
-            output = self.gdb(program, "break main", "continue", "watch *(int*)0x1000a000", "continue", "p/x $pc",
-                              "x/wx 0x1000a000", "p *(int*)0x1000a010 < 0x2000000", "kill")
-            self.expect(output, "Breakpoint 1, main", "Hardware watchpoint 2", "^Old value = 0$", "0x1000a000:\t0x",
-                        r"\$2 = 1")
-            self.end(0)
-
     def test_memory_and_load(self):
         self.start("kernel")
-        output = self.gdb("kernel", "set var failures = 0x1234", "p/x *(int*)((unsigned)&failures | 0x20000000)",
-                          "p/x *(int*)((unsigned)&failures | 0x80000000)", "x/wx 0x1fc00000", "x/wx 0x12001000",
-                          "set var *(int*)0x1000a010 = 0x77", "x/wx 0x1000a010", "set var *(int*)0x1fc00000 = 1",
+        output = self.gdb("kernel", "set var failures = 0x1234", "p/x *(int*)((unsigned)&failures | 0x80000000)",
                           "set $pc = 0", "load", "p/x $pc == (unsigned)&_start", "break main", "continue", "kill")
-        self.expect(output, r"\$1 = 0x1234", r"\$2 = 0x1234", "0x1fc00000:\t0x00000000", "0x1000a010:\t0x00000077",
-                    "Loading section .text", r"\$3 = 0x1", "Breakpoint 1, main")
+        self.expect(output, r"\$1 = 0x1234", "Loading section .text", r"\$2 = 0x1", "Breakpoint 1, main")
         self.end(0)
 
     def test_the_run_ends_at_its_limit(self):
@@ -135,34 +120,20 @@ class GdbTest(DebuggedTest):
         self.assertIn("frame limit reached", self.end(0))
         self.assertTrue(self.output_file("end.bmp").startswith(b"BM"))
 
-    def test_interrupting(self):
+
+class ClientTest(DebuggedTest):
+    def test_interrupting_and_the_end_by_a_signal(self):
         self.start("picture")
-        setup = ["-ex", f"file {guest('picture')}", "-ex", f"target remote 127.0.0.1:{self.port}"]
-        with subprocess.Popen(["gdb-multiarch", "-nx", "-q", *setup], stdin=subprocess.PIPE, text=True,
-                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT) as gdb:
-            watchdog = threading.Timer(60, gdb.kill)
-            watchdog.start()
-
-            def talk(command, answer):
-                gdb.stdin.write(command + "\n")
-                gdb.stdin.flush()
-                output = ""
-                while not re.search(answer, output):
-                    character = gdb.stdout.read(1)
-                    self.assertTrue(character, output)
-                    output += character
-
-            talk("continue &\ninterrupt", "SIGINT")
-            talk("p $pc >= 0x100000", r"\$1 = 1")
-            talk("continue &\necho running\\n", "running")
-            self.machine.send_signal(signal.SIGTERM)
-            talk("", "exited normally|closed|disconnected")  # the latter if it came before the packet
-            gdb.communicate("quit\n")
-            watchdog.cancel()
+        client = Client(self.port)
+        for resumed in b"c", b"C05":
+            client.send(packet(resumed) + b"\x03")
+            self.assertEqual(client.reply(), b"S02")
+        client.send(packet(b"c"))
+        self.machine.send_signal(signal.SIGTERM)
+        self.assertEqual(client.reply(), b"W00")
+        client.close()
         self.assertIn("stopped by a signal", self.end(0))
 
-
-class BadClientTest(DebuggedTest):
     def test_bad_packets_and_dropped_connections(self):
         self.start("picture", "--frames", "3")
         client = Client(self.port)
