@@ -10,21 +10,17 @@ using namespace test;
 constexpr u32 countInSlot = immediate(9, v0, v0, 1);  // ADDIU: v0 counts the executions of the delay slot
 
 TEST_F(MachineTest, TakenBranchesCountTheirDelaySlotAndLikelyOnesSkipIt) {
-    const struct {
-        u32 word;
-        u64 pc, cycle;
-    } cases[] = {{immediate(4, r0, r0, 0x8000), programStart + 4 - 0x20000, 2},  // BEQ
-                 {immediate(5, r0, r0, 0x7FFF), programStart + 4, 1},            // BNE
-                 {immediate(20, r0, r0, 3), programStart + 16, 2},               // BEQL
-                 {immediate(21, r0, r0, 3), programStart + 8, 1},                // BNEL
-                 {coprocessor1(8, 3, 3), programStart + 8, 1}};                  // BC1TL
+    const std::tuple<u32, u64, u64> cases[] = {// word, PC and cycle afterwards
+                                               {immediate(4, r0, r0, 0x8000), programStart + 4 - 0x20000, 2},
+                                               {immediate(5, r0, r0, 0x7FFF), programStart + 4, 1},
+                                               {immediate(20, r0, r0, 3), programStart + 16, 2},
+                                               {immediate(21, r0, r0, 3), programStart + 8, 1}};
     for (const auto& [word, pc, cycle] : cases) {
         MipsCpu = {};
         setProgram({word, countInSlot});
         MipsUpdateCpu();
-        EXPECT_EQ(MipsCpu.PC, pc) << mnemonicOf(word);
-        EXPECT_EQ(MipsCpu.cycle, cycle) << mnemonicOf(word);
-        EXPECT_EQ(MipsCpu.GPR[v0].low, cycle - 1) << mnemonicOf(word);
+        EXPECT_TRUE(MipsCpu.PC == pc && MipsCpu.cycle == cycle && MipsCpu.GPR[v0].low == cycle - 1)
+            << mnemonicOf(word);
     }
 }
 

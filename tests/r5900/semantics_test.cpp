@@ -1,5 +1,6 @@
 // What the instructions do that is this machine's own: dirty upper words, overflows, divisions by zero, the
-// second pipeline, register halves, NaNs, conversions and refused loads. Plain results are held against qemu.
+// second pipeline, register halves, NaNs, conversions and refused loads. Plain results are held against qemu,
+// and many of these by the guest program arithmetic.
 #include "r5900/instruction.h"
 
 #include <tuple>
@@ -17,11 +18,11 @@ constexpr u64 registerValues[] = {0, 1, ~u64{0}, 0x7FFFFFFF, 0xFFFFFFFF80000000,
                                   0x1F00000010, u64{1} << 32, 2, 0x0123456780809180, ~u64{6}, 0x00200010};
 
 // Floating-point registers by what they hold, as bit images.
-enum : u32 { f1 = 1, f2, fInf, fMinusInf, fQuiet, fSignalling, fTiny, fMinus2p7, fMinusHalf, fBelow2To31,
-             f2To31, f2To33, f2To63, f3p9, fOut = 31 };
+enum : u32 { f1 = 1, f2, fInf, fMinusInf, fQuiet, fSignalling, fTiny, fMinusHalf, fBelow2To31, f2To31,
+             f2To33, f2To63, fOut = 31 };
 constexpr u64 images[] = {0,          0x3F800000, 0x40000000,         0x7F800000, 0xFF800000,
-                          0x7FC12345, 0xFF812345, 0x8000008000000001, 0xC02CCCCD, 0xBF000000,
-                          0x4EFFFFFF, 0x4F000000, 0x50000000,         0x5F000000, 0x4079999A};
+                          0x7FC12345, 0xFF812345, 0x8000008000000001, 0xBF000000, 0x4EFFFFFF,
+                          0x4F000000, 0x50000000, 0x5F000000};
 constexpr u64 invalid = 0xFFC00000, fMinus2To31 = 0xCF000000;
 
 GuestValue memory;  // the quadword before the address in `data`, here while no instruction runs
@@ -46,53 +47,32 @@ constexpr u64 conditionHolds = 1 << 23;
 
 const Case cases[] = {
     // Immediates, sums and differences
-    {immediate(8, maxWord, out, 0x7FFF), {{rd, 0xFFFFFFFF80007FFE}}},
     {immediate(9, carry, out, 0xFFFF), {{rd, ~u64{0}}}},
     {immediate(9, maxWord, r0, 1), {{gpr(r0), 0xFFFFFFFF80000000}}},
-    {special(32, maxWord, one, out), {}, "add Integer Overflow\n"},
     {special(32, minWord, lowOnes, out), {}, "add Integer Overflow\n"},
     {special(32, lowOnes, carry, r0), {{gpr(r0), ~u64{0}}}},
     {special(33, lowOnes, maxWord, out), {{rd, 0x7FFFFFFE}}},
-    {special(34, minWord, one, out), {}, "sub Integer Overflow\n"},
     {special(34, r0, minWord, out), {}, "sub Integer Overflow\n"},
     {special(34, dirty, lowOnes, out), {{rd, 17}}},
-    {special(47, minDouble, one, out), {{rd, ~u64{0} >> 1}}, "dsubu Integer Overflow\n"},
     {special(47, r0, minDouble, r0), {{gpr(r0), u64{1} << 63}}, "dsubu Integer Overflow\n"},
-    // Comparisons: SLT alone looks at words
-    {immediate(10, lowOnes, out, 0), {{rd, 0}}}, {special(42, carry, one, out), {{rd, 1}}},
-    // Shifts
-    {special(3, 0, lowOnes, out, 4), {{rd, ~u64{0}}}},
-    {special(3, 0, dirty, out, 4), {{rd, 0xFFFFFFFFF0000001}}},
     {special(7, minWord, dirty, out), {{rd, 16}}},
     // Products and quotients
     {special(24, lowOnes, carry, out), {{lo, 0}, {hi, 0}, {rd, 0}}},
     {special(24, lowOnes, two, r0), {{lo, ~u64{1}}, {hi, ~u64{0}}, {gpr(r0), ~u64{1}}}},
-    {immediate(28, minusOne, minus7, out << 11 | 24),
-     {{lo1, 0xFFFFFFF800000007}, {hi1, 0xFFFFFFFE00000001}, {rd, 0xFFFFFFF800000007}}},
     {immediate(28, minusOne, two, r0 << 11 | 24), {{lo1, 0x1FFFFFFFE}, {hi1, 0}, {gpr(r0), 0x1FFFFFFFE}}},
     {special(29, minusOne, two, out), {{lo, ~u64{1}}, {hi, 1}, {rd, ~u64{1}}}},
     {special(26, minus7, carry, out), {{lo, 1}, {hi, ~u64{6}}}},
-    {special(26, two, r0, out), {{lo, ~u64{0}}, {hi, 2}}},
-    {special(26, minWord, lowOnes, out), {{lo, 0xFFFFFFFF80000000}, {hi, 0}}},
-    {special(27, minWord, r0, out), {{lo, ~u64{0}}, {hi, 0xFFFFFFFF80000000}}},
     {special(16, 0, 0, r0), {{gpr(r0), 0x1111}}}, {special(18, 0, 0, out), {{rd, 0x2222}}},
     // Loads and stores
     {immediate(30, data, out, 0xFFF0), {{rd, memoryBefore.low}, {rdHigh, memoryBefore.high}}},
     {immediate(26, data, out, 0xFFF7), {{rdHigh, 0x0F0E0D0C0B0A9988}}},
     {immediate(27, data, out, 0xFFF1), {{rd, 0x9988776655443382}}},
-    {immediate(34, data, out, 0xFFF4), {{rd, 0xFFFFFFFF88779180}}},
-    {immediate(38, data, out, 0xFFF4), {{rd, 0xFFFFFFFF80806655}}},
     {immediate(55, data, data, 0xFFF0), {{gpr(data), memoryBefore.low}}},
-    {immediate(49, data, fOut, 0xFFF0), {{fd, 0x44338281}}},
     {immediate(31, data, out, 0xFFF0), {{&memory.low, 0x0123456780809180}, {&memory.high, 0x4444}}},
     {immediate(44, data, out, 0xFFF0), {{&memory.low, 0x4444}}},
-    {immediate(45, data, out, 0xFFF0), {{&memory.low, 0x0123456780809180}}},
-    {immediate(42, data, out, 0xFFF0), {{&memory.low, 0x8877665580800000}}},
-    {immediate(46, data, out, 0xFFF0), {{&memory.low, 0x8877665500009180}}},
     {immediate(57, data, fTiny, 0xFFF0), {{&memory.low, 0x8877665500000001}}},
     // Refused loads complete with what the destination holds
     {immediate(32, r0, out, 0), {{rd, 0xFFFFFFFFFFFFFF80}}, refused},
-    {immediate(33, r0, out, 0), {{rd, 0xFFFFFFFFFFFF9180}}, refused},
     {immediate(35, r0, out, 0), {{rd, 0xFFFFFFFF80809180}}, refused},
     {immediate(34, r0, out, 0), {{rd, 0x9180}}, refused},
     {immediate(38, r0, out, 0), {{rd, 0xFFFFFFFF80800000}}, refused},
@@ -100,32 +80,22 @@ const Case cases[] = {
     // NaNs: the first operand's, made quiet
     {single(0, fSignalling, fQuiet, fOut), {{fd, 0x7FC12345}}},
     {single(1, fQuiet, fSignalling, fOut), {{fd, 0xFFC12345}}},
-    {single(0, fMinusInf, fInf, fOut), {{fd, invalid}}},
-    {single(1, fInf, fInf, fOut), {{fd, invalid}}},
-    {single(3, 0, 0, fOut), {{fd, invalid}}},
-    {single(0, fTiny, fTiny, fOut), {{fd, 2}}},
-    {single(7, 0, fSignalling, fOut), {{fd, 0x7F812345}}},
+    {single(0, fMinusInf, fInf, fOut), {{fd, invalid}}}, {single(3, 0, 0, fOut), {{fd, invalid}}},
+    {single(0, fTiny, fTiny, fOut), {{fd, 2}}}, {single(7, 0, fSignalling, fOut), {{fd, 0x7F812345}}},
     // The image of a result has the next register's value behind it; a move copies the image.
     {single(0, f2, f1, f1), {{image(f1), 0x4000000040400000}}},
     {single(6, 0, fTiny, fOut), {{fd, 0x8000008000000001}}},
     // CVT_W_S, MFC1, MTC1, CVT_S
-    {single(36, 0, fMinus2p7, fOut), {{fd, 0xC0000000}}},
-    {single(36, 0, fMinusHalf, fOut), {{fd, 0}}},
-    {single(36, 0, fBelow2To31, fOut), {{fd, 0x4EFFFFFF}}},
+    {single(36, 0, fMinusHalf, fOut), {{fd, 0}}}, {single(36, 0, fBelow2To31, fOut), {{fd, 0x4EFFFFFF}}},
     {single(36, 0, f2To31, fOut), {{fd, fMinus2To31}}},
-    {coprocessor1(0, out, f3p9 << 11), {{rd, 3}}},
-    {coprocessor1(0, out, fMinus2p7 << 11), {{rd, 0xFFFFFFFE}}},
     {coprocessor1(0, out, f2To31 << 11), {{rd, 0x80000000}}},
-    {coprocessor1(0, out, f2To33 << 11), {{rd, 0}}},
-    {coprocessor1(0, out, f2To63 << 11), {{rd, 0}}},
+    {coprocessor1(0, out, f2To33 << 11), {{rd, 0}}}, {coprocessor1(0, out, f2To63 << 11), {{rd, 0}}},
     {coprocessor1(0, r0, fQuiet << 11), {{gpr(r0), 0}}},
     {coprocessor1(4, dirty, fOut << 11), {{fd, 0x1F00000010}}},
     {coprocessor1(20, 0, fTiny << 11 | fOut << 6 | 32), {{fd, 0x5F000001}}},
     // Comparisons, with the other bits of FCR31 set
     {single(50, 0, 0, 0), {{condition, ~u64{0}}}},
     {single(50, fQuiet, fQuiet, 0), {{condition, ~conditionHolds}}},
-    {single(52, f2, f1, 0), {{condition, ~u64{0}}}}, {single(52, f1, f1, 0), {{condition, ~conditionHolds}}},
-    {single(52, fQuiet, f1, 0), {{condition, ~u64{0}}}},
     {single(50, f1, f1, 4), {}, "C_EQ_S : cc not implemented\n"},
     {single(52, f1, f2, 28), {}, "C_OLT_S : cc not implemented\n"},
     // Coprocessor 0
