@@ -11,7 +11,7 @@ namespace {
 using namespace gs_register;
 
 // PRIM: types, and the attributes to be added.
-enum Prim : u32 { line = 1, lineStrip, triangle, triangleStrip, triangleFan, sprite, reserved };
+enum Prim : u32 { point, line, lineStrip, triangle, triangleStrip, triangleFan, sprite, reserved };
 constexpr u32 iip = 8, tme = 16, fst = 256;
 
 struct Position {
@@ -66,6 +66,7 @@ TEST_F(Drawing, Outlines) {
         {sprite, {{12, 12}, {10, 10}}, {}},
         {triangle, {{1, 1}, {4, 1}, {1, 4}}, {{1, 1}, {2, 1}, {3, 1}, {1, 2}, {2, 2}, {1, 3}}},
         {triangle, {{10, 10}, {20, 20}, {30, 30}}, {}},
+        {point, {{639, 447}, {640, 5}, {5, 448}}, {{639, 447}}},
         {reserved, {{0, 0}, {8, 0}, {0, 8}, {8, 8}}, {}},
     };
     for (const auto& [prim, vertices, pixels] : cases) {
@@ -106,6 +107,20 @@ TEST_F(Drawing, TheQueueCarriesOnlyTheAttributesInUse) {
     GSwrite(triangleStrip, PRIM);
     colour(1), xyz(0, 0), colour(2), xyz(8, 0), colour(3), xyz(0, 8);
     EXPECT_EQ(Gs.vRamUL[641], 3u);
+    GSwrite(~u64{0}, UV), GSwrite(~u64{0}, XYZ3);
+    const GsVertex& whole = Gs.gsvertex[2];
+    EXPECT_TRUE(whole.u == 2047 && whole.v == 2047 && whole.x == 4095 && whole.y == 4095 && whole.z == ~0u);
+}
+
+TEST_F(Drawing, ASpriteOf32BitTexelsStopsBeyondLocalMemory) {
+    GSwrite(0x3FFF | 1 << 14, TEX0_1);  // the last 64 words, 64 texels a row
+    Gs.vRamUL[0xFFFC0] = 0x00808080;
+    Gs.vRamUL[0] = 0x00404040;  // what a row right at the end of memory reads
+    GSwrite(sprite | tme | fst, PRIM);
+    GSwrite(0, UV), xyz(8, 8), GSwrite(1 << 4 | 9 << 20, UV), xyz(9, 20);
+    for (const auto& [row, drawn] : {std::pair{8, true}, {9, true}, {10, false}}) {
+        EXPECT_EQ(Gs.vRamUL[row * 640 + 8] != 0, drawn) << row;
+    }
 }
 
 TEST_F(Drawing, TheSteepestDepthGradientWrapsInsteadOfTrapping) {
