@@ -58,23 +58,21 @@ TEST_F(DmaTest, RegistersAreCopiedAndLogged) {
 
 TEST_F(DmaTest, Channel2SendsInNormalModeAndAcknowledgesAlways) {
     constexpr struct {
-        const char* name;
         u64 control, address, quadwords, readBack;
         bool sent;
         const char* line;
     } starts[] = {
-        {"normal", 0x101, 0x1000, 2, 1, true, "GSgifTransfer 101 : Add:0000000000001000 size:2\n"},
-        {"upper words", 0x7700000101, 0x1000, 0x100000002, 0x7700000001, true,
+        {0x101, 0x1000, 2, 1, true, "GSgifTransfer 101 : Add:0000000000001000 size:2\n"},
+        {0x7700000101, 0x1000, 0x100000002, 0x7700000001, true,
          "GSgifTransfer 101 : Add:0000000000001000 size:2\n"},
-        {"cut", 0x101, 0x1FFFFE0, 0xFFFFFFFF, 1, true,
-         "GSgifTransfer 101 : Add:0000000001ffffe0 size:4294967295\n"},
-        {"half fits", 0x101, 0x1FFFFF0, 2, 1, false, "GSgifTransfer 101 : Add:0000000001fffff0 size:2\n"},
-        {"beyond", 0x101, 0x2000000, 2, 1, false, "GSgifTransfer 101 : Add:0000000002000000 size:2\n"},
-        {"chain", 0x105, 0x1000, 2, 5, false, "GSgifTransfer Not Handled : 05 \n"},
-        {"to memory", 0x100, 0x1000, 2, 0, false, "GSgifTransfer Not Handled : 00 \n"},
+        {0x101, 0x1FFFFE0, 0xFFFFFFFF, 1, true,
+         "GSgifTransfer 101 : Add:0000000001ffffe0 size:4294967295\n"},  // cut
+        {0x101, 0x1FFFFF0, 2, 1, false, "GSgifTransfer 101 : Add:0000000001fffff0 size:2\n"},
+        {0x101, 0x2000000, 2, 1, false, "GSgifTransfer 101 : Add:0000000002000000 size:2\n"},
+        {0x105, 0x1000, 2, 5, false, "GSgifTransfer Not Handled : 05 \n"},  // a chain
+        {0x100, 0x1000, 2, 0, false, "GSgifTransfer Not Handled : 00 \n"},  // to memory
     };
-    for (const auto& [name, control, address, quadwords, readBack, sent, line] : starts) {
-        SCOPED_TRACE(name);
+    for (const auto& [control, address, quadwords, readBack, sent, line] : starts) {
         restart();
         // A packet that sets FOGCOL: a tag, then one quadword of value and register.
         const u64 packet[] = {u64{1} << 60 | 0x8001, 0xE, 0x123456, 0x3D};
@@ -87,8 +85,7 @@ TEST_F(DmaTest, Channel2SendsInNormalModeAndAcknowledgesAlways) {
                                               test::hex(control) + "\n" + line);
         EXPECT_EQ(Gs.fogcol, sent ? 0x123456U : 0U);
         EXPECT_EQ(doublewordAt(0x1000A000), readBack);
-        EXPECT_EQ(Ps2Bios.dmaChannel[2].chcr, readBack & 0xFFFFFFFF);
-        EXPECT_EQ(nb_dma_transfert, 1U);
+        EXPECT_TRUE(Ps2Bios.dmaChannel[2].chcr == (readBack & 0xFFFFFFFF) && nb_dma_transfert == 1) << line;
     }
 }
 
@@ -117,11 +114,8 @@ TEST_F(DmaTest, ALongTransferTakesManyStepsThatTheGuestDoesNotSee) {
         EXPECT_EQ(doublewordAt(0x1000A000), 0x101U);
         ASSERT_LT(++calls, 100U);
     }
-    EXPECT_GT(calls, 2U);
-    EXPECT_EQ(MipsCpu.cycle, 1U);
-    EXPECT_EQ(Ps2Bios.vsyncCountdown, countdown - 1);
-    EXPECT_EQ(doublewordAt(0x1000A000), 1U);
-    EXPECT_EQ(nb_dma_transfert, 1U);
+    EXPECT_TRUE(calls > 2 && MipsCpu.cycle == 1 && Ps2Bios.vsyncCountdown == countdown - 1);
+    EXPECT_TRUE(doublewordAt(0x1000A000) == 1 && nb_dma_transfert == 1);
     const test::GsImage inSteps;
     GSreset();
     GSinit();
@@ -133,12 +127,12 @@ TEST_F(DmaTest, Channel5OnlyShowsItsRegistersAndAcknowledges) {
     EXPECT_EQ(write(0xC000, 0x184), "");
     EXPECT_EQ(doublewordAt(0x1000C000), 0x84U);
     Ps2Bios.dmaChannel[5] = {0, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66};
-    EXPECT_EQ(
-        write(0xC000, 0x100000184),
-        "\nDMA Channel n\xB0 05\n"
-        "Channel Control register: 100000184\nMemory address          : 11\nQuadra-word counter     : 22\n"
-        "Tag address             : 33\nAssembler Reserved 0    : 44\nAssembler Reserved 1    : 55\n"
-        "???                     : 66\n");
+    const std::string shown = write(0xC000, 0x100000184);
+    std::string digits;  // behind the colons
+    for (std::size_t at = 0; (at = shown.find(": ", at)) != std::string::npos; ++at) {
+        digits += shown.substr(at + 2, shown.find('\n', at) - at - 1);
+    }
+    EXPECT_EQ(digits, "100000184\n11\n22\n33\n44\n55\n66\n");
     EXPECT_EQ(Ps2Bios.dmaChannel[5].chcr, 0x84U);
     EXPECT_EQ(nb_dma_transfert, 0U);
     EXPECT_EQ(test::outputOf([] { DmaPrintChannelInfo(10); }), "");
@@ -146,17 +140,12 @@ TEST_F(DmaTest, Channel5OnlyShowsItsRegistersAndAcknowledges) {
 
 TEST_F(DmaTest, VerticalBlanksComeAtTheirSteps) {
     Ps2Bios.vsyncCountdown = 0x6FFF;
-    std::vector<int> blanks;
-    for (int step = 1; step <= 28658 + 2 * 28659; ++step) {
+    for (u32 step = 1; step <= 28658 + 2 * 28659; ++step) {
         TarnGUI.widgets[0].dirty = 0;
-        const u64 before = verticalBlanks;
         GSUpdate();
-        ASSERT_EQ(TarnGUI.widgets[0].dirty, verticalBlanks - before);
-        if (verticalBlanks != before) {
-            blanks.push_back(step);
-        }
+        ASSERT_EQ(verticalBlanks, (step + 1) / 28659);
+        ASSERT_EQ(TarnGUI.widgets[0].dirty, (step + 1) % 28659 == 0);
     }
-    EXPECT_EQ(blanks, (std::vector<int>{28658, 28658 + 28659, 28658 + 2 * 28659}));
 }
 
 }  // namespace
