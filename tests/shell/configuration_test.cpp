@@ -24,37 +24,32 @@ class Configuration : public testing::Test {
 
 using Values = std::vector<u32>;
 
-/// All numbers: the four flags, width, height, depth, stretching, steps per poll, frame rate, blending.
 Values numbers() {
-    return {Settings.debug_op,
-            Settings.debug_dma,
-            Settings.debug_print_syscall,
-            Settings.debug_gs,
-            Settings.koGUI_MainScreenW,
-            Settings.koGUI_MainScreenH,
-            Settings.koGUI_MainScreenBPP,
-            Settings.koGUI_MainScreenStretch,
-            Settings.stepsPerPoll,
-            Settings.frameRate,
-            Settings.blend};
+    const TarnSettings& s = Settings;
+    return {s.debug_op,
+            s.debug_dma,
+            s.debug_print_syscall,
+            s.debug_gs,
+            s.koGUI_MainScreenW,
+            s.koGUI_MainScreenH,
+            s.koGUI_MainScreenBPP,
+            s.koGUI_MainScreenStretch,
+            s.stepsPerPoll,
+            s.frameRate,
+            s.blend};
 }
 
 TEST_F(Configuration, Values) {
-    struct Case {
-        const char* text;
-        const char* elf;
-        Values values;
-    };
     const Values defaults = {0, 0, 0, 0, 320, 240, 32, 1, 0, 0, 0};
-    const Case cases[] = {
+    const std::tuple<const char*, std::string, Values> cases[] = {
         {"", "", defaults},
-        {"[General]\nElf=\"a "
-         "b;#.elf\"\nDebug_op=1\nDebug_dma=2\nDebug_syscall=3\nDebug_GS=4\nSteps_per_poll=5\n"
+        {"[General]\nElf=\"a b;#.elf\"\n"
+         "Debug_op=1\nDebug_dma=2\nDebug_syscall=3\nDebug_GS=4\nSteps_per_poll=5\n"
          "[Video]\nWidth=640\nHeight=480\nBpp=16\nStretch=0\nFrame_rate=60\nBlend=1",
          "a b;#.elf",
          {1, 2, 3, 4, 640, 480, 16, 0, 5, 60, 1}},
-        {"[general]\nelf = x ; comment\nDEBUG_OP = 0x101\nDebug_dma = 010\nDebug_GS = -1\nSteps_per_poll = "
-         "-1\n"
+        {"[general]\nelf = x ; comment\nDEBUG_OP = 0x101\nDebug_dma = 010\nDebug_GS = -1\nSteps_per_poll"
+         "= -1\n"
          "[VIDEO]\nWidth = 65536\nHeight = -1\nBpp = text\nStretch = 99999999999999999999\nFrame_rate = -60",
          "x",
          {1, 8, 0, 255, 0, 65535, 0, 65535, 0, 0, 0}},
@@ -62,10 +57,10 @@ TEST_F(Configuration, Values) {
         {"[General:Debug_op]\n[General:Elf]\n[Video:Width]\n[Video:Bpp]\nElf=x", "", defaults},
         {"Elf=outside\n[Other]\nElf=other\nWidth=5", "", defaults},
     };
-    for (const Case& c : cases) {
-        EXPECT_EQ(load(c.text), 1) << c.text;
-        EXPECT_EQ(Settings.ElfToExecute, std::string(c.elf)) << c.text;
-        EXPECT_EQ(numbers(), c.values) << c.text;
+    for (const auto& [text, elf, values] : cases) {
+        EXPECT_EQ(load(text), 1) << text;
+        EXPECT_EQ(Settings.ElfToExecute, elf) << text;
+        EXPECT_EQ(numbers(), values) << text;
     }
     load("[General]\nElf=" + std::string(600, 'e'));
     EXPECT_EQ(Settings.ElfToExecute, std::string(255, 'e'));
