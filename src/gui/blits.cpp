@@ -27,6 +27,13 @@ struct CopiedArea {
     bool empty() const { return right <= left || bottom <= top; }
 };
 
+void store(const CopiedArea& area, SDL_Rect* place) {
+    place->x = static_cast<Sint16>(area.left + area.dx);
+    place->y = static_cast<Sint16>(area.top + area.dy);
+    place->w = static_cast<Uint16>(area.empty() ? 0 : area.right - area.left);
+    place->h = static_cast<Uint16>(area.empty() ? 0 : area.bottom - area.top);
+}
+
 /// Cut to the source and to the destination's clip rectangle.
 CopiedArea copiedArea(const SDL_Surface* source, const SDL_Rect* part, const SDL_Surface* destination,
                       const SDL_Rect* place) {
@@ -76,6 +83,23 @@ void copyBesidesKey(u8* destination, const u8* source, std::size_t count, u32 ke
     }
 }
 
+/// Copies the pieces of a row that differ from `shown`, or all of them; returns whether there were any. The
+/// others are not even read at the destination: another processor, the display server's, may hold that
+/// memory.
+bool copyChanges(u8* destination, u8* shown, const u8* source, std::size_t bytes, bool everything) {
+    constexpr std::size_t piece = 256;
+    bool changed = false;
+    for (std::size_t first = 0; first < bytes; first += piece) {
+        const std::size_t size = std::min(piece, bytes - first);
+        if (everything || std::memcmp(shown + first, source + first, size) != 0) {
+            std::memcpy(shown + first, source + first, size);
+            std::memcpy(destination + first, source + first, size);
+            changed = true;
+        }
+    }
+    return changed;
+}
+
 }  // namespace
 
 void blit(SDL_Surface* source, const SDL_Rect* part, SDL_Surface* destination, SDL_Rect* place) {
@@ -98,11 +122,36 @@ void blit(SDL_Surface* source, const SDL_Rect* part, SDL_Surface* destination, S
         copyRows(source, destination, area, swapChannels);
     }
     if (place != nullptr) {
-        place->x = static_cast<Sint16>(area.left + area.dx);
-        place->y = static_cast<Sint16>(area.top + area.dy);
-        place->w = static_cast<Uint16>(area.empty() ? 0 : area.right - area.left);
-        place->h = static_cast<Uint16>(area.empty() ? 0 : area.bottom - area.top);
+        store(area, place);
     }
+}
+
+bool blitChanges(SDL_Surface* source, SDL_Surface* destination, SDL_Rect* place, std::vector<u8>& shown) {
+    if (!isWholeWords(*source->format) || !isWholeWords(*destination->format) ||
+        source->format->Rmask != destination->format->Rmask ||
+        (source->flags & (SDL_SRCCOLORKEY | SDL_SRCALPHA)) != 0) {
+        return false;
+    }
+    const auto bytes = static_cast<std::size_t>(source->h) * source->pitch;
+    const bool everything = shown.size() != bytes;
+    shown.resize(bytes);
+    const CopiedArea area = copiedArea(source, nullptr, destination, place);
+    CopiedArea changed = area;
+    changed.bottom = changed.top;
+    store(changed, place);
+    if (area.empty()) {
+        return true;
+    }
+    copyRows(source, destination, area, [&](u8* to, const u8* from, std::size_t count) {
+        const auto start = static_cast<std::size_t>(from - static_cast<const u8*>(source->pixels));
+        if (copyChanges(to, &shown[start], from, count * 4, everything)) {
+            const s32 row = static_cast<s32>(start / source->pitch);
+            changed.top = changed.empty() ? row : changed.top;
+            changed.bottom = row + 1;
+        }
+    });
+    store(changed, place);
+    return true;
 }
 
 void fill(SDL_Surface* surface, const SDL_Rect& rectangle, u32 pixel) {

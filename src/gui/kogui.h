@@ -6,6 +6,7 @@
 
 #include <SDL.h>
 #include <array>
+#include <vector>
 
 namespace tarn {
 
@@ -82,7 +83,8 @@ struct koGUIwidget {
     u32 shownIndex = 0;                  ///< its index
 };
 
-/// The screen: everything is drawn into `surface`, which is copied to the window as a whole.
+/// The screen: everything is drawn into `surface`, which is copied to the window as a whole; but a picture
+/// that alone has changed goes straight to the window.
 struct koGUIscreen {
     SDL_Surface* surface = nullptr;  ///< owned; as large as the window, 32 bits
     BitmapFont* font1 = nullptr;     ///< owned; titles
@@ -90,6 +92,7 @@ struct koGUIscreen {
     u32 nbWidgets = 0;
     u8 running = 0;  ///< 1 while the main loop is to go on
     std::array<koGUIwidget, maxWidgets> widgets{};
+    std::vector<u8> shownPicture;  ///< pixels of pane 0's image that went to the window without the surface
 
     void (*AddWidget)(koGUIscreen*, const koGUIwidget*) = nullptr;
     void (*ClearScreen)(koGUIscreen*) = nullptr;

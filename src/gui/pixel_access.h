@@ -8,9 +8,10 @@
 
 namespace tarn {
 
-/// Whether the surface must be locked before its pixels are touched (SDL_MUSTLOCK).
+/// Whether the surface's pixels are there only while it is locked. A surface with SDL_ASYNCBLIT, for which
+/// SDL_MUSTLOCK holds too, has them always: its lock waits until the display server has read them.
 inline bool needsLock(const SDL_Surface* surface) {
-    return surface->offset != 0 || (surface->flags & (SDL_HWSURFACE | SDL_ASYNCBLIT | SDL_RLEACCEL)) != 0;
+    return surface->offset != 0 || (surface->flags & (SDL_HWSURFACE | SDL_RLEACCEL)) != 0;
 }
 
 /// Locks a surface for as long as the object lives, when SDL requires it.

@@ -31,14 +31,27 @@ bool anyPaneDirty(const koGUIscreen* screen) {
 
 PanePlace placeOf(const koGUIwidget& pane) { return {pane.x, pane.y, pane.w, pane.h, pane.state}; }
 
+/// Lets the display server show a part of the window. Where it is told without waiting until it has read the
+/// pixels (SDL_ASYNCBLIT), the newer ones may show early; now and then it is waited for, not to get far
+/// ahead.
+void update(SDL_Surface* video, const SDL_Rect& place) {
+    constexpr u32 updatesAhead = 32;
+    static u32 updates = 0;
+    if (place.w == 0 || place.h == 0) {
+        return;
+    }
+    SDL_UpdateRect(video, place.x, place.y, place.w, place.h);
+    if ((video->flags & SDL_ASYNCBLIT) != 0 && ++updates % updatesAhead == 0 && SDL_LockSurface(video) == 0) {
+        SDL_UnlockSurface(video);
+    }
+}
+
 /// Shows a part of the off-screen surface in the window; all of it if the rectangle is null.
 void show(koGUIscreen* screen, SDL_Surface* video, const SDL_Rect* rectangle) {
     SDL_Rect place = rectangle != nullptr ? *rectangle : SDL_Rect{};
     blit(screen->surface, rectangle, video, &place);
-    if (video != nullptr && rectangle == nullptr) {
-        SDL_UpdateRect(video, 0, 0, 0, 0);
-    } else if (video != nullptr && place.w > 0 && place.h > 0) {
-        SDL_UpdateRect(video, place.x, place.y, place.w, place.h);
+    if (video != nullptr) {
+        update(video, place);
     }
 }
 
@@ -55,6 +68,7 @@ void redraw(koGUIscreen* screen, SDL_Surface* video) {
         pane->drawnPlace = placeOf(*pane);
     }
     show(screen, video, nullptr);
+    screen->shownPicture.clear();
 }
 
 /// Whether a pane may draw on a rectangle. Its text may run out to the right, and a line's height below.
@@ -90,9 +104,13 @@ bool redrawPicture(koGUIscreen* screen, SDL_Surface* video) {
     if (!onlyPictureChanges(screen, picture)) {
         return false;
     }
-    pane->internal_draw(pane, screen);
+    if (video != nullptr && blitChanges(pane->image, video, &picture, screen->shownPicture)) {
+        update(video, picture);
+    } else {
+        pane->internal_draw(pane, screen);
+        show(screen, video, &picture);
+    }
     pane->dirty = 0;
-    show(screen, video, &picture);
     return true;
 }
 
@@ -148,13 +166,14 @@ void koGUI_AddWidget(koGUIscreen* screen, const koGUIwidget* pane) {
 
 void koGUI_MainLoop(koGUIscreen* screen) {
     SDL_Surface* video = SDL_GetVideoSurface();
+    bool exposed = false;  // what lay over the window has left a hole in it
     while (screen->running == 1) {
         screen->IdleProc();
-        if (anyPaneDirty(screen) && !redrawPicture(screen, video)) {
+        if (exposed || (anyPaneDirty(screen) && !redrawPicture(screen, video))) {
             redraw(screen, video);
         }
-        SDL_Event event;
-        SDL_PollEvent(&event);  // the event filter has done what there is to do
+        SDL_Event event;  // the event filter has done what else there is to do
+        exposed = SDL_PollEvent(&event) != 0 && event.type == SDL_VIDEOEXPOSE;
     }
 }
 

@@ -15,10 +15,10 @@ namespace {
 std::mt19937 generator{1};  // the same cases on every host
 int below(int limit) { return static_cast<int>(generator() % static_cast<unsigned>(limit)); }
 
-/// Few values, so that a colour key is found more than once.
-void fillAtRandom(SDL_Surface* surface) {
-    auto* bytes = static_cast<u8*>(surface->pixels);
-    std::generate_n(bytes, surface->h * surface->pitch, [] { return static_cast<u8>(below(3) * 0x7F); });
+/// Few values, so that a colour key is found more than once. Rows from `first` on, up to before `end`.
+void fillAtRandom(SDL_Surface* surface, int first, int end) {
+    u8* bytes = static_cast<u8*>(surface->pixels) + first * surface->pitch;
+    std::generate_n(bytes, (end - first) * surface->pitch, [] { return static_cast<u8>(below(3) * 0x7F); });
 }
 
 /// Whether two surfaces show the same: alpha is nothing that shows.
@@ -67,7 +67,7 @@ TEST(Redraw, CopiesAndFillsAreSdls) {
     for (const SDL_PixelFormat& from : formats) {
         for (const SDL_PixelFormat& to : formats) {
             const SurfacePtr source = surfaceLike(from, 40, 30);
-            fillAtRandom(source.get());
+            fillAtRandom(source.get(), 0, source->h);
             for (int i = 0; i < 50; ++i) {
                 const SurfacePtr quick = surfaceLike(to, 37, 33), plain = surfaceLike(to, 37, 33);
                 if (below(3) == 0) {
@@ -158,9 +158,11 @@ class Window : public testing::Test {
         koGUI_AddWidget(&TarnGUI, &pane);
     }
 
-    static void turn() {
+    static void turn(int count = 1) {
+        static int left;
+        left = count;
         TarnGUI.running = 1;
-        TarnGUI.IdleProc = [] { TarnGUI.running = 2; };
+        TarnGUI.IdleProc = [] { TarnGUI.running = --left == 0 ? 2 : 1; };
         koGUI_MainLoop(&TarnGUI);
     }
 
@@ -181,7 +183,11 @@ class Window : public testing::Test {
 
 TEST_F(Window, RedrawingThePictureAloneIsRedrawingEverything) {
     turn();
-    for (int i = 0; i < 150; ++i) {
+    for (int i = 0; i < 300; ++i) {
+        if (i == 150) {  // from the window's format to one that is converted twice
+            picture = surfaceLike(formats[0], 120, 90);
+            TarnGUI.widgets[0].image = picture.get();
+        }
         koGUIwidget& pane = TarnGUI.widgets[static_cast<std::size_t>(below(3))];
         switch (below(8)) {
         case 0:  // dragged
@@ -200,13 +206,25 @@ TEST_F(Window, RedrawingThePictureAloneIsRedrawingEverything) {
         default:
             break;
         }
-        fillAtRandom(picture.get());
+        const int first = below(picture->h);
+        fillAtRandom(picture.get(), first, first + below(picture->h + 1 - first));
         TarnGUI.widgets[0].dirty = 1;
         turn();
         const std::vector<u8> quick = shown();
         ASSERT_EQ(TarnGUI.widgets[0].dirty, 0);
         ASSERT_EQ(quick, drawnAnew()) << i;
     }
+}
+
+TEST_F(Window, HasNoHolesWhereOthersLayOverIt) {
+    turn();
+    const std::vector<u8> before = shown();
+    SDL_FillRect(SDL_GetVideoSurface(), nullptr, 0x123456);
+    SDL_Event exposed{};
+    exposed.type = SDL_VIDEOEXPOSE;
+    SDL_PushEvent(&exposed);
+    turn(10);
+    EXPECT_EQ(shown(), before);
 }
 
 }  // namespace
