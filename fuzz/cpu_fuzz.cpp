@@ -38,43 +38,28 @@ u32 takeWord(fuzz::Input& input) {
         return word;
     }
     const u32 opcode = majorOpcodes[choice % std::size(majorOpcodes)];
-    const u32 fields = word & 0x03FFFFFF;
-    switch (opcode) {
-    case 1:
-    case 4:
-    case 5:
-    case 6:
-    case 7:
-    case 20:
-    case 22:  // branches, a few instructions back or forth
-        return opcode << 26 | (fields & 0x03FF0000) | ((word & 0x1F) - 12) % 0x10000;
-    case 2:
-    case 3:  // jumps into the program
+    if (opcode == 2 || opcode == 3) {  // jumps into the program
         return opcode << 26 | (programAddress / 4 + word % 64);
-    default:
-        return opcode << 26 | fields;
     }
+    const bool branch =
+        (opcode < 8 && opcode > 0) || opcode == 20 || opcode == 22;  // a few instructions away
+    return opcode << 26 | (branch ? (word & 0x03FF0000) | ((word & 0x1F) - 12) % 0x10000 : word & 0x03FFFFFF);
 }
 
 /// A program under construction.
-class Program {
-  public:
-    bool full() const { return words.size() >= programWords; }
-    void word(u32 value) { words.push_back(value); }
+struct Program {
+    std::vector<u32> words;
+
     /// lui and ori.
     void loadRegister(u32 number, u32 value) {
-        word(15U << 26 | number << 16 | value >> 16);
-        word(13U << 26 | number << 21 | number << 16 | (value & 0xFFFF));
+        words.push_back(15U << 26 | number << 16 | value >> 16);
+        words.push_back(13U << 26 | number << 21 | number << 16 | (value & 0xFFFF));
     }
     /// sw of `value` to `offset` from registerAt.
     void storeWord(u32 value, u32 offset) {
         loadRegister(REG_V0, value);
-        word(43U << 26 | registerAt << 21 | REG_V0 << 16 | offset);
+        words.push_back(43U << 26 | registerAt << 21 | REG_V0 << 16 | offset);
     }
-    void copyToMemory() const { std::memcpy(MipsMemory + programAddress, words.data(), words.size() * 4); }
-
-  private:
-    std::vector<u32> words;
 };
 
 /// Starts a channel of the DMA controller.
@@ -93,7 +78,7 @@ void addCall(Program& program, fuzz::Input& input) {
     program.loadRegister(REG_V1, input.take<u8>());
     program.loadRegister(REG_A0, input.take<u8>());
     program.loadRegister(REG_A1, input.take<u8>() & 3);
-    program.word(12);
+    program.words.push_back(12);
 }
 
 /// Rectangles for the GIF, hardly ever so large that one step of the machine cannot draw them all.
@@ -158,19 +143,19 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     MipsCpu.PC = programAddress;
     placePacket(input, settings == 0x8F);
     Program program;
-    while (!input.empty() && !program.full()) {
+    while (!input.empty() && program.words.size() < programWords) {
         const u8 choice = input.take<u8>();
         if (choice < 0x10) {
             addTransfer(program, input);
         } else if (choice < 0x20) {
             addCall(program, input);
         } else {
-            program.word(takeWord(input));
+            program.words.push_back(takeWord(input));
         }
     }
     // Past its end the program starts again, with what it has made of itself.
-    program.word(2U << 26 | programAddress / 4);
-    program.copyToMemory();
+    program.words.push_back(2U << 26 | programAddress / 4);
+    std::memcpy(MipsMemory + programAddress, program.words.data(), program.words.size() * 4);
 
     // The first half step by step, the rest as a batch; a pause is lifted once, as F2 does.
     const u64 limit = traced ? 8 : stepLimit;

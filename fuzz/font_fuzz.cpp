@@ -22,8 +22,7 @@ void put(std::vector<u8>& file, T value) {
 
 std::vector<u8> buildBmp(fuzz::Input& input) {
     std::vector<u8> file{'B', 'M'};
-    put<u32>(file, input.take<u8>());
-    put<u32>(file, 0);
+    put<u64>(file, input.take<u8>());
     const u8 pixelOffset = input.take<u8>();
     put<u32>(file, pixelOffset < 0xF0 ? 54 + pixelOffset % 64 : input.take<u32>());
     put<u32>(file, input.pick(headerSizes));
@@ -38,10 +37,8 @@ std::vector<u8> buildBmp(fuzz::Input& input) {
     put<u32>(file, 0);
     const std::size_t wanted = input.take<u16>() & 0x3FFF;
     const std::span<const u8> pixels = input.remaining();
-    const std::size_t header = file.size();
-    file.resize(header + (pixels.empty() ? 0 : wanted));
-    for (std::size_t at = header; at < file.size(); at += pixels.size()) {
-        std::memcpy(file.data() + at, pixels.data(), std::min(pixels.size(), file.size() - at));
+    for (std::size_t i = 0; i < wanted && !pixels.empty(); ++i) {
+        file.push_back(pixels[i % pixels.size()]);
     }
     return file;
 }
@@ -58,8 +55,7 @@ void draw(const BitmapFont* font) {
     RightPutStringFont(surface, font, 28, "right");
     JustifiedPutStringFont(surface, font, 5, "a b  c");
     PrintStringFont(surface, font, 3, 3, "%s %d", text.c_str(), 7);
-    BitmapFont* coloured = SetFontColor(font, 255, 128, 0);
-    if (coloured != nullptr) {
+    if (BitmapFont* coloured = SetFontColor(font, 255, 128, 0)) {
         PutStringFont(surface, coloured, 0, 0, "coloured");
         FreeFont(coloured);
     }
@@ -72,13 +68,8 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     using namespace tarn;
     static const fuzz::MemoryFile file;
     fuzz::Input input({data, size});
-    if (input.take<u8>() < 64) {
-        file.assign(input.remaining());
-    } else {
-        file.assign(buildBmp(input));
-    }
-    BitmapFont* font = LoadFont(file.path());
-    if (font != nullptr) {
+    file.assign(input.take<u8>() < 64 ? input.remaining() : buildBmp(input));
+    if (BitmapFont* font = LoadFont(file.path())) {
         fuzz::require(font->surface != nullptr && GetCurrentFont() == font, "a loaded font is whole");
         // An image of millions of pixels is legitimate, and slow to recolour.
         if (font->surface->w * font->surface->h < 0x10000) {

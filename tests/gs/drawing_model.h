@@ -19,30 +19,29 @@ class DrawingModel {
 
     /// Draws one completed primitive of the current type from the queue.
     void draw(const GsVertex* queue) {
-        GsVertex v[3];
+        static constexpr int counts[] = {1, 2, 2, 3, 3, 3, 2, 0};
         const u32 type = Gs.prim->type;
-        const int count = type == 0 ? 1 : type == 7 ? 0 : type == 3 || type == 4 || type == 5 ? 3 : 2;
-        for (int i = 0; i < count; ++i) {
+        GsVertex v[3];
+        for (int i = 0; i < counts[type]; ++i) {
             v[i] = queue[i];
             v[i].x -= static_cast<s32>(Gs.xyoffset->ofx);
             v[i].y -= static_cast<s32>(Gs.xyoffset->ofy);
-            if (count > 1) {
+            if (type > 0) {
                 clip(v[i], Gs.prim->tme == 1 && type > 2);
             }
         }
-        if (count == 1) {
-            const bool inside = v[0].x >= scissorLeft() && v[0].x <= scissorRight() &&
-                                v[0].y >= scissorTop() && v[0].y <= scissorBottom() && v[0].x >= 0 &&
-                                v[0].y >= 0 && v[0].x < width() && v[0].y < height();
-            if (inside) {
+        if (type == 0) {
+            if (v[0].x >= scissorLeft() && v[0].x <= scissorRight() && v[0].y >= scissorTop() &&
+                v[0].y <= scissorBottom() && v[0].x >= 0 && v[0].y >= 0 && v[0].x < width() &&
+                v[0].y < height()) {
                 store(frameIndex(v[0].x, v[0].y), Gs.rgba);
             }
-        } else if (count == 3) {
+        } else if (type < 3) {
+            line(v[0], v[1]);
+        } else if (type < 6) {
             triangle(v);
         } else if (type == 6) {
             sprite(v[0], v[1]);
-        } else if (count == 2) {
-            line(v[0], v[1]);
         }
     }
 
@@ -133,12 +132,9 @@ class DrawingModel {
 
     // Attributes of a triangle: texels, colour bytes from the highest, depth; as 16.16 numbers.
     static std::array<s64, 6> attributes(const GsVertex& v) {
-        return {s64{v.u} << 16,
-                s64{v.v} << 16,
-                s64{byteOf(v.rgba, 2)} << 16,
-                s64{byteOf(v.rgba, 1)} << 16,
-                s64{byteOf(v.rgba, 0)} << 16,
-                s64{v.z} << 16};
+        std::array<s64, 6> values{v.u, v.v, byteOf(v.rgba, 2), byteOf(v.rgba, 1), byteOf(v.rgba, 0), v.z};
+        std::ranges::for_each(values, [](s64& value) { value *= 65536; });
+        return values;
     }
 
     void triangle(const GsVertex* v) {
@@ -201,11 +197,11 @@ class DrawingModel {
                     colour = static_cast<u32>((a[2] & 0xFF) << 16 | (a[3] & 0xFF) << 8 | (a[4] & 0xFF));
                 }
                 const u32 z = static_cast<u32>(a[5]);
-                if (!tested) {
+                if (!tested || depthPasses(z, memory[wrap(depthIndex(x, y))])) {
                     pixel(x, y, colour);
-                } else if (depthPasses(z, memory[wrap(depthIndex(x, y))])) {
-                    pixel(x, y, colour);
-                    store(depthIndex(x, y), z);
+                    if (tested) {
+                        store(depthIndex(x, y), z);
+                    }
                 }
             }
         }

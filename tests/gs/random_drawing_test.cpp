@@ -63,50 +63,37 @@ class RandomDrawing : public testing::Test {
         EXPECT_TRUE(only != nullptr || drawn > count / 5) << "only " << drawn << " cases drew anything";
     }
 
-    /// Registers as a sensible guest sets them: frame, depth and, mostly, texture apart and inside local
-    /// memory.
-    void chooseSensibleRegisters() {
-        const u32 width = 64 * (1 + below(10));
-        *Gs.gsfb = {.fbp = 2048 * below(64), .fbw = width, .maxRows = localMemoryWords / width};
-        *Gs.zbuf = {.zbp = 0x60000 + 2048 * below(16)};
-        *Gs.tex0 = {.tbp0 = chance(4) ? (chance(2) ? Gs.gsfb->fbp : Gs.zbuf->zbp) + 64 * below(64)
-                                      : 0xC0000 + 64 * below(256),
-                    .tbw = 64 * (1 + below(16)),
-                    .psm = std::array<u32, 4>{0, 2, 19, 20}[below(4)],
+    /// Registers as a sensible guest sets them, frame, depth and, mostly, texture apart and inside local
+    /// memory; or hostile ones, anything that their bits can hold.
+    void chooseRegisters(bool hostile) {
+        const auto end = [&](u32 count) { return chance(2) ? count - 1 : below(count); };
+        const u32 width = 64 * (!hostile ? 1 + below(10) : chance(4) ? 0 : below(64));
+        const u32 fbp = 2048 * (hostile ? end(512) : below(64));
+        const u32 zbp = hostile ? (chance(4) ? fbp : 2048 * end(512)) : 0x60000 + 2048 * below(16);
+        const u32 over = hostile ? fbp : (chance(2) ? fbp : zbp) + 64 * below(64);
+        const u32 apart = hostile ? 64 * end(16384) : 0xC0000 + 64 * below(256);
+        *Gs.gsfb = {.fbp = fbp, .fbw = width, .maxRows = localMemoryWords / std::max(width, 1u)};
+        *Gs.zbuf = {.zbp = zbp};
+        *Gs.tex0 = {.tbp0 = chance(4) ? over : apart,
+                    .tbw = 64 * (hostile ? below(64) : 1 + below(16)),
+                    .psm = hostile && chance(2) ? below(64) : std::array{0u, 2u, 19u, 20u}[below(4)],
                     .tw = 1u << below(11),
                     .th = 1u << below(11),
                     .tfx = below(4),
-                    .cbp = 64 * below(16384),
-                    .cpsm = 2 * below(2),
+                    .cbp = 64 * (hostile ? end(16384) : below(16384)),
+                    .cpsm = hostile && chance(4) ? below(16) : 2 * below(2),
                     .csm = below(2)};
-        *Gs.xyoffset = {.ofx = chance(2) ? 0 : below(300), .ofy = chance(2) ? 0 : below(300)};
-        *Gs.scissor = {.scax0 = chance(2) ? 0 : below(200),
-                       .scay0 = chance(2) ? 0 : below(200),
-                       .scax1 = chance(2) ? 639 : 200 + below(400),
-                       .scay1 = chance(2) ? 447 : 200 + below(200)};
-    }
-
-    /// Anything that the registers' bits can hold.
-    void chooseHostileRegisters() {
-        const u32 width = chance(4) ? 0 : 64 * below(64);
-        *Gs.gsfb = {.fbp = 2048 * (chance(2) ? 511 : below(512)),
-                    .fbw = width,
-                    .maxRows = width == 0 ? localMemoryWords : localMemoryWords / width};
-        *Gs.zbuf = {.zbp = chance(4) ? Gs.gsfb->fbp : 2048 * (chance(2) ? 511 : below(512))};
-        *Gs.tex0 = {.tbp0 = chance(4) ? Gs.gsfb->fbp : 64 * (chance(2) ? 16383 : below(16384)),
-                    .tbw = 64 * below(64),
-                    .psm = chance(2) ? below(64) : 19 + below(2),
-                    .tw = 1u << below(11),
-                    .th = 1u << below(11),
-                    .tfx = below(4),
-                    .cbp = 64 * (chance(2) ? 16383 : below(16384)),
-                    .cpsm = chance(4) ? below(16) : 2 * below(2),
-                    .csm = below(2)};
-        *Gs.xyoffset = {.ofx = chance(2) ? 0 : below(4096), .ofy = chance(2) ? 0 : below(4096)};
-        *Gs.scissor = {.scax0 = chance(2) ? 0 : below(2048),
-                       .scay0 = chance(2) ? 0 : below(2048),
-                       .scax1 = chance(2) ? 2047 : below(2048),
-                       .scay1 = chance(2) ? 2047 : below(2048)};
+        const auto from0 = [&](u32 limit) { return chance(2) ? 0 : below(limit); };
+        const u32 farOffset = hostile ? 4096 : 300, farScissor = hostile ? 2048 : 200;
+        *Gs.xyoffset = {.ofx = from0(farOffset), .ofy = from0(farOffset)};
+        *Gs.scissor = {.scax0 = from0(farScissor),
+                       .scay0 = from0(farScissor),
+                       .scax1 = hostile     ? end(2048)
+                                : chance(2) ? 639
+                                            : 200 + below(400),
+                       .scay1 = hostile     ? end(2048)
+                                : chance(2) ? 447
+                                            : 200 + below(200)};
     }
 
     /// The state that both kinds of case choose alike; the case's number runs through all the combinations.
@@ -128,15 +115,18 @@ class RandomDrawing : public testing::Test {
     }
 
     void chooseVertices(u32 spread, bool wild) {
-        const auto origin = [&](u32 offset, u32 first, u32 last) {
-            const u32 start = first >= last || chance(8) ? below(2048) : first + below(last - first);
-            return offset + start - std::min(offset + start, below(spread));
+        const auto origin = [&](u32 offset, u32 first, u32 last, u32 size) {
+            const u32 end = std::min(last, size);
+            const u32 start = offset + (first >= end || chance(8) ? below(2048) : first + below(end - first));
+            return start - std::min(start, below(spread));
         };
-        const u32 left =
-            origin(Gs.xyoffset->ofx, Gs.scissor->scax0, std::min(Gs.scissor->scax1, Gs.gsfb->fbw));
-        const u32 top =
-            origin(Gs.xyoffset->ofy, Gs.scissor->scay0, std::min(Gs.scissor->scay1, Gs.gsfb->maxRows));
+        const u32 left = origin(Gs.xyoffset->ofx, Gs.scissor->scax0, Gs.scissor->scax1, Gs.gsfb->fbw);
+        const u32 top = origin(Gs.xyoffset->ofy, Gs.scissor->scay0, Gs.scissor->scay1, Gs.gsfb->maxRows);
         const u32 depth = static_cast<u32>(random());
+        const auto ratio = [&](f32 q) {
+            return wild ? std::bit_cast<f32>(static_cast<u32>(random()))
+                        : q * static_cast<f32>(below(1000)) / 700;
+        };
         for (GsVertex& vertex : vertices) {
             vertex.x = static_cast<s32>(std::min(left + below(spread), 4095u));
             vertex.y = static_cast<s32>(std::min(top + below(spread), 4095u));
@@ -144,14 +134,8 @@ class RandomDrawing : public testing::Test {
             vertex.v = static_cast<s32>(below(chance(2) ? 2048 : 64));
             vertex.z = chance(2) ? static_cast<u32>(random()) : depth + below(1000);
             vertex.rgba = static_cast<u32>(random());
-            vertex.q = chance(8) ? 0.0F : static_cast<f32>(1 + below(1000)) / 100;
-            vertex.s = vertex.q * static_cast<f32>(below(1000)) / 700;
-            vertex.t = vertex.q * static_cast<f32>(below(1000)) / 700;
-            if (wild) {
-                vertex.s = std::bit_cast<f32>(static_cast<u32>(random()));
-                vertex.t = std::bit_cast<f32>(static_cast<u32>(random()));
-                vertex.q = std::bit_cast<f32>(static_cast<u32>(random()));
-            }
+            const f32 q = chance(8) ? 0.0F : static_cast<f32>(1 + below(1000)) / 100;
+            vertex.s = ratio(q), vertex.t = ratio(q), vertex.q = wild ? ratio(q) : q;
         }
     }
 
@@ -165,7 +149,7 @@ class RandomDrawing : public testing::Test {
 TEST_F(RandomDrawing, TrianglesOfEveryVariant) {
     runCases(6 * 512, [&](u32 number) {
         choosePixelState(number);
-        chooseSensibleRegisters();
+        chooseRegisters(false);
         Gs.prim->type = 3 + below(3);
         chooseVertices(chance(40) ? 500 : chance(2) ? 40 : 8, false);
     });
@@ -174,7 +158,7 @@ TEST_F(RandomDrawing, TrianglesOfEveryVariant) {
 TEST_F(RandomDrawing, SpritesOfEveryFormat) {
     runCases(4 * 512, [&](u32 number) {
         choosePixelState(number);
-        chooseSensibleRegisters();
+        chooseRegisters(false);
         Gs.prim->type = 6;
         chooseVertices(chance(40) ? 500 : 40, false);
         if (!chance(8)) {  // corners out of order draw nothing
@@ -188,7 +172,7 @@ TEST_F(RandomDrawing, SpritesOfEveryFormat) {
 TEST_F(RandomDrawing, LinesAndPoints) {
     runCases(2 * 512, [&](u32 number) {
         choosePixelState(number);
-        chooseSensibleRegisters();
+        chooseRegisters(false);
         Gs.prim->type = below(3);
         chooseVertices(chance(2) ? 500 : 12, false);
     });
@@ -197,7 +181,7 @@ TEST_F(RandomDrawing, LinesAndPoints) {
 TEST_F(RandomDrawing, NothingLeavesLocalMemoryWhateverTheRegistersHold) {
     runCases(4096, [&](u32 number) {
         choosePixelState(number);
-        chooseHostileRegisters();
+        chooseRegisters(true);
         Gs.prim->type = below(8);
         chooseVertices(chance(16) ? 4096 : 200, true);
         if (chance(2)) {  // the first rows, where buffers at the end of memory wrap
