@@ -1,7 +1,7 @@
-# tarn_add_guest(NAME [BARE] [EVERY_INSTRUCTION] SOURCES file...): builds a program for the emulated machine
-# into the current binary directory as NAME.elf, in target guest-NAME. Without BARE it gets the guest library
-# and its start-up code. The program is checked: an instruction that the emulated processor does not have
-# fails the build. With EVERY_INSTRUCTION each one that it has must occur.
+# tarn_add_guest(NAME [EVERY_INSTRUCTION] SOURCES file...): builds a program for the emulated machine, with the
+# guest library and its start-up code, into the current binary directory as NAME.elf, in target guest-NAME. The
+# program is checked: an instruction that the emulated processor does not have fails the build. With
+# EVERY_INSTRUCTION each one that it has must occur.
 set(TARN_GUEST_DIR ${CMAKE_CURRENT_LIST_DIR}/../guest)
 set(TARN_GUEST_FLAGS
     # The processor: 64-bit registers, 32-bit pointers, single precision only, no global pointer.
@@ -20,15 +20,10 @@ set(TARN_GUEST_FLAGS
     -static -Wl,--build-id=none,--gc-sections,-z,max-page-size=16,--no-warn-rwx-segments)
 
 function(tarn_add_guest name)
-    cmake_parse_arguments(guest "BARE;EVERY_INSTRUCTION" "" "SOURCES" ${ARGN})
+    cmake_parse_arguments(guest "EVERY_INSTRUCTION" "" "SOURCES" ${ARGN})
     file(GLOB library CONFIGURE_DEPENDS ${TARN_GUEST_DIR}/lib/*.[chS])
-    set(inputs ${guest_SOURCES})
+    set(inputs ${guest_SOURCES} ${library})
     list(FILTER inputs INCLUDE REGEX "\\.[cS]$")
-    if(NOT guest_BARE)
-        set(library_inputs ${library})
-        list(FILTER library_inputs INCLUDE REGEX "\\.[cS]$")
-        list(APPEND inputs ${library_inputs})
-    endif()
     set(check guest-check)
     if(guest_EVERY_INSTRUCTION)
         list(APPEND check --every-instruction)

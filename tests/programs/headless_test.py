@@ -38,6 +38,16 @@ class HeadlessTest(ProgramTest):
             with self.subTest(options):
                 self.assertIn(f"tarn-headless: {end}", self.run_headless(*options, status=0)[1])
 
+    def test_trace(self):
+        _, messages = self.run_headless("--steps", "2", "--trace", "trace.txt", status=0)
+        self.assertRegex(messages, r"Stop at PC = 0x0010\w{4} after 2 instructions")
+        trace = self.output_file("trace.txt").decode()
+        self.assertRegex(trace, r"^(0010\w{4}: .+\n(\w{2} : \w{16}\n){34}){2}$")
+
+    def test_a_stop_is_reported(self):
+        self.configure("kernel")
+        self.assertRegex(self.run_headless(status=3)[1], "(?m)^.*0010.*0000000c.*SYSCALL")
+
     def test_failed_start_writes_what_there_is(self):
         (self.directory / "bios" / "scph10000.bin").unlink()
         _, messages = self.run_headless("--picture", "p.bmp", "--dump-vram", "vram.bin", "--trace", "t", status=1)

@@ -1,4 +1,4 @@
-"""What the whole-program tests share: a run directory, runs of tarn-headless, guest ELF files, pictures."""
+"""What the whole-program tests share: a run directory, runs of tarn-headless, pictures."""
 
 import os
 import struct
@@ -12,9 +12,8 @@ VRAM_BYTES = 4 << 20
 
 
 def guest(name):
-    """The ELF file of a program of guest/, or of these tests."""
-    path = BUILD / "guest" / f"{name}.elf"
-    return path if path.exists() else BUILD / "tests" / "programs" / f"{name}.elf"
+    """The ELF file of a program of guest/."""
+    return BUILD / "guest" / f"{name}.elf"
 
 
 class ProgramTest(unittest.TestCase):
@@ -48,39 +47,6 @@ class ProgramTest(unittest.TestCase):
         data = self.output_file("vram.bin")
         self.assertEqual(len(data), VRAM_BYTES)
         return struct.unpack(f"<{VRAM_BYTES // 4}I", data)
-
-
-class Elf:
-    """Symbols and code of a guest program."""
-
-    def __init__(self, path):
-        self.data = path.read_bytes()
-        section_offset, = struct.unpack_from("<I", self.data, 0x20)
-        section_count, = struct.unpack_from("<H", self.data, 0x30)
-        self.sections = [struct.unpack_from("<10I", self.data, section_offset + 40 * i)
-                         for i in range(section_count)]
-        self.symbols = {}
-        for _, kind, _, _, offset, size, link, _, _, _ in self.sections:
-            if kind == 2:  # the symbol table; its link is the section with the names
-                names = self.sections[link][4]
-                for entry in range(offset, offset + size, 16):
-                    name, value = struct.unpack_from("<II", self.data, entry)
-                    end = self.data.index(0, names + name)
-                    self.symbols[self.data[names + name:end].decode()] = value
-
-    def word(self, address):
-        for _, _, _, start, offset, size, *_ in self.sections:
-            if start != 0 and start <= address < start + size:
-                return struct.unpack_from("<I", self.data, offset + address - start)[0]
-        raise KeyError(hex(address))
-
-    def system_call(self, function, index=0):
-        """Address of the function's SYSCALL instruction with the given index."""
-        address = self.symbols[function]
-        while self.word(address) != 0x0C or index > 0:
-            index -= self.word(address) == 0x0C
-            address += 4
-        return address
 
 
 def read_bmp(data):

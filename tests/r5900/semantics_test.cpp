@@ -55,6 +55,7 @@ const Case cases[] = {
     {special(34, r0, minWord, out), {}, "sub Integer Overflow\n"},
     {special(34, dirty, lowOnes, out), {{rd, 17}}},
     {special(47, r0, minDouble, r0), {{gpr(r0), u64{1} << 63}}, "dsubu Integer Overflow\n"},
+    {special(3, 0, lowOnes, out, 4), {{rd, ~u64{0}}}}, {special(7, one, lowOnes, out), {{rd, ~u64{0}}}},
     {special(7, minWord, dirty, out), {{rd, 16}}},
     // Products and quotients
     {special(24, lowOnes, carry, out), {{lo, 0}, {hi, 0}, {rd, 0}}},
