@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <span>
 #include <sys/stat.h>
 
 namespace tarn::test {
@@ -21,8 +22,9 @@ class LoaderTest : public MachineTest {
     u8 load(const std::string& contents, const ElfFileHeader& header) {
         std::string image(contentsAt, '\0');
         std::memcpy(image.data(), &header, sizeof header);
-        std::memcpy(image.data() + 0x100, segments.data(), segments.size() * sizeof segments[0]);
-        std::memcpy(image.data() + 0x800, sections.data(), sections.size() * sizeof sections[0]);
+        const std::span bytes = std::as_writable_bytes(std::span(image));
+        std::ranges::copy(std::as_bytes(std::span(segments)), bytes.begin() + 0x100);
+        std::ranges::copy(std::as_bytes(std::span(sections)), bytes.begin() + 0x800);
         directory.write("guest.elf", image + contents);
         ElfOpenFile("guest.elf");
         makePanes();
