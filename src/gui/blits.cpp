@@ -52,11 +52,17 @@ CopiedArea copiedArea(const SDL_Surface* source, const SDL_Rect* part, const SDL
     };
 }
 
+/// Whether the surface's pixels are there only while it is locked. With SDL_ASYNCBLIT alone, for which SDL
+/// asks for the lock too, they are there always: that lock waits until the display server has read them.
+bool needsLock(const SDL_Surface* surface) {
+    return surface->offset != 0 || (surface->flags & (SDL_HWSURFACE | SDL_RLEACCEL)) != 0;
+}
+
 /// Gives every row of the area to `copyRow`, as destination, source and number of pixels.
 template <class CopyRow>
 void copyRows(SDL_Surface* source, SDL_Surface* destination, const CopiedArea& area, CopyRow copyRow) {
-    const SurfaceLock sourceLock(source);
-    const SurfaceLock destinationLock(destination);
+    const SurfaceLock sourceLock(source, needsLock(source));
+    const SurfaceLock destinationLock(destination, needsLock(destination));
     for (s32 y = area.top; y < area.bottom; ++y) {
         u8* to = pixelInBuffer(destination, area.left + area.dx, y + area.dy);
         const u8* from = pixelInBuffer(source, area.left, y);
@@ -167,7 +173,7 @@ void fill(SDL_Surface* surface, const SDL_Rect& rectangle, u32 pixel) {
     if (right <= left) {
         return;
     }
-    const SurfaceLock lock(surface);
+    const SurfaceLock lock(surface, needsLock(surface));
     const auto bytes = static_cast<std::size_t>(right - left) * 4;
     const u8* firstLine = nullptr;  // which the others are copies of
     for (s32 y = std::max(rectangle.y, clip.y); y < bottom; ++y) {

@@ -83,8 +83,8 @@ struct koGUIwidget {
     u32 shownIndex = 0;                  ///< its index
 };
 
-/// The screen: everything is drawn into `surface`, which is copied to the window as a whole; but a picture
-/// that alone has changed goes straight to the window.
+/// The screen: everything is drawn into `surface`, which is copied to the window as a whole; but where that
+/// is allowed a picture that alone has changed goes straight to the window.
 struct koGUIscreen {
     SDL_Surface* surface = nullptr;  ///< owned; as large as the window, 32 bits
     BitmapFont* font1 = nullptr;     ///< owned; titles
@@ -92,13 +92,15 @@ struct koGUIscreen {
     u32 nbWidgets = 0;
     u8 running = 0;  ///< 1 while the main loop is to go on
     std::array<koGUIwidget, maxWidgets> widgets{};
-    std::vector<u8> shownPicture;  ///< pixels of pane 0's image that went to the window without the surface
 
     void (*AddWidget)(koGUIscreen*, const koGUIwidget*) = nullptr;
     void (*ClearScreen)(koGUIscreen*) = nullptr;
     void (*MainLoop)(koGUIscreen*) = nullptr;
     void (*Destroy)(koGUIscreen*) = nullptr;
     void (*IdleProc)() = nullptr;  ///< called once per iteration of the main loop
+
+    u8 quickPicture = 0;           ///< 1: a picture that alone has changed may skip the surface
+    std::vector<u8> shownPicture;  ///< pixels of pane 0's image that did
 };
 
 inline koGUIscreen TarnGUI;

@@ -85,7 +85,7 @@ void SDL_blendPixel(SDL_Surface* surface, s32 x, s32 y, u32 colour, u8 opacity) 
 
 void SDL_drawLine_Kq(SDL_Surface* surface, s32 x1, s32 y1, s32 x2, s32 y2, u32 colour, u8 /*opacity*/,
                      u8 flags) {
-    const bool locks = (flags & lineLocksSurface) != 0 && needsLock(surface);
+    const bool locks = (flags & lineLocksSurface) != 0 && SDL_MUSTLOCK(surface);
     const bool locked = locks && SDL_LockSurface(surface) == 0;
     if (locks && !locked) {
         std::fprintf(stderr, "Can't lock video surface: %s\n", SDL_GetError());

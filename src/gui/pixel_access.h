@@ -8,17 +8,12 @@
 
 namespace tarn {
 
-/// Whether the surface's pixels are there only while it is locked. A surface with SDL_ASYNCBLIT, for which
-/// SDL_MUSTLOCK holds too, has them always: its lock waits until the display server has read them.
-inline bool needsLock(const SDL_Surface* surface) {
-    return surface->offset != 0 || (surface->flags & (SDL_HWSURFACE | SDL_RLEACCEL)) != 0;
-}
-
-/// Locks a surface for as long as the object lives, when SDL requires it.
+/// Locks a surface for as long as the object lives, when SDL requires it, or only when `needed` holds.
 class SurfaceLock {
   public:
-    explicit SurfaceLock(SDL_Surface* surface)
-        : locked(needsLock(surface) && SDL_LockSurface(surface) == 0 ? surface : nullptr) {}
+    explicit SurfaceLock(SDL_Surface* surface) : SurfaceLock(surface, SDL_MUSTLOCK(surface)) {}
+    SurfaceLock(SDL_Surface* surface, bool needed)
+        : locked(needed && SDL_LockSurface(surface) == 0 ? surface : nullptr) {}
     ~SurfaceLock() {
         if (locked != nullptr) {
             SDL_UnlockSurface(locked);

@@ -3,8 +3,10 @@
 
 #include "gui/blits.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 
 namespace tarn {
 namespace {
@@ -71,10 +73,19 @@ void redraw(koGUIscreen* screen, SDL_Surface* video) {
     screen->shownPicture.clear();
 }
 
-/// Whether a pane may draw on a rectangle. Its text may run out to the right, and a line's height below.
-bool mayDrawOn(const koGUIwidget& pane, const SDL_Rect& rectangle, s32 lineHeight) {
-    const s64 bottom = s64{pane.y} + pane.h + 1 + lineHeight;
-    return rectangle.x + rectangle.w > pane.x && rectangle.y + rectangle.h > pane.y && rectangle.y < bottom;
+/// Whether a pane may draw on a rectangle. Its text may run out to the right and below it, and it comes back
+/// on the other side where coordinates do not fit SDL's 16 bits.
+bool mayDrawOn(const koGUIscreen* screen, const koGUIwidget& pane, const SDL_Rect& rectangle) {
+    using Limits = std::numeric_limits<Sint16>;
+    const s64 right = s64{pane.x} + pane.w + 1;
+    const s64 lines = s64{pane.maxLines} * FontHeight(screen->font2);
+    const s64 bottom =
+        std::max(s64{pane.y} + pane.h + 1,
+                 s64{pane.y} + titleBarHeight + std::max(lines, s64{FontHeight(screen->font1)}));
+    const bool fits = pane.x >= Limits::min() && pane.y >= Limits::min() && right <= Limits::max() &&
+                      bottom <= Limits::max();
+    return !fits ||
+           (rectangle.x + rectangle.w > pane.x && rectangle.y + rectangle.h > pane.y && rectangle.y < bottom);
 }
 
 /// Whether redrawing everything would change nothing but the picture of pane 0: no other pane is dirty, moved
@@ -84,18 +95,18 @@ bool onlyPictureChanges(const koGUIscreen* screen, const SDL_Rect& picture) {
         const koGUIwidget& pane = screen->widgets[i];
         const bool isPicture = i == paneVideoOutput;
         if (pane.drawnPlace != placeOf(pane) || (pane.dirty == 1) != isPicture ||
-            (!isPicture && mayDrawOn(pane, picture, FontHeight(screen->font2)))) {
+            (!isPicture && mayDrawOn(screen, pane, picture))) {
             return false;
         }
     }
     return true;
 }
 
-/// The redraw of a frame's picture alone, when nothing else has changed; false otherwise.
+/// The redraw of a frame's picture alone, when that is allowed and nothing else has changed; false otherwise.
 bool redrawPicture(koGUIscreen* screen, SDL_Surface* video) {
     koGUIwidget* pane = &screen->widgets[paneVideoOutput];
-    if (pane->internal_draw != koGUIwidget_image_internal_draw || pane->image == nullptr ||
-        pane->state != paneOpen) {
+    if (screen->quickPicture != 1 || pane->internal_draw != koGUIwidget_image_internal_draw ||
+        pane->image == nullptr || pane->state != paneOpen) {
         return false;
     }
     SDL_Rect picture = bodyRectangle(pane);

@@ -49,6 +49,7 @@ int main(int, char**) {
     SDL_SetEventFilter(FilterEvents);
     createMainScreen();
     koGUI_Init(&TarnGUI);
+    TarnGUI.quickPicture = Settings.stepsPerPoll > 1 ? 1 : 0;
     addPanes(koGUIwidget_addText);
     setCaption();
     TarnGUI.IdleProc = koGUI_TarnInitProc;

@@ -139,6 +139,7 @@ class Window : public testing::Test {
         picture = surfaceLike(formats[1], 120, 90);
         TarnGUI.surface = surfaceLike(formats[0], 400, 300).release();
         TarnGUI.ClearScreen = koGUI_ClearScreen;
+        TarnGUI.quickPicture = 1;
         TarnGUI.font1 = makeFont(500, 17, steppedGlyphs(94)).release();
         TarnGUI.font2 = makeFont(500, 11, steppedGlyphs(94)).release();
         add(imagePane, 10, 10, 122, 112);
@@ -187,6 +188,10 @@ TEST_F(Window, RedrawingThePictureAloneIsRedrawingEverything) {
         if (i == 150) {  // from the window's format to one that is converted twice
             picture = surfaceLike(formats[0], 120, 90);
             TarnGUI.widgets[0].image = picture.get();
+            // And text that runs out of its pane downwards, over the picture.
+            FreeFont(std::exchange(TarnGUI.font2, makeFont(500, 24, steppedGlyphs(94)).release()));
+            TarnGUI.widgets[0].y = 130;
+            TarnGUI.widgets[1].y = 0;
         }
         koGUIwidget& pane = TarnGUI.widgets[static_cast<std::size_t>(below(3))];
         switch (below(8)) {
