@@ -1,6 +1,8 @@
 // Owns the reading of BMP files: SDL 1.2's reader trusts sizes that a hostile file can choose.
 #include "gui/bmp_file.h"
 
+#include <array>
+#include <bit>
 #include <cstdio>
 #include <memory>
 #include <vector>
@@ -8,14 +10,16 @@
 namespace tarn {
 namespace {
 
+constexpr u32 magic = 'B' | 'M' << 8;
 constexpr std::size_t fileHeaderSize = 14;
 constexpr std::size_t largestFile = 64 << 20;  // bytes; no font comes near
 constexpr s64 largestSide = 16383;             // pixels, SDL's limit for a surface's width
+constexpr u32 bitFields = 3;                   // compression of pixels with masks in the header
 
-/// `count` bytes at `offset`, least significant first.
+/// `count` bytes at `offset`, least significant first; zeros beyond the end.
 u32 little(std::span<const u8> file, std::size_t offset, std::size_t count) {
     u32 value = 0;
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < count && offset + i < file.size(); ++i) {
         value |= static_cast<u32>(file[offset + i]) << (8 * i);
     }
     return value;
@@ -39,22 +43,36 @@ std::vector<u8> readFile(const char* path) {
     return bytes;
 }
 
+/// Whether SDL can use three words as masks of red, green and blue: up to eight bits each, in one piece, of
+/// their own.
+bool areSaneMasks(const std::array<u32, 3>& masks) {
+    u32 taken = 0;
+    for (const u32 mask : masks) {
+        const int width = std::popcount(mask);
+        if (width == 0 || width > 8 || mask >> std::countr_zero(mask) != (1U << width) - 1 ||
+            (mask & taken) != 0) {
+            return false;
+        }
+        taken |= mask;
+    }
+    return true;
+}
+
 }  // namespace
 
 bool isSaneBmp(std::span<const u8> file) {
-    if (file.size() < fileHeaderSize + 40 || file[0] != 'B' || file[1] != 'M') {
-        return false;
-    }
     const u64 pixelOffset = little(file, 10, 4);
-    const u64 headerSize = little(file, 14, 4);
-    const s64 width = static_cast<s32>(little(file, 18, 4));
-    const s64 signedHeight = static_cast<s32>(little(file, 22, 4));
+    const u64 headerSize = little(file, fileHeaderSize, 4);
+    const bool old = headerSize == 12;  // with sides of two bytes
+    const s64 width = old ? little(file, 18, 2) : static_cast<s32>(little(file, 18, 4));
+    const s64 signedHeight = old ? little(file, 20, 2) : static_cast<s32>(little(file, 22, 4));
     const s64 height = signedHeight < 0 ? -signedHeight : signedHeight;  // negative: top row first
-    const u32 depth = little(file, 28, 2);
-    const u32 compression = little(file, 30, 4);
-    const u64 colours = little(file, 46, 4);
+    const u32 depth = little(file, old ? 24 : 28, 2);
+    const u32 compression = old ? 0 : little(file, 30, 4);
+    const u64 colours = old ? 0 : little(file, 46, 4);
 
-    if (headerSize < 40 || headerSize > 124 || compression != 0) {
+    if (little(file, 0, 2) != magic || !(old || (headerSize >= 40 && headerSize <= 124)) ||
+        !(compression == 0 || (compression == bitFields && (depth == 16 || depth == 32)))) {
         return false;
     }
     if (width < 1 || height < 1 || width > largestSide || height > largestSide) {
@@ -70,9 +88,13 @@ bool isSaneBmp(std::span<const u8> file) {
         break;
     case 16:
     case 32:
-        // With a gap before the pixels SDL takes the gap for channel masks.
-        if (pixelOffset != fileHeaderSize + headerSize) {
-            return false;
+        // With a gap before the pixels SDL takes what is there for masks, too.
+        if (compression == bitFields || pixelOffset != fileHeaderSize + headerSize) {
+            const std::size_t masks = fileHeaderSize + (old ? 12 : 40);
+            if (!areSaneMasks(
+                    {little(file, masks, 4), little(file, masks + 4, 4), little(file, masks + 8, 4)})) {
+                return false;
+            }
         }
         break;
     case 24:

@@ -65,7 +65,7 @@ void InitFont(BitmapFont* font) {
                 continue;
             }
             const s32 start = x;
-            while (x < surface->w && GetPixel(surface, x, 0) != separator) {
+            while (GetPixel(surface, x, 0) != separator && x < surface->w) {
                 ++x;
             }
             font->glyphs[code++] = {coordinate(start), 1, extent(x - start), extent(surface->h)};
@@ -77,8 +77,9 @@ void InitFont(BitmapFont* font) {
 }
 
 void AdaptFont(BitmapFont* font, const SDL_Surface* surface) {
-    // A palette could have the transparent colour twice, once to be drawn.
-    if (font->surface == nullptr || font->surface->format->BytesPerPixel < 3) {
+    // A palette could have the transparent colour twice, once to be drawn; so could pixels with a fourth
+    // byte.
+    if (font->surface == nullptr || font->surface->format->BytesPerPixel != 3) {
         return;
     }
     const u32 key = font->surface->format->colorkey;

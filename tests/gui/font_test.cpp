@@ -29,6 +29,7 @@ TEST(Font, MarkersGiveTheGlyphs) {
         EXPECT_EQ(FontHeight(font.get()), 8);
         EXPECT_EQ(GetCurrentFont(), font.get());
     }
+    EXPECT_EQ(outputOf([] { makeFont(12, 8, {{8, 4}}); }), "x too big in GetPixel!\n") << "looks for the end";
     const FontPtr full = makeFont(1200, 4, steppedGlyphs(230));
     EXPECT_EQ(TextWidthFont(full.get(), "! \x80\xFF"), 1 + 1 + 3 + 1) << "codes are unsigned, and end at 255";
 }
@@ -83,6 +84,35 @@ TEST(Font, RecolouringScalesAllButTheKey) {
     EXPECT_EQ(GetCurrentFont(), font.get()) << "recolouring is not loading";
 }
 
+/// A BMP file: eight pixels in a row, glyphs of one and two pixels among them.
+std::string imageOf(u32 headerSize, u32 depth, u32 compression, const std::vector<u32>& masks) {
+    const auto append = [](std::string& bytes, u32 value, std::size_t count) {
+        bytes.append(reinterpret_cast<const char*>(&value), count);
+    };
+    const std::size_t side = headerSize == 12 ? 2 : 4;
+    std::string header, pixels;
+    append(header, headerSize, 4);
+    append(header, 8, side);
+    append(header, 1, side);
+    append(header, 1 | depth << 16, 4);
+    if (headerSize != 12) {
+        append(header, compression, 4);
+    }
+    header.resize(std::min(headerSize, 40U));
+    for (const u32 mask : masks) {
+        append(header, mask, 4);
+    }
+    header.resize(std::max(header.size(), std::size_t{headerSize}));
+    for (const bool ink : {false, true, false, false, true, true, false, false}) {
+        append(pixels, ink ? 0xFFFFFFFF : 0, depth / 8);
+    }
+    std::string file = "BM";
+    append(file, static_cast<u32>(14 + header.size() + pixels.size()), 4);
+    append(file, 0, 4);
+    append(file, static_cast<u32>(14 + header.size()), 4);
+    return file + header + pixels;
+}
+
 TEST(Font, LoadsOnlySaneImages) {
     const TemporaryFile file("");
     SDL_SaveBMP(makeStrip(500, 11, steppedGlyphs(94)).get(), file.path());
@@ -101,7 +131,7 @@ TEST(Font, LoadsOnlySaneImages) {
     // Words of the header that no reader may trust, by offset: magic, pixels, header size, width, height,
     // depth with compression, colours of a palette.
     const std::pair<std::size_t, u32> patches[] = {
-        {0, 0},           {10, 0x7FFFFFFF}, {10, 20},         {14, 12},      {14, 0xFFFFFFFF},
+        {0, 0},           {10, 0x7FFFFFFF}, {10, 20},         {14, 13},      {14, 0xFFFFFFFF},
         {18, 0},          {18, 0xFFFFFFF0}, {18, 0x40000001}, {22, 0},       {22, 12},
         {22, 0x80000000}, {28, 7},          {28, 0x10018},    {28, 0x20008},
     };
@@ -113,6 +143,31 @@ TEST(Font, LoadsOnlySaneImages) {
     }
     BitmapFont nothing;
     EXPECT_EXIT(InitFont(&nothing), testing::ExitedWithCode(1), "^BFont: The font has not been loaded!\n$");
+}
+
+TEST(Font, LoadsImagesWrittenInOtherWays) {
+    struct Way {
+        u32 headerSize, depth, compression;
+        std::vector<u32> masks;
+        bool isSane;
+    };
+    const Way ways[] = {{40, 32, 3, {0xFF000000, 0xFF0000, 0xFF00}, true},
+                        {40, 16, 3, {0xF800, 0x7E0, 0x1F}, true},
+                        {40, 32, 0, {0xFF, 0xFF00, 0xFF0000}, true},
+                        {124, 32, 3, {0xFF, 0xFF00, 0xFF0000}, true},
+                        {12, 24, 0, {}, true},
+                        {40, 32, 0, {}, true},
+                        {40, 32, 3, {0xFF, 0xFF00, 0xFF00}, false},
+                        {40, 16, 3, {0x1FF, 0xE00, 0xF000}, false},
+                        {40, 32, 3, {0xFF, 0, 0xFF00}, false},
+                        {40, 32, 3, {5, 0xFF00, 0xFF0000}, false},
+                        {40, 24, 3, {}, false}};
+    for (const Way& way : ways) {
+        const TemporaryFile other(imageOf(way.headerSize, way.depth, way.compression, way.masks));
+        const FontPtr loaded(LoadFont(other.path()), FreeFont);
+        ASSERT_EQ(loaded != nullptr, way.isSane) << way.headerSize << ' ' << way.depth;
+        EXPECT_TRUE(!way.isSane || CharWidth(loaded.get(), '"') == 2) << way.headerSize << ' ' << way.depth;
+    }
 }
 
 }  // namespace
