@@ -167,13 +167,13 @@ void drawSprite(const GsVertex* vertices) {
 void drawSprite_Z(const GsVertex* vertices) {
     const FlatColour source;
     const u64 z = u64{vertices[1].z} << 16;
+    selectPixelWriter();
     withDepthTest([&]<DepthTest test>(SteppedDepth<test> depth) {
         depth.z = z;
         if constexpr (test == DepthTest::always) {
             withPixelEnd(source, [&](auto end) { fillRectangle(vertices, source, depth, end); });
         } else {
             // Where depth is compared, a sprite's pixels take no alpha test.
-            selectPixelWriter();
             fillRectangle(vertices, source, depth, StoreColour{});
         }
     });
