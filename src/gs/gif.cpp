@@ -224,8 +224,9 @@ void GIFprocessReg(const u8* quadword, u32 descriptor) {
         GSwrite(join(w[0], w[1]), bits(w[2], 0, 8));
         break;
     default:
-        break;  // among them TEX0, CLAMP and FOG, which the console's packed form does have
+        return;  // among them TEX0, CLAMP and FOG, which the console's packed form does have
     }
+    gsSetCtxt(Gs.prim->ctxt);
 }
 
 void GSgifTransfer(const u8* data, u32 count) {
