@@ -39,13 +39,13 @@ struct Ps2BiosRecord {
     u64 dmaReadOffset = 0;
     u64 dmaReadValue = 0;
     std::array<DmaChannelRegs, dmaChannelCount> dmaChannel{};
-    u32 gifAddress = 0;    ///< in main memory, of what is left of the transfer to the GIF
-    u32 gifQuadwords = 0;  ///< left of it
     std::array<DmacHandlerSlot, dmaChannelCount> dmacHandler{};
     u8 semaInUse = 0;  ///< 1 once the single semaphore is taken
     std::array<u32, 2> semaWords{};
     u8 sif0StartRequest = 0;  ///< equal to 1: DmaUpdate diverts the guest into its SIF0 handler
     u64 vsyncCountdown = 0;   ///< driver steps until GSUpdate next tests for a vertical blank
+    u32 gifAddress = 0;       ///< in main memory, of what is left of the transfer to the GIF
+    u32 gifQuadwords = 0;     ///< left of it
 };
 
 inline Ps2BiosRecord Ps2Bios;
