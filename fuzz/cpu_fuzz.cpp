@@ -17,6 +17,7 @@ constexpr u32 programWords = 256;
 constexpr u32 packetAddress = 0x00180000;
 constexpr u32 registerAt = 1;
 constexpr u64 stepLimit = 96;
+constexpr u64 workLimit = 0x4000;  ///< pixels after which an input has drawn enough; the step goes to its end
 
 /// Bases from which loads and stores reach every area, its ends, its mirrors, and what is not mapped.
 constexpr u32 bases[] = {
@@ -110,7 +111,7 @@ void seedRegisters(fuzz::Input& input) {
 
 /// A step is one instruction and as many delay slots as may be nested, or the next part of a long transfer.
 void runChecked(u64 limit) {
-    for (u64 step = 0; step < limit && MipsCpu.pause == 0; ++step) {
+    for (u64 step = 0; step < limit && MipsCpu.pause == 0 && Gs.work < workLimit; ++step) {
         const u64 before = MipsCpu.cycle;
         const u64 work = Gs.work;
         const u64 longest = gifTransferGoesOn() ? 0 : r5900::maximumDelaySlotDepth + 2;
@@ -161,7 +162,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     const u64 limit = traced ? 8 : stepLimit;
     runChecked(limit / 2);
     MipsCpu.pause = 0;
-    for (u64 steps = 0; steps < limit / 2 && MipsCpu.pause == 0;) {
+    for (u64 steps = 0; steps < limit / 2 && MipsCpu.pause == 0 && Gs.work < workLimit;) {
         steps += runSteps(limit / 2 - steps);
     }
     if (traced) {
