@@ -45,10 +45,13 @@ void freeTextLines(koGUIwidget* pane) {
 }
 
 koGUItextLine* koGUIwidget_addText(koGUIwidget* pane, const char* text) {
-    koGUItextLine* line = pane->sentinel;
-    if (line == nullptr) {
+    if (pane->sentinel == nullptr) {
         return nullptr;
     }
+    for (; pane->sentinel->next != nullptr; ++pane->lineCount) {  // added through a copy of the pane
+        pane->sentinel = pane->sentinel->next;
+    }
+    koGUItextLine* line = pane->sentinel;
     const std::size_t size = std::strlen(text) + 1;
     line->text = new char[size];
     std::memcpy(line->text, text, size);
@@ -65,7 +68,8 @@ koGUItextLine* koGUIwidget_addText(koGUIwidget* pane, const char* text) {
 }
 
 void koGUIwidget_printAllText(const koGUIwidget* pane) {
-    for (const koGUItextLine* line = pane->textLines; line != pane->sentinel; line = line->next) {
+    for (const koGUItextLine* line = pane->textLines; line != nullptr && line->next != nullptr;
+         line = line->next) {
         std::printf("-%s-\n", line->text);
     }
 }

@@ -59,7 +59,11 @@ TEST_F(Toolkit, TextPanesShowTheNewestLines) {
             EXPECT_EQ(runs, expected != 0 ? (Runs{{3, expected}}) : Runs()) << step.text << line;
         }
     }
-    EXPECT_EQ(outputOf([&] { koGUIwidget_printAllText(&pane); }), "-!-\n--\n-%s%n%-\n-\"\n-\n-\"\"-\n-#-\n");
+    koGUIwidget given = pane;  // a record that the table's entry was copied from works on the same lines
+    given.addText(&given, "given");
+    pane.addText(&pane, "own");
+    EXPECT_EQ(outputOf([&] { koGUIwidget_printAllText(&given); }),
+              "-!-\n--\n-%s%n%-\n-\"\n-\n-\"\"-\n-#-\n-given-\n-own-\n");
     const koGUItextLine* before = nullptr;
     for (const koGUItextLine* line = pane.textLines; line != nullptr; line = line->next) {
         EXPECT_EQ(line->prev, before);
