@@ -128,8 +128,10 @@ void koGUI_TarnInitProc() {
     }
 }
 
+bool machineRests() { return MipsCpu.pause != 0 && !gifTransferGoesOn(); }
+
 bool driverStep() {
-    if (MipsCpu.pause != 0) {
+    if (machineRests()) {
         return true;
     }
     if (!gifTransferGoesOn()) [[likely]] {
@@ -145,7 +147,7 @@ bool driverStep() {
 u64 runSteps(u64 limit) {
     paneChanged = false;
     u64 steps = 0;
-    while (steps < limit && MipsCpu.pause == 0 && !paneChanged) {
+    while (steps < limit && !machineRests() && !paneChanged) {
         u64 run = 1;
         if (!gifTransferGoesOn()) {
             run = MipsRun(std::min(limit - steps, quietSteps() + 1));
@@ -164,7 +166,7 @@ void koGUI_TarnProc() {
     if (shutDownOnSignal()) {
         return;
     }
-    if (MipsCpu.pause != 0) {
+    if (machineRests()) {
         Driver.pacer.rest(Settings.frameRate);
     } else if (!Driver.pacer.holds(verticalBlanks, Settings.frameRate)) {
         runSteps(std::max<u64>(Settings.stepsPerPoll, 1));

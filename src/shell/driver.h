@@ -25,8 +25,11 @@ void koGUI_TarnInitProc();
 void koGUI_TarnProc();
 void koGUI_TarnEndingProc();
 
-/// One driver step: an instruction, the DMA controller, vertical-blank pacing; nothing while the CPU is
-/// paused. False when the step is not over: a transfer to the GIF is too long for the time that one call may
+/// Whether driver steps do nothing: the CPU is paused, and the step in which that happened is over.
+bool machineRests();
+
+/// One driver step: an instruction, the DMA controller, vertical-blank pacing; nothing while the machine
+/// rests. False when the step is not over: a transfer to the GIF is too long for the time that one call may
 /// take, and the next call goes on with it.
 bool driverStep();
 

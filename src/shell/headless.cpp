@@ -58,7 +58,7 @@ std::optional<End> endReached(const HeadlessOptions& options, u64 steps, bool pa
     if (stopRequested()) {
         return End::signal;
     }
-    if (pauseEnds && MipsCpu.pause != 0) {
+    if (pauseEnds && machineRests()) {
         return End::paused;
     }
     if (options.frames && verticalBlanks >= *options.frames) {
@@ -147,7 +147,7 @@ bool writeSnapshot(const std::string& prefix) {
 }
 
 /// Writes every output that is asked for, each whatever becomes of the others; false when one is lost.
-bool writeOutputs(const HeadlessOptions& options, End end) {
+bool writeOutputs(const HeadlessOptions& options) {
     bool complete = true;
     if (options.picture) {
         complete &= writePicture(*options.picture, MainScreen);
@@ -161,9 +161,6 @@ bool writeOutputs(const HeadlessOptions& options, End end) {
     if (options.registers) {
         MipsCpuPrintReg();
         MipsCpuFPR1PrintReg();
-        if (end == End::paused) {
-            PrintDebugOpcode();
-        }
     }
     if (options.trace) {
         complete &= traceFile.close();
@@ -193,7 +190,7 @@ int runHeadless(const HeadlessOptions& options) {
     }
     progress.clear();
     reportEnd(end, steps);
-    const bool complete = writeOutputs(options, end);
+    const bool complete = writeOutputs(options);
     while (TarnGUI.running == 1) {
         koGUI_TarnEndingProc();
     }
