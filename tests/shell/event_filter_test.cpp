@@ -51,6 +51,14 @@ TEST_F(Filter, WhatIsLeftInTheQueue) {
     EXPECT_EQ(MipsCpu.pause, 0);
 }
 
+TEST_F(Filter, ClosingTheWindowTakesTwoRequests) {
+    TarnGUI.IdleProc = nullptr;
+    for (const auto ending : {false, true}) {
+        EXPECT_EQ(outputOf([] { EXPECT_EQ(send(SDL_QUIT), 0); }), "Quit event filtered out -- try again.\n");
+        EXPECT_EQ(TarnGUI.IdleProc == koGUI_TarnEndingProc, ending);
+    }
+}
+
 TEST_F(Filter, DraggingTakesTheTopmostPane) {
     move(5, 5);
     press(30, 15);

@@ -1,6 +1,5 @@
-"""An X server of the tests' own: its pixels, its pointer and keyboard, requests to close a window."""
+"""An X server of the tests' own: its pixels, its pointer and keyboard."""
 
-import ctypes
 import mmap
 import os
 import struct
@@ -21,12 +20,6 @@ def wait_for(condition, what):
             raise AssertionError(f"in vain: {what}")
         time.sleep(0.01)
     return value
-
-
-class ClientMessage(ctypes.Structure):
-    _fields_ = [("type", ctypes.c_int), ("serial", ctypes.c_ulong), ("sent", ctypes.c_int),
-                ("display", ctypes.c_void_p), ("window", ctypes.c_ulong), ("message_type", ctypes.c_ulong),
-                ("format", ctypes.c_int), ("data", ctypes.c_long * 5), ("rest", ctypes.c_long * 12)]
 
 
 class Display:
@@ -78,15 +71,3 @@ class Display:
     def key(self, name):
         """Presses a key while the pointer is in the window, where no pane is; this gives it the keyboard."""
         self.do("mousemove 790 590", f"key {name}")
-
-    def request_close(self, window):
-        """What a window manager sends when the close box is clicked."""
-        x11 = ctypes.CDLL("libX11.so.6")
-        x11.XOpenDisplay.restype = ctypes.c_void_p
-        x11.XInternAtom.restype = ctypes.c_ulong
-        display = ctypes.c_void_p(x11.XOpenDisplay(self.name.encode()))
-        protocols, delete = (x11.XInternAtom(display, atom, 0) for atom in (b"WM_PROTOCOLS", b"WM_DELETE_WINDOW"))
-        message = ClientMessage(type=33, window=window, message_type=protocols, format=32)
-        message.data[0] = delete
-        x11.XSendEvent(display, ctypes.c_ulong(window), 0, ctypes.c_long(0), ctypes.byref(message))
-        x11.XCloseDisplay(display)
