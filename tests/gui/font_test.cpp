@@ -1,12 +1,10 @@
 // Tests bitmap fonts: glyph markers, text and its placement, recolouring, pixel access, unusable images.
 #include "gui/bmp_file.h"
 #include "support/machine_test.h"
-#include "support/temporary_file.h"
+#include "support/run_directory.h"
 #include "surfaces.h"
 
 #include <cstring>
-#include <fstream>
-#include <iterator>
 
 namespace tarn::test {
 namespace {
@@ -114,11 +112,11 @@ std::string imageOf(u32 headerSize, u32 depth, u32 compression, const std::vecto
 }
 
 TEST(Font, LoadsOnlySaneImages) {
-    const TemporaryFile file("");
-    SDL_SaveBMP(makeStrip(500, 11, steppedGlyphs(94)).get(), file.path());
-    std::ifstream stream(file.path(), std::ios::binary);
-    const std::vector<u8> sane{std::istreambuf_iterator<char>(stream), {}};
-    const FontPtr font(LoadFont(file.path()), FreeFont);
+    const RunDirectory directory;
+    SDL_SaveBMP(makeStrip(500, 11, steppedGlyphs(94)).get(), "font.bmp");
+    const std::string contents = RunDirectory::read("font.bmp");
+    const std::vector<u8> sane{contents.begin(), contents.end()};
+    const FontPtr font(LoadFont("font.bmp"), FreeFont);
     EXPECT_EQ(CharWidth(font.get(), '~'), 93 % 3 + 1);
     for (const char* path : {static_cast<const char*>(nullptr), "/nonexistent.bmp", "/tmp"}) {
         EXPECT_EQ(LoadFont(path), nullptr);
@@ -162,9 +160,10 @@ TEST(Font, LoadsImagesWrittenInOtherWays) {
                         {40, 32, 3, {0xFF, 0, 0xFF00}, false},
                         {40, 32, 3, {5, 0xFF00, 0xFF0000}, false},
                         {40, 24, 3, {}, false}};
+    const RunDirectory directory;
     for (const Way& way : ways) {
-        const TemporaryFile other(imageOf(way.headerSize, way.depth, way.compression, way.masks));
-        const FontPtr loaded(LoadFont(other.path()), FreeFont);
+        directory.write("font.bmp", imageOf(way.headerSize, way.depth, way.compression, way.masks));
+        const FontPtr loaded(LoadFont("font.bmp"), FreeFont);
         ASSERT_EQ(loaded != nullptr, way.isSane) << way.headerSize << ' ' << way.depth;
         EXPECT_TRUE(!way.isSane || CharWidth(loaded.get(), '"') == 2) << way.headerSize << ' ' << way.depth;
     }

@@ -32,6 +32,10 @@ class RunDirectory {
         }
         std::ofstream(path, std::ios::binary) << contents;
     }
+    static std::string read(const std::string& path) {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
 
   private:
     std::filesystem::path former;
