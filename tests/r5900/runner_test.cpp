@@ -1,6 +1,6 @@
 // Holds the runner against plain steps, to the last word: random programs are run in both ways from the same
-// state, and everything that a guest or a user can see must agree whenever a run ends. TARN_CASE=N runs case
-// N alone; TARN_CASES=N sets how many there are.
+// state, by turns, and everything that a guest or a user can see must agree whenever a run ends. TARN_CASE=N
+// runs case N alone; TARN_CASES=N sets how many there are.
 #include "gs/gs_state.h"
 #include "gui/text_sinks.h"
 #include "r5900/instruction.h"
@@ -19,82 +19,6 @@ using namespace test;
 constexpr u64 stepsPerCase = 400;
 constexpr u32 pageBytes = 4096;
 constexpr u32 dataAddress = 0x00104000;
-
-/// Main memory that is zero again at little cost, and that knows which pages have been touched.
-class SparseMemory {
-  public:
-    ~SparseMemory() { munmap(bytes, mainMemorySize); }
-
-    void clear() { madvise(bytes, mainMemorySize, MADV_DONTNEED); }
-
-    /// The page in which two memories differ, or their size.
-    static u32 differentPage(const SparseMemory& one, const SparseMemory& other) {
-        const std::vector<u8> touchedByOne = one.touchedPages(), touchedByOther = other.touchedPages();
-        u32 at = 0;
-        while (at < mainMemorySize &&
-               (((touchedByOne[at / pageBytes] | touchedByOther[at / pageBytes]) & 1) == 0 ||
-                std::memcmp(one.bytes + at, other.bytes + at, pageBytes) == 0)) {
-            at += pageBytes;
-        }
-        return at;
-    }
-
-    u8* const bytes = static_cast<u8*>(mmap(nullptr, mainMemorySize, PROT_READ | PROT_WRITE,
-                                            MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0));
-
-  private:
-    std::vector<u8> touchedPages() const {
-        std::vector<u8> touched(mainMemorySize / pageBytes);
-        mincore(bytes, mainMemorySize, touched.data());
-        return touched;
-    }
-};
-
-/// The records that steps change, padding included.
-class Records {
-  public:
-    void take() {
-        cpu = MipsCpu;
-        copy([](u8* image, void* record, std::size_t size) { std::memcpy(image, record, size); });
-    }
-    void restore() {
-        copy([](u8* image, void* record, std::size_t size) { std::memcpy(record, image, size); });
-    }
-    /// Names what differs from what it should be; empty when nothing does.
-    std::string difference(const Records& other) const {
-        if (images == other.images) {
-            return "";
-        }
-        std::string text = "records differ:";
-        const auto value = [&text](const std::string& name, u64 one, u64 two) {
-            text += one == two ? "" : " " + name + " " + hex(one) + " instead of " + hex(two);
-        };
-        value("PC", cpu.PC, other.cpu.PC);
-        value("cycle", cpu.cycle, other.cpu.cycle);
-        value("opcode", cpu.opcode, other.cpu.opcode);
-        value("pause", cpu.pause, other.cpu.pause);
-        for (u32 i = 0; i < cpu.GPR.size(); ++i) {
-            value("r" + std::to_string(i), cpu.GPR[i].low, other.cpu.GPR[i].low);
-        }
-        return text;
-    }
-
-  private:
-    template <class Copy>
-    void copy(Copy copyOne) {
-        u8* image = images.data();
-        const auto next = [&](auto& record) {
-            copyOne(image, static_cast<void*>(&record), sizeof record);
-            image += sizeof record;
-        };
-        next(MipsCpu), next(Ps2Bios), next(Gs), next(nb_dma_transfert), next(verticalBlanks);
-    }
-
-    MipsCpuRecord cpu;
-    std::array<u8,
-               sizeof MipsCpu + sizeof Ps2Bios + sizeof Gs + sizeof nb_dma_transfert + sizeof verticalBlanks>
-        images;
-};
 
 /// A program with the state that it starts from, and how it is cut into runs.
 class Case {
@@ -256,114 +180,128 @@ u64 runStepsPlainly(u64 limit) {
     return steps;
 }
 
-/// Standard output, kept in memory while one of these lives.
-class KeptOutput {
+/// The records that steps change, padding included.
+using Records = std::array<u8, sizeof MipsCpu + sizeof Ps2Bios + sizeof Gs + sizeof nb_dma_transfert +
+                                   sizeof verticalBlanks>;
+
+void exchange(Records& records) {
+    u8* at = records.data();
+    const auto next = [&at](auto& record) {
+        u8 before[sizeof record];
+        std::memcpy(before, &record, sizeof record);
+        std::memcpy(static_cast<void*>(&record), at, sizeof record);
+        at = std::copy_n(before, sizeof record, at);
+    };
+    next(MipsCpu), next(Ps2Bios), next(Gs), next(nb_dma_transfert), next(verticalBlanks);
+}
+
+/// One of two machines that take turns, and what its last run showed.
+class Machine {
   public:
-    KeptOutput() { stdout = open_memstream(&text, &size); }
-    ~KeptOutput() {
-        std::fclose(stdout);
-        stdout = original;
-        std::free(text);
+    explicit Machine(u64 (*runner)(u64)) : runSteps(runner) {}
+    ~Machine() { munmap(memory, mainMemorySize); }
+
+    void start(u32 number, const Records& startState) {
+        program = Case(number);
+        madvise(memory, mainMemorySize, MADV_DONTNEED);  // zero again, at little cost
+        specialArea.fill(0);
+        records = startState;
+        exchange(records);
+        program.build(memory);
+        exchange(records);
     }
 
-    std::string take() {
-        std::fflush(stdout);
-        std::string taken(text, size);
-        std::rewind(stdout);
-        return taken;
+    /// Makes a run, of which standard output receives what it prints.
+    void run() {
+        MipsMemory = memory;
+        SpecialAreaMemory = specialArea.data();
+        exchange(records);
+        if (MipsCpu.pause != 0 && program.skipsPause()) {
+            MipsCpu.PC += 4;
+        }
+        MipsCpu.pause = 0;
+        makePanes();
+        steps = runSteps(program.nextLimit());
+        lines = paneLines(paneEmuOutput);
+        exchange(records);
     }
+
+    bool showsTheSame(const Machine& other) const {
+        return records == other.records && steps == other.steps && lines == other.lines;
+    }
+
+    /// Compares main memory where either has touched it.
+    bool holdsTheSame(const Machine& other) const {
+        std::array<u8, mainMemorySize / pageBytes> touched, touchedByOther;
+        mincore(memory, mainMemorySize, touched.data());
+        mincore(other.memory, mainMemorySize, touchedByOther.data());
+        for (u32 page = 0; page < touched.size(); ++page) {
+            if (((touched[page] | touchedByOther[page]) & 1) != 0 &&
+                std::memcmp(memory + page * pageBytes, other.memory + page * pageBytes, pageBytes) != 0) {
+                return false;
+            }
+        }
+        return specialArea == other.specialArea;
+    }
+
+    u64 steps = 0;
+    Records records;
 
   private:
-    std::FILE* const original = stdout;
+    u64 (*const runSteps)(u64);
+    Case program = Case(0);
+    Lines lines;
+    std::array<u8, specialAreaSize> specialArea;
+    u8* const memory = static_cast<u8*>(mmap(nullptr, mainMemorySize, PROT_READ | PROT_WRITE,
+                                             MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0));
+};
+
+class Runner : public MachineTest {
+  protected:
+    Runner() { stdout = open_memstream(&text, &size); }
+    ~Runner() override {
+        std::fclose(std::exchange(stdout, standardOutput));
+        std::free(text);
+        MipsMemory = mainMemory;
+        SpecialAreaMemory = specialArea;
+    }
+
+    /// Makes a run and returns what it prints.
+    std::string outputOf(Machine& machine) {
+        std::rewind(stdout);
+        machine.run();
+        std::fflush(stdout);
+        return {text, size};
+    }
+
+    Machine plain{runStepsPlainly}, fast{runSteps};
+    std::FILE* const standardOutput = stdout;
+    u8 *const mainMemory = MipsMemory, *const specialArea = SpecialAreaMemory;
     char* text = nullptr;
     std::size_t size = 0;
 };
 
-/// One way of running a case: what there was to see at the end of each run.
-struct Observation {
-    struct Run {
-        u64 limit = 0;
-        u64 steps = 0;
-        Records records;
-    };
-    std::vector<Run> runs = std::vector<Run>(stepsPerCase);
-    std::size_t count = 0;  ///< of the runs
-    std::vector<u8> specialArea;
-    std::string output;
-    SparseMemory memory;
-
-    void make(u32 number, Records& start, u64 (*run)(u64), KeptOutput& kept) {
-        count = 0;
-        start.restore();
-        std::memset(SpecialAreaMemory, 0, specialAreaSize);
-        makePanes();
-        memory.clear();
-        MipsMemory = memory.bytes;
-        Case the(number);
-        the.build(memory.bytes);
-        for (u64 done = 0; done < stepsPerCase;) {
-            Run& entry = runs[count++];
-            entry.limit = the.nextLimit();
-            entry.steps = run(entry.limit);
-            entry.records.take();
-            done += std::max<u64>(entry.steps, 1);
-            if (MipsCpu.pause != 0 && the.skipsPause()) {
-                MipsCpu.PC += 4;
-            }
-            MipsCpu.pause = 0;
-        }
-        specialArea.assign(SpecialAreaMemory, SpecialAreaMemory + specialAreaSize);
-        output = kept.take() + joined(paneLines(paneEmuOutput));
-    }
-
-    /// What differs from what it should be; empty when nothing does.
-    std::string difference(const Observation& other) const {
-        for (std::size_t i = 0; i < other.count; ++i) {
-            std::string text = runs[i].records.difference(other.runs[i].records);
-            if (runs[i].steps != other.runs[i].steps) {
-                text += std::to_string(runs[i].steps) + " steps instead of " +
-                        std::to_string(other.runs[i].steps);
-            }
-            if (!text.empty()) {
-                return "run " + std::to_string(i) + " of up to " + std::to_string(runs[i].limit) + ": " +
-                       text;
-            }
-        }
-        if (const u32 at = SparseMemory::differentPage(memory, other.memory); at != mainMemorySize) {
-            return "memory differs in the page at " + hex(at);
-        }
-        return specialArea != other.specialArea ? "the special area differs"
-               : output != other.output         ? "output differs:\n" + output + "instead of\n" + other.output
-                                                : "";
-    }
-};
-
-TEST_F(MachineTest, RunsOfManyStepsAreWhatSingleStepsAre) {
-    u8* const allocated = MipsMemory;
+TEST_F(Runner, RunsOfManyStepsAreWhatSingleStepsAre) {
     for (u32 i = 0; i < biosMemorySize; ++i) {
         BiosMemory[i] = static_cast<u8>(i * 37);
     }
-    Records start;
-    start.take();
-    Observation plain, fast;
+    Records start{};
+    exchange(start);
     const char *only = std::getenv("TARN_CASE"), *many = std::getenv("TARN_CASES");
     const u32 first = only != nullptr ? static_cast<u32>(std::stoul(only)) : 0;
     const u32 count = only != nullptr ? 1 : many != nullptr ? static_cast<u32>(std::stoul(many)) : 20000;
-    std::string complaint;
     u64 steps = 0;
-    for (u32 number = first; number < first + count && complaint.empty(); ++number) {
-        KeptOutput kept;
-        plain.make(number, start, runStepsPlainly, kept);
-        fast.make(number, start, runSteps, kept);
-        if (complaint = fast.difference(plain); !complaint.empty()) {
-            complaint = "case " + std::to_string(number) + ", " + complaint;
+    for (u32 number = first; number < first + count; ++number) {
+        plain.start(number, start);
+        fast.start(number, start);
+        for (u64 done = 0; done < stepsPerCase; done += std::max<u64>(plain.steps, 1)) {
+            const std::string expected = outputOf(plain);
+            ASSERT_EQ(outputOf(fast), expected) << "case " << number;
+            ASSERT_TRUE(fast.showsTheSame(plain)) << "case " << number << " at step " << done;
+            steps += plain.steps;
         }
-        for (std::size_t i = 0; i < plain.count; ++i) {
-            steps += plain.runs[i].steps;
-        }
+        ASSERT_TRUE(fast.holdsTheSame(plain)) << "case " << number;
     }
-    MipsMemory = allocated;
-    EXPECT_EQ(complaint, "");
     EXPECT_GT(steps, u64{count} * stepsPerCase / 4) << "the cases stop too early to show much";
 }
 
