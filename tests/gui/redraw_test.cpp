@@ -3,7 +3,6 @@
 #include "gui/blits.h"
 #include "gui/kogui.h"
 #include "gui/text_sinks.h"
-#include "support/machine_test.h"
 #include "surfaces.h"
 
 #include <cstdlib>
@@ -34,29 +33,23 @@ bool samePicture(const SDL_Surface* one, const SDL_Surface* other) {
     return true;
 }
 
-SurfacePtr surfaceLike(const SDL_PixelFormat& format, int width, int height) {
-    SurfacePtr surface(SDL_CreateRGBSurface(SDL_SWSURFACE, width, height, format.BitsPerPixel, format.Rmask,
-                                            format.Gmask, format.Bmask, format.Amask),
+struct Format {
+    int depth;
+    u32 red, green, blue, alpha;
+};
+constexpr Format formats[] = {
+    {32, 0xFF, 0xFF00, 0xFF0000, 0xFF000000}, {32, 0xFF0000, 0xFF00, 0xFF, 0xFF000000},
+    {32, 0xFF0000, 0xFF00, 0xFF, 0},          {32, 0xFF000000, 0xFF0000, 0xFF00, 0},
+    {24, 0xFF0000, 0xFF00, 0xFF, 0},          {16, 0xF800, 0x07E0, 0x001F, 0},
+};
+
+SurfacePtr makeSurface(int width, int height, const Format& format) {
+    SurfacePtr surface(SDL_CreateRGBSurface(SDL_SWSURFACE, width, height, format.depth, format.red,
+                                            format.green, format.blue, format.alpha),
                        SDL_FreeSurface);
     SDL_SetAlpha(surface.get(), 0, SDL_ALPHA_OPAQUE);
     return surface;
 }
-
-constexpr SDL_PixelFormat format(Uint8 depth, u32 red, u32 green, u32 blue, u32 alpha) {
-    SDL_PixelFormat result{};
-    result.BitsPerPixel = depth;
-    result.Rmask = red;
-    result.Gmask = green;
-    result.Bmask = blue;
-    result.Amask = alpha;
-    return result;
-}
-
-constexpr SDL_PixelFormat formats[] = {
-    format(32, 0xFF, 0xFF00, 0xFF0000, 0xFF000000), format(32, 0xFF0000, 0xFF00, 0xFF, 0xFF000000),
-    format(32, 0xFF0000, 0xFF00, 0xFF, 0),          format(32, 0xFF000000, 0xFF0000, 0xFF00, 0),
-    format(24, 0xFF0000, 0xFF00, 0xFF, 0),          format(16, 0xF800, 0x07E0, 0x001F, 0),
-};
 
 SDL_Rect anyRectangle(int size) {
     return {static_cast<Sint16>(below(size) - size / 3), static_cast<Sint16>(below(size) - size / 3),
@@ -64,12 +57,12 @@ SDL_Rect anyRectangle(int size) {
 }
 
 TEST(Redraw, CopiesAndFillsAreSdls) {
-    for (const SDL_PixelFormat& from : formats) {
-        for (const SDL_PixelFormat& to : formats) {
-            const SurfacePtr source = surfaceLike(from, 40, 30);
+    for (const Format& from : formats) {
+        for (const Format& to : formats) {
+            const SurfacePtr source = makeSurface(40, 30, from);
             fillAtRandom(source.get(), 0, source->h);
             for (int i = 0; i < 50; ++i) {
-                const SurfacePtr quick = surfaceLike(to, 37, 33), plain = surfaceLike(to, 37, 33);
+                const SurfacePtr quick = makeSurface(37, 33, to), plain = makeSurface(37, 33, to);
                 if (below(3) == 0) {
                     SDL_SetColorKey(source.get(), SDL_SRCCOLORKEY,
                                     pixelOf(source.get(), below(40), below(30)));
@@ -108,7 +101,7 @@ TEST(Redraw, AnAdaptedFontLooksTheSame) {
         const std::string file = std::string(TARN_SOURCE_DIRECTORY "/data/") + path;
         const FontPtr plain(LoadFont(file.c_str()), FreeFont), adapted(LoadFont(file.c_str()), FreeFont);
         ASSERT_NE(plain, nullptr);
-        const SurfacePtr one = surfaceLike(formats[0], 300, 40), other = surfaceLike(formats[0], 300, 40);
+        const SurfacePtr one = makeSurface(300, 40, formats[0]), other = makeSurface(300, 40, formats[0]);
         AdaptFont(adapted.get(), other.get());
         for (SDL_Surface* surface : {one.get(), other.get()}) {
             SDL_FillRect(surface, nullptr, 0xFF123456);
@@ -125,39 +118,20 @@ TEST(Redraw, AnAdaptedFontLooksTheSame) {
 }
 
 /// TarnGUI in a window of SDL's dummy driver.
-class Window : public testing::Test {
+class Window : public ToolkitTest {
   protected:
-    Window() {
-        resetMachine();
-        for (koGUIwidget& pane : TarnGUI.widgets) {
-            freeTextLines(&pane);
-        }
-        TarnGUI = {};
+    Window() : ToolkitTest(makeSurface(400, 300, formats[0])), picture(makeSurface(120, 90, formats[1])) {
         setenv("SDL_VIDEODRIVER", "dummy", 1);
         EXPECT_EQ(SDL_Init(SDL_INIT_VIDEO), 0);
         EXPECT_NE(SDL_SetVideoMode(400, 300, 32, SDL_SWSURFACE), nullptr);
-        picture = surfaceLike(formats[1], 120, 90);
-        TarnGUI.surface = surfaceLike(formats[0], 400, 300).release();
         TarnGUI.ClearScreen = koGUI_ClearScreen;
         TarnGUI.quickPicture = 1;
         TarnGUI.font1 = makeFont(500, 17, steppedGlyphs(94)).release();
-        TarnGUI.font2 = makeFont(500, 11, steppedGlyphs(94)).release();
-        add(imagePane, 10, 10, 122, 112);
-        TarnGUI.widgets[0].image = picture.get();
+        add(imagePane, 10, 10, 122, 112).image = picture.get();
         add(textPane, 10, 150, 150, 90);
         add(textPane, 180, 20, 150, 90);
     }
-    ~Window() override {
-        outputOf([] { koGUI_Destroy(&TarnGUI); });
-        SDL_Quit();
-        resetMachine();
-    }
-
-    static void add(u8 kind, s32 x, s32 y, u32 w, u32 h) {
-        koGUIwidget pane;
-        koGUIwidget_init(&pane, kind, x, y, w, h, "pane");
-        koGUI_AddWidget(&TarnGUI, &pane);
-    }
+    ~Window() override { SDL_Quit(); }
 
     static void turn(int count = 1) {
         static int left;
@@ -179,14 +153,14 @@ class Window : public testing::Test {
         return {bytes, bytes + static_cast<std::size_t>(video->h) * video->pitch};
     }
 
-    SurfacePtr picture{nullptr, SDL_FreeSurface};
+    SurfacePtr picture;
 };
 
 TEST_F(Window, RedrawingThePictureAloneIsRedrawingEverything) {
     turn();
     for (int i = 0; i < 300; ++i) {
         if (i == 150) {  // from the window's format to one that is converted twice
-            picture = surfaceLike(formats[0], 120, 90);
+            picture = makeSurface(120, 90, formats[0]);
             TarnGUI.widgets[0].image = picture.get();
             // And text that runs out of its pane downwards, over the picture.
             FreeFont(std::exchange(TarnGUI.font2, makeFont(500, 24, steppedGlyphs(94)).release()));

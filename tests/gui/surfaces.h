@@ -1,8 +1,9 @@
-// Owns what the tests of the toolkit draw on: surfaces in memory, and fonts of solid glyphs.
+// Owns what the tests of the toolkit draw on: surfaces in memory, fonts of solid glyphs, panes on them.
 #pragma once
 
 #include "gui/bitmap_font.h"
 #include "gui/pixel_access.h"
+#include "support/machine_test.h"
 
 #include <memory>
 #include <utility>
@@ -71,5 +72,30 @@ inline Runs inkRuns(const SDL_Surface* surface, int y = 0) {
     }
     return runs;
 }
+
+/// TarnGUI on a surface in memory, without panes.
+class ToolkitTest : public testing::Test {
+  protected:
+    explicit ToolkitTest(SurfacePtr surface) {
+        resetMachine();
+        for (koGUIwidget& pane : TarnGUI.widgets) {
+            freeTextLines(&pane);
+        }
+        TarnGUI = {};
+        TarnGUI.surface = surface.release();
+        TarnGUI.font2 = makeFont(500, 11, steppedGlyphs(94)).release();
+    }
+    ~ToolkitTest() override {
+        EXPECT_EQ(outputOf([] { koGUI_Destroy(&TarnGUI); }), "Destroy koGUI\n");
+        resetMachine();
+    }
+
+    static koGUIwidget& add(u8 kind, s32 x, s32 y, u32 w, u32 h) {
+        koGUIwidget pane;
+        koGUIwidget_init(&pane, kind, x, y, w, h, "");
+        koGUI_AddWidget(&TarnGUI, &pane);
+        return TarnGUI.widgets[TarnGUI.nbWidgets - 1];
+    }
+};
 
 }  // namespace tarn::test

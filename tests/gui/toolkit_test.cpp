@@ -1,6 +1,5 @@
 // Tests the toolkit: text panes and their lines, hits, the table of panes.
 #include "gui/kogui.h"
-#include "support/machine_test.h"
 #include "surfaces.h"
 
 #include <ctime>
@@ -9,31 +8,10 @@ namespace tarn::test {
 namespace {
 
 constexpr int width = 120;
-constexpr int height = 100;
 
-/// TarnGUI on a surface in memory.
-class Toolkit : public testing::Test {
+class Toolkit : public ToolkitTest {
   protected:
-    Toolkit() {
-        resetMachine();
-        while (TarnGUI.nbWidgets > 0) {
-            freeTextLines(&TarnGUI.widgets[--TarnGUI.nbWidgets]);
-        }
-        TarnGUI.surface =
-            SDL_CreateRGBSurface(SDL_SWSURFACE, width, height, 32, 0xFF, 0xFF00, 0xFF0000, 0xFF000000);
-        TarnGUI.font2 = makeFont(500, 11, steppedGlyphs(94)).release();
-    }
-    ~Toolkit() override {
-        EXPECT_EQ(outputOf([] { koGUI_Destroy(&TarnGUI); }), "Destroy koGUI\n");
-        resetMachine();
-    }
-
-    static koGUIwidget& add(u8 kind, s32 x, s32 y, u32 w, u32 h) {
-        koGUIwidget pane;
-        koGUIwidget_init(&pane, kind, x, y, w, h, "");
-        koGUI_AddWidget(&TarnGUI, &pane);
-        return TarnGUI.widgets[TarnGUI.nbWidgets - 1];
-    }
+    Toolkit() : ToolkitTest(makeSurface(width, 100)) {}
 };
 
 TEST_F(Toolkit, TextPanesShowTheNewestLines) {
