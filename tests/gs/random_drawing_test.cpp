@@ -17,6 +17,9 @@ class RandomDrawing : public GsMachine {
   protected:
     RandomDrawing() {
         fillLocalMemory();
+        for (u32 i = 0; i < localMemoryWords; i += 1 + random(8)) {
+            Gs.vRamUL[i] &= 0xFFFF8000;  // black, which may be a transparent entry of a palette
+        }
         model.memory = background = {Gs.vRamUL, Gs.vRamUL + localMemoryWords};
     }
     ~RandomDrawing() override { Settings.blend = 0; }
