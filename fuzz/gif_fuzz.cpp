@@ -3,31 +3,13 @@
 // stream that results is then handed over whole, in pieces, or without a count at the end of main memory.
 #include "gs/registers.h"
 #include "support.h"
-
-#include "memory/areas.h"
+#include "support/gif_stream.h"
 
 namespace tarn {
 namespace {
 
 using namespace gs_register;
-
-/// The stream's quadwords as doublewords; the limit bounds the drawing of one input.
-class Stream {
-  public:
-    static constexpr std::size_t limit = 512;
-
-    bool full() const { return words.size() >= limit * 2; }
-    void quadword(u64 low, u64 high) { words.insert(words.end(), {low, high}); }
-    void tag(u64 form, u64 nloop, u64 nreg, u64 registers, u64 flags) {
-        quadword((nloop & 0x7FFF) | (flags & 0x0FFFC00000008000) | (form & 3) << 58 | nreg << 60, registers);
-    }
-    std::span<const u8> bytes() const {
-        return {reinterpret_cast<const u8*>(words.data()), words.size() * 8};
-    }
-
-  private:
-    std::vector<u64> words;
-};
+using test::GifStream;
 
 /// The bits of a register's value that stay when it is to be of ordinary size: small rectangles near the
 /// origin. Most of the time goes into drawing otherwise.
@@ -70,31 +52,30 @@ u64 takeValue(fuzz::Input& input, u32 address) {
 }
 
 /// Sets up a transfer between small rectangles, into local memory or within it, and starts it.
-void addTransfer(Stream& stream, fuzz::Input& input, u64 direction) {
+void addTransfer(GifStream& stream, fuzz::Input& input, u64 direction) {
     constexpr u64 narrowBuffers = 0x0103FFFF0103FFFF;  // 64 to 192 pixels, and 32 or 24 bits
-    stream.tag(0, 4, 1, 0xE, 0);
-    stream.quadword(input.take<u64>() & narrowBuffers, BITBLTBUF);
+    stream.tag(GifStream::packed, 4, 1, 0xE).quadword(input.take<u64>() & narrowBuffers, BITBLTBUF);
     stream.quadword(takeValue(input, TRXPOS), TRXPOS);
-    stream.quadword(takeValue(input, TRXREG), TRXREG);
-    stream.quadword(direction, TRXDIR);
+    stream.quadword(takeValue(input, TRXREG), TRXREG).quadword(direction, TRXDIR);
 }
 
-void addStep(Stream& stream, fuzz::Input& input) {
+void addStep(GifStream& stream, fuzz::Input& input) {
+    constexpr u64 flagBits = 0x0FFFC00000008000;
     const u8 choice = input.take<u8>();
-    const u64 nloop = input.take<u8>();
+    const u32 nloop = input.take<u8>();
     switch (choice & 7) {
     case 0:
     case 1: {  // registers by address; the second byte says which, but for a few that are out of range
-        const u32 address = static_cast<u32>(nloop) % 0x60;
-        stream.tag(0, 1, 1, 0xE, 0);
-        stream.quadword(takeValue(input, address), address);
+        const u32 address = nloop % 0x60;
+        stream.write(address, takeValue(input, address));
         break;
     }
     case 2:
         addTransfer(stream, input, nloop & 3);
         break;
     case 3:  // a primitive's vertices, each with colour and texel
-        stream.tag(0, nloop & 3, 3, 0x5210u + (choice & 0x80 ? 0x110 : 0), u64{choice} << 44);
+        stream.tag(GifStream::packed, nloop & 3, 3, choice & 0x80 ? 0x5320 : 0x5210,
+                   u64{choice} << 44 & flagBits);
         for (u64 i = 0; i < (nloop & 3); ++i) {
             stream.quadword(input.take<u64>(), input.take<u64>());
             stream.quadword(input.take<u64>(), input.take<u64>());
@@ -103,14 +84,15 @@ void addStep(Stream& stream, fuzz::Input& input) {
         }
         break;
     case 4:  // PACKED or REGLIST of any registers
-        stream.tag(choice >> 3, nloop & 7, choice >> 4, input.take<u64>(), input.take<u64>());
+        stream.tag(static_cast<GifStream::Form>(choice >> 3 & 3), nloop & 7, choice >> 4, input.take<u64>(),
+                   input.take<u64>() & flagBits);
         for (u64 i = 0; i < (nloop >> 3); ++i) {
             stream.quadword(takeValue(input, XYZ2), takeValue(input, XYZ2));
         }
         break;
     case 5:
     case 6: {  // an image
-        stream.tag(2 | choice >> 7, nloop, 0, 0, 0);
+        stream.tag(choice >= 0x80 ? GifStream::imageToo : GifStream::image, nloop, 0, 0);
         const u64 pixels = input.take<u64>();
         for (u64 i = 0; i < (nloop & 0x1F); ++i) {
             stream.quadword(pixels * i, ~pixels * i);
@@ -123,16 +105,15 @@ void addStep(Stream& stream, fuzz::Input& input) {
     }
 }
 
-void send(std::span<const u8> bytes, u32 pieces) {
-    const u32 quadwords = static_cast<u32>(bytes.size() / 16);
+void send(const GifStream& stream, u32 pieces) {
     if (pieces == 0) {
-        u8* place = MipsMemory + mainMemorySize - bytes.size();
-        std::copy(bytes.begin(), bytes.end(), place);
+        u8* place = MipsMemory + mainMemorySize - stream.quadwords() * 16;
+        std::copy_n(stream.at(0), stream.quadwords() * 16, place);
         GSgifTransfer2(place);
         return;
     }
-    for (u32 at = 0; at < quadwords; at += pieces) {
-        GSgifTransfer(bytes.data() + std::size_t{at} * 16, std::min(pieces, quadwords - at));
+    for (u32 at = 0; at < stream.quadwords(); at += pieces) {
+        GSgifTransfer(stream.at(at), std::min(pieces, stream.quadwords() - at));
     }
 }
 
@@ -159,11 +140,11 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     // A frame that shows something from the first vertex on.
     GSwrite(u64{1} << 16, FRAME_1);
     GSwrite(u64{63} << 16 | u64{63} << 48, SCISSOR_1);
-    Stream stream;
-    while (!input.empty() && !stream.full()) {
+    GifStream stream;
+    while (!input.empty() && stream.quadwords() < 512) {  // which bounds the drawing
         addStep(stream, input);
     }
-    send(stream.bytes(), settings >> 1 & 7);
+    send(stream, settings >> 1 & 7);
     checkState();
     return 0;
 }
