@@ -1,22 +1,12 @@
 """The check of guest programs: what it refuses, and that it says where."""
 
-import struct
 import subprocess
 
-from tarn_programs import BUILD, ProgramTest
+from tarn_programs import BUILD, ProgramTest, elf
 
 MFC1, SLL = 0x44020800, 0x00021000  # mfc1 v0, fp1; sll v0, v0, 0
 CVT_S = 0x46800860  # cvt.s.w fp1, fp1
 CLEAR_AND_MOVE = [0x0002103C, 0x0002103E, 0x44820800]  # dsll32 v0, v0, 0; dsrl32; mtc1 v0, fp1
-
-
-def elf(words):
-    """An ELF file with one executable section at 0x00100000."""
-    code = struct.pack(f"<{len(words)}I", *words)
-    section = struct.pack("<10I", 0, 1, 6, 0x00100000, 92, len(code), 0, 0, 4, 0)
-    header = struct.pack("<16sHHIIIIIHHHHHH", b"\x7fELF\x01\x01\x01", 2, 8, 1, 0x00100000, 0, 52, 0, 52, 32, 0,
-                         40, 1, 0)
-    return header + section + code
 
 
 class GuestCheckTest(ProgramTest):
@@ -49,5 +39,5 @@ class GuestCheckTest(ProgramTest):
 
     def test_broken_files(self):
         whole = elf([0])
-        for length in range(0, len(whole), 7):
+        for length in range(0, len(whole) - 4, 7):
             self.assertEqual(self.check(whole[:length])[0], 1, f"{length} bytes")

@@ -16,6 +16,14 @@ def guest(name):
     return BUILD / "guest" / f"{name}.elf"
 
 
+def elf(words):
+    """A program for 0x00100000, as an ELF file with one segment that is also its one executable section."""
+    code = struct.pack(f"<{len(words)}I", *words)
+    return struct.pack("<16sHHIIIIIHHHHHH8I10I", b"\x7fELF\x01\x01\x01", 2, 8, 1, 0x00100000, 52, 84, 0, 52, 32, 1, 40,
+                       1, 0, 1, 124, 0x00100000, 0x00100000, len(code), len(code), 7, 4,
+                       0, 1, 6, 0x00100000, 124, len(code), 0, 0, 4, 0) + code
+
+
 class ProgramTest(unittest.TestCase):
     """A test with a run directory: tarn.ini and a BIOS image are there, outputs go there."""
 

@@ -1,14 +1,13 @@
 """The window: what it shows, pixel by pixel, how it reacts to mouse and keys, how it ends, why it does not start."""
 
 import shutil
-import struct
 import subprocess
 import time
 import unittest
 from pathlib import Path
 
 from display import Display, wait_for
-from tarn_programs import BUILD, ProgramTest, read_bmp
+from tarn_programs import BUILD, ProgramTest, elf, read_bmp
 
 DATA = Path(__file__).resolve().parents[2] / "data"
 
@@ -16,13 +15,7 @@ BACKGROUND, FRAME, TITLE_BAR, SHADE_BOX, BODY = 0x006999, 0x002549, 0x006589, 0x
 VIDEO, EMU, OPCODES, REGISTERS = (10, 10, 322, 262), (10, 282, 500, 170), (520, 282, 250, 170), (520, 10, 180, 400)
 LAST_LINE = 12  # of EmuOutput, counted from 0
 
-LOOP = struct.pack("<3I", 0x25080001, 0x1000FFFE, 0)  # addiu t0, t0, 1; beq r0, r0, back to it; nop
-
-
-def elf(code):
-    """A program of one segment at 0x00100000."""
-    return struct.pack("<16sHHIIIIIHHHHHH8I", b"\x7fELF\x01\x01\x01", 2, 8, 1, 0x00100000, 52, 0, 0, 52, 32, 1, 0, 0,
-                       0, 1, 84, 0x00100000, 0x00100000, len(code), len(code), 7, 4) + code
+LOOP = elf([0x25080001, 0x1000FFFE, 0])  # addiu t0, t0, 1; beq r0, r0, back to it; nop
 
 
 class Font:
@@ -60,7 +53,7 @@ class WindowTest(ProgramTest):
     def setUp(self):
         super().setUp()
         (self.directory / "data").symlink_to(DATA)
-        (self.directory / "loop.elf").write_bytes(elf(LOOP))
+        (self.directory / "loop.elf").write_bytes(LOOP)
         self.configure(Path("loop.elf"), general="Steps_per_poll=1000")
         self.display.do("mousemove 1010 760")
 
@@ -127,7 +120,7 @@ class WindowTest(ProgramTest):
         self.start()
         wait_for(lambda: [self.display.row(y, 11, 331) for y in range(32, 272)] == picture, "the picture")
 
-    def test_dragging(self):
+    def test_dragging_and_shading(self):
         self.start()
         drag = self.display.drag
         drag((50, 20), (80, 60))
@@ -138,15 +131,13 @@ class WindowTest(ProgramTest):
         self.await_panes((0, 0, *VIDEO[2:]), EMU, OPCODES, (520, 310, *REGISTERS[2:]))
         drag((520, 290), (620, 490))  # the frame of Opcodes is no part of its title bar
         drag((745, 290), (735, 150))
-        self.await_panes((0, 0, *VIDEO[2:]), EMU, (510, 142, *OPCODES[2:]), (520, 310, *REGISTERS[2:]))
-
-    def test_shading(self):
-        self.start()
+        others = (510, 142, *OPCODES[2:]), (520, 310, *REGISTERS[2:])
+        self.await_panes((0, 0, *VIDEO[2:]), EMU, *others)
         for x, height in (491, 22), (509, 170), (510, 170), (500, 22):
-            self.display.drag((x, 300), (x + 50, 300))
-            self.await_panes(VIDEO, (*EMU[:3], height), OPCODES, REGISTERS)
-        self.display.drag((490, 300), (495, 310))
-        self.await_panes(VIDEO, (15, 292, 500, 22), OPCODES, REGISTERS)
+            drag((x, 300), (x + 50, 300))
+            self.await_panes((0, 0, *VIDEO[2:]), (*EMU[:3], height), *others)
+        drag((490, 300), (495, 310))
+        self.await_panes((0, 0, *VIDEO[2:]), (15, 292, 500, 22), *others)
 
     def counter(self):
         """What t0 looks like in the pane CpuRegisters."""
