@@ -77,15 +77,14 @@ class RandomDrawing : public GsMachine {
                     .csm = random(2)};
         const auto from0 = [&](u32 limit) { return chance(2) ? 0 : random(limit); };
         const u32 farOffset = hostile ? 4096 : 300, farScissor = hostile ? 2048 : 200;
+        const auto last = [&](u32 whole, u32 part) {
+            return hostile ? end(2048) : chance(2) ? whole : 200 + random(part);
+        };
         *Gs.xyoffset = {.ofx = from0(farOffset), .ofy = from0(farOffset)};
         *Gs.scissor = {.scax0 = from0(farScissor),
                        .scay0 = from0(farScissor),
-                       .scax1 = hostile     ? end(2048)
-                                : chance(2) ? 639
-                                            : 200 + random(400),
-                       .scay1 = hostile     ? end(2048)
-                                : chance(2) ? 447
-                                            : 200 + random(200)};
+                       .scax1 = last(639, 400),
+                       .scay1 = last(447, 200)};
     }
 
     /// The state that both kinds of case choose alike; the case's number runs through all the combinations.
