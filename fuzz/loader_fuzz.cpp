@@ -59,19 +59,6 @@ void loadBios(const fuzz::MemoryFile& file, std::span<const u8> image) {
     BiosCloseFile();
 }
 
-/// What is no file to load from must be refused at once; the copies then find nothing.
-void loadNothing(u8 choice) {
-    constexpr const char* paths[] = {"", "/", "/no/such/file", "/dev/ptmx"};
-    const char* path = paths[choice % std::size(paths)];
-    fuzz::require(ElfOpenFile(path) == 0 && BiosOpenFile(path) == 0, "what is no file is refused");
-    fuzz::require(ElfLoadHeader() == 1, "a header that is not there is one error");
-    CopyProgramToMemory();
-    CopySectionToMemory();
-    CopyBiosToMemory();
-    ElfCloseFile();
-    BiosCloseFile();
-}
-
 }  // namespace
 }  // namespace tarn
 
@@ -83,8 +70,6 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     const u8 kind = input.take<u8>() % 8;
     if (kind == 1) {
         loadBios(file, input.remaining());
-    } else if (kind == 2) {
-        loadNothing(input.take<u8>());
     } else {
         loadElf(file, kind == 0 ? input.remaining() : buildElf(input));
     }

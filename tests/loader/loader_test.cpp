@@ -74,11 +74,17 @@ TEST_F(LoaderTest, OpeningAndClosingReport) {
     EXPECT_EQ(ElfOpenFile("/tmp"), 0);
     ASSERT_EQ(mkfifo("fifo", 0600), 0);
     EXPECT_EQ(BiosOpenFile("fifo"), 0);
+    EXPECT_EQ(BiosOpenFile(""), 0);
+    EXPECT_EQ(BiosOpenFile("/dev/ptmx"), 0);
     EXPECT_EQ(emuOutput(),
               (Lines{"File:Opening Elf : small ( size : 1.000 Ko)",
                      "File:Opening BIOS : small ( size : 1.000 Ko)", "File:Close Elf File",
                      "File:Close Bios File", "File:Error opening :/no/such/file: No such file or directory",
-                     "File:Error opening :/tmp: Is a directory", "File:Error opening fifo"}));
+                     "File:Error opening :/tmp: Is a directory", "File:Error opening fifo",
+                     "File:Error opening ", "File:Error opening /dev/ptmx"}));
+    EXPECT_EQ(ElfLoadHeader(), 1);  // there is no file
+    expectCopies(0, 0);
+    CopyBiosToMemory();
 }
 
 TEST_F(LoaderTest, SegmentsThenSectionsAreCopied) {
