@@ -26,10 +26,8 @@ class HeadlessTest(ProgramTest):
                 self.assertEqual(output, "")
                 self.assertRegex(messages, f"{complaint}(.|\n)*Try 'tarn-headless --help'.")
 
-    def test_version(self):
+    def test_version_and_limits(self):
         self.assertEqual(self.run_headless("--version", status=0), ("tarn-headless 0.3\n", ""))
-
-    def test_limits(self):
         for options, end in ((["--steps", "0"], "step limit reached after 0 steps and 0 vertical blanks"),
                              (["--steps", "77", "--frames", "1"], "step limit reached after 77 steps"),
                              (["--frames", "0"], "frame limit reached after 0 steps"),
@@ -43,10 +41,6 @@ class HeadlessTest(ProgramTest):
         self.assertRegex(messages, r"Stop at PC = 0x0010\w{4} after 2 instructions")
         trace = self.output_file("trace.txt").decode()
         self.assertRegex(trace, r"^(0010\w{4}: .+\n(\w{2} : \w{16}\n){34}){2}$")
-
-    def test_a_stop_is_reported(self):
-        self.configure("kernel")
-        self.assertRegex(self.run_headless(status=3)[1], "(?m)^.*0010.*0000000c.*SYSCALL")
 
     def test_failed_start_writes_what_there_is(self):
         (self.directory / "bios" / "scph10000.bin").unlink()

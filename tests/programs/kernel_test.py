@@ -71,5 +71,6 @@ class KernelTest(ProgramTest):
         always = [line[1:] for line in EXPECTED.splitlines() if line.startswith("!")]
         self.assertEqual(self.lines(output)[:len(always)], always)
         self.assertRegex(output, r"\ba0 : ?0{16}\b", "kernel counts wrong answers in a0")
+        self.assertRegex(messages, "(?m)^.*0010.*0000000c.*SYSCALL", "where it stops")
         for done in ("Init:Copy Program To Memory: Done", "Init:Copy Section To Memory: Done"):
             self.assertIn(done, messages.splitlines())
