@@ -4,10 +4,10 @@
 
 #include <set>
 
-namespace tarn {
+namespace tarn::test {
 namespace {
 
-class KernelTest : public test::MachineTest {
+class KernelTest : public MachineTest {
   protected:
     /// Performs the call that v1 names from PC 0x100400 and returns what it prints.
     static std::string call(u64 v1, u8 logging = 0) {
@@ -15,7 +15,7 @@ class KernelTest : public test::MachineTest {
         MipsCpu.PC = 0x100400;
         MipsCpu.pause = 0;
         MipsCpu.GPR[REG_V1].low = v1;
-        return test::outputOf(syscall_fct[v1 & 0xFF]);
+        return outputOf(syscall_fct[v1 & 0xFF]);
     }
     static u64& v0() { return MipsCpu.GPR[REG_V0].low; }
     static u64& a0() { return MipsCpu.GPR[REG_A0].low; }
@@ -32,7 +32,7 @@ TEST_F(KernelTest, EveryNumberStopsOrGoesOnInWords) {
         const std::string name = debug_syscall[static_cast<std::size_t>(number)];
         names.insert(name);
         const bool exists = name != "SYSCALL_NI";
-        const std::string code = test::hex(static_cast<u64>(number));
+        const std::string code = hex(static_cast<u64>(number));
         const std::string asSigned = std::to_string(number < 128 ? number : number - 256);
         const std::string line = exists ? "00100400 : " + name + " 0x" + code + " " + asSigned + " \n"
                                         : "00100400 : Syscall_NI ( " + code + " h) s8:" + asSigned +
@@ -118,10 +118,10 @@ TEST_F(KernelTest, SifSetDmaGoesByTheLowByte) {
     Ps2Bios.dmacHandler[5].handlerAddress = 0x00105000;
     a1() = 0x101;
     call(0x77);
-    EXPECT_EQ(test::outputOf(DmaUpdate), "DMA:Sif_0 : Start\n|DmaHandler Add: 00105000\n");
+    EXPECT_EQ(outputOf(DmaUpdate), "DMA:Sif_0 : Start\n|DmaHandler Add: 00105000\n");
     EXPECT_EQ(MipsCpu.PC, 0x00105000U);
     EXPECT_EQ(Ps2Bios.dmacHandler[5].savedPc, 0x100404U);
 }
 
 }  // namespace
-}  // namespace tarn
+}  // namespace tarn::test

@@ -7,7 +7,7 @@
 #include <bit>
 #include <cstring>
 
-namespace tarn {
+namespace tarn::test {
 namespace {
 
 constexpr GuestValue pattern{0x8877665544332211, 0xFFEEDDCCBBAA9988};
@@ -74,27 +74,25 @@ bool serves(Area area, u32 offset, Width width) {
 std::string refusal(Area area, Width width, const std::string& access, u32 named) {
     const char* areas[] = {"", "Mem:", "MemSpecial:", "MemGSArea:", "MemBIOS:"};
     const bool byAddress = area == Area::None || (area == Area::Main && bytesOf(width) != 0);
-    return byAddress ? "Mem:" + access + ":NEED SPECIAL HANDLE ADD :  " + test::hex(named) + "\n"
+    return byAddress ? "Mem:" + access + ":NEED SPECIAL HANDLE ADD :  " + hex(named) + "\n"
                      : areas[static_cast<int>(area)] + access + " DataType Not Handled\n";
 }
 
-using MemoryDispatch = test::MachineTest;
-
-TEST_F(MemoryDispatch, StoresReachTheirAreaOrAreRefusedInWords) {
+TEST_F(MachineTest, StoresReachTheirAreaOrAreRefusedInWords) {
     for (const auto& [address, area, load, offset, named] : places) {
         for (Width width : widths) {
-            SCOPED_TRACE(test::hex(address) + " width " + std::to_string(int(width)));
-            test::resetRecords();
+            SCOPED_TRACE(hex(address) + " width " + std::to_string(int(width)));
+            resetRecords();
             const bool served = serves(area, offset, width);
             // Neither the split into base and displacement matters nor what is above bit 31.
-            const std::string printed = test::outputOf([&, at = address] {
+            const std::string printed = outputOf([&, at = address] {
                 MipsMemoryWrite(pattern, width, 0x1200000000 + u64{at} + 0x7FF0, -0x7FF0);
             });
             const std::string message = served ? "" : refusal(area, width, "Write", named);
             // Of main memory and of nothing, in the pane; of a device, on standard output.
             const bool inPane = area == Area::Main || area == Area::None;
             EXPECT_EQ(printed, inPane ? "" : message);
-            EXPECT_EQ(test::joined(emuOutput()), inPane ? message : "");
+            EXPECT_EQ(joined(emuOutput()), inPane ? message : "");
             EXPECT_EQ(MipsCpu.pause, served ? 0 : 1);
             const bool seenByDma = area == Area::Special && offset >= 0x8000;
             EXPECT_TRUE(Ps2Bios.dmaWritePending == seenByDma &&
@@ -113,7 +111,7 @@ TEST_F(MemoryDispatch, StoresReachTheirAreaOrAreRefusedInWords) {
     }
 }
 
-TEST_F(MemoryDispatch, LoadsComeFromTheirAreaOrAreRefusedInWords) {
+TEST_F(MachineTest, LoadsComeFromTheirAreaOrAreRefusedInWords) {
     for (u32 at = 0; at < biosMemorySize; ++at) {
         BiosMemory[at] = static_cast<u8>(at * 7);
     }
@@ -123,7 +121,7 @@ TEST_F(MemoryDispatch, LoadsComeFromTheirAreaOrAreRefusedInWords) {
     std::memcpy(SpecialAreaMemory + 0x8000, &pattern, 16);
     for (const auto& [address, store, area, place, named] : places) {
         for (Width width : widths) {
-            SCOPED_TRACE(test::hex(address) + " width " + std::to_string(int(width)));
+            SCOPED_TRACE(hex(address) + " width " + std::to_string(int(width)));
             const u32 offset = area == Area::Bios ? place & 0x3FFFFF : place;
             MipsCpu.pause = 0;
             Ps2Bios = {};
@@ -138,7 +136,7 @@ TEST_F(MemoryDispatch, LoadsComeFromTheirAreaOrAreRefusedInWords) {
                 std::memcpy(half, bufferOf(area) + offset, bytesOf(width));
             }
             GuestValue destination = untouched;
-            const std::string printed = test::outputOf(
+            const std::string printed = outputOf(
                 [&, at = address] { MipsMemoryRead(&destination, width, u64{at} - 0x7FFF, 0x7FFF); });
             EXPECT_EQ(destination, expected);
             EXPECT_EQ(printed, served ? "" : refusal(area, width, "Read", named));
@@ -152,12 +150,12 @@ TEST_F(MemoryDispatch, LoadsComeFromTheirAreaOrAreRefusedInWords) {
     EXPECT_TRUE(emuOutput().empty());
 }
 
-TEST_F(MemoryDispatch, GsAccessesReachTheRendererAndAreTraced) {
+TEST_F(MachineTest, GsAccessesReachTheRendererAndAreTraced) {
     MipsCpu.PC = 0x100008;
     for (u8 flag : {u8{0}, u8{1}, u8{2}}) {
         Settings.debug_gs = flag;
         GuestValue destination{~u64{0}, 7};
-        const std::string printed = test::outputOf([&] {
+        const std::string printed = outputOf([&] {
             MipsMemoryWrite({0x300000001, 9}, Width::Doubleword, 0x12000000, 0);
             MipsMemoryWrite({0x300000002, 9}, Width::Word, 0x12000000, 0);
             MipsMemoryRead(&destination, Width::Word, 0xFFFFFFFF12000000, 0x1000);
@@ -172,27 +170,27 @@ TEST_F(MemoryDispatch, GsAccessesReachTheRendererAndAreTraced) {
     }
 }
 
-TEST_F(MemoryDispatch, AllocationReportsSuccessAndFailure) {
+TEST_F(MachineTest, AllocationReportsSuccessAndFailure) {
     const auto allocateAll = [] {
-        test::makePanes();
+        makePanes();
         return MipsMemoryAlloc() + MipsSpecialAreaMemoryAlloc() + MipsGSAreaMemoryAlloc() +
                MipsBiosMemoryAlloc();
     };
     EXPECT_EQ(allocateAll(), 4);
     EXPECT_EQ(emuOutput().front(), "R5900:Allocation Main Memory 32 Mbits...OK");
-    const test::FailingAllocation failing;
+    const FailingAllocation failing;
     EXPECT_EQ(allocateAll(), 0);
-    EXPECT_EQ(emuOutput(), (test::Lines{"R5900:Allocation Main Memory 32 Mbits...KO",
-                                        "R5900:Allocation Special Memory 64 kbytes... KO",
-                                        "RR5900:Allocation GS Register Memory 4288 bytes... kO",
-                                        "R5900:Allocation BIOS Memory 4 M bytes... KO "}));
+    EXPECT_EQ(emuOutput(), (Lines{"R5900:Allocation Main Memory 32 Mbits...KO",
+                                  "R5900:Allocation Special Memory 64 kbytes... KO",
+                                  "RR5900:Allocation GS Register Memory 4288 bytes... kO",
+                                  "R5900:Allocation BIOS Memory 4 M bytes... KO "}));
 }
 
-TEST_F(MemoryDispatch, WithoutBuffersEveryAccessIsRefused) {
+TEST_F(MachineTest, WithoutBuffersEveryAccessIsRefused) {
     FreeAllMemory();
-    EXPECT_EQ(emuOutput(), test::Lines{"FreeMemory: Main - SpecialArea - GS Register - Bios"});
+    EXPECT_EQ(emuOutput(), Lines{"FreeMemory: Main - SpecialArea - GS Register - Bios"});
     GuestValue destination{1, 2};
-    EXPECT_EQ(test::outputOf([&] {
+    EXPECT_EQ(outputOf([&] {
                   MipsMemoryWrite({3, 4}, Width::Word, 0x00100000, 0);
                   MipsMemoryRead(&destination, Width::Word, 0x80100000, 0);
                   MipsMemoryWrite({3, 4}, Width::Word, 0x1000A000, 0);
@@ -205,4 +203,4 @@ TEST_F(MemoryDispatch, WithoutBuffersEveryAccessIsRefused) {
 }
 
 }  // namespace
-}  // namespace tarn
+}  // namespace tarn::test

@@ -10,10 +10,9 @@
 #include <sys/stat.h>
 #include <utility>
 
-namespace tarn {
+namespace tarn::test {
 namespace {
 
-using namespace test;
 using r5900::gpr;
 
 // The layout of a program, at the same addresses for both processors. A block is preceded by the loading of
@@ -250,4 +249,4 @@ TEST_F(MachineTest, RandomProgramsLeaveTheSameRegistersAndMemoryInQemu) {
 }
 
 }  // namespace
-}  // namespace tarn
+}  // namespace tarn::test

@@ -11,10 +11,8 @@
 #include <cstdlib>
 #include <sys/mman.h>
 
-namespace tarn {
+namespace tarn::test {
 namespace {
-
-using namespace test;
 
 constexpr u64 stepsPerCase = 400;
 constexpr u32 pageBytes = 4096;
@@ -306,4 +304,4 @@ TEST_F(Runner, RunsOfManyStepsAreWhatSingleStepsAre) {
 }
 
 }  // namespace
-}  // namespace tarn
+}  // namespace tarn::test

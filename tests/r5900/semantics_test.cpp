@@ -7,10 +7,8 @@
 #include <tuple>
 #include <utility>
 
-namespace tarn {
+namespace tarn::test {
 namespace {
-
-using namespace test;
 
 // clang-format off
 // Registers by what they hold; `out` is the usual destination.
@@ -209,4 +207,4 @@ TEST_F(MachineTest, NestedDelaySlotsAreBounded) {
 }
 
 }  // namespace
-}  // namespace tarn
+}  // namespace tarn::test

@@ -4,10 +4,8 @@
 #include <algorithm>
 #include <set>
 
-namespace tarn {
+namespace tarn::test {
 namespace {
-
-using namespace test;
 
 // rs or base is t0, rt t1, rd t2, sa 31; ft is fp3, fs fp2, fd fp1.
 constexpr u32 major(u32 code, u32 low = 0xFFF0) { return immediate(code, t0, t1, low); }
@@ -180,4 +178,4 @@ TEST_F(MachineTest, OpcodeDisplay) {
 }
 
 }  // namespace
-}  // namespace tarn
+}  // namespace tarn::test
