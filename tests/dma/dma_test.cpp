@@ -1,4 +1,4 @@
-// The DMA controller's registers and starts, and the timing of vertical blanks.
+// The DMA controller's registers and starts.
 #include "gs/registers.h"
 #include "support/gs_machine.h"
 #include "support/machine_test.h"
@@ -132,16 +132,6 @@ TEST_F(DmaTest, Channel5OnlyShowsItsRegistersAndAcknowledges) {
     EXPECT_EQ(Ps2Bios.dmaChannel[5].chcr, 0x84U);
     EXPECT_EQ(nb_dma_transfert, 0U);
     EXPECT_EQ(test::outputOf([] { DmaPrintChannelInfo(10); }), "");
-}
-
-TEST_F(DmaTest, VerticalBlanksComeAtTheirSteps) {
-    Ps2Bios.vsyncCountdown = 0x6FFF;
-    for (u32 step = 1; step <= 28658 + 2 * 28659; ++step) {
-        TarnGUI.widgets[0].dirty = 0;
-        GSUpdate();
-        ASSERT_EQ(verticalBlanks, (step + 1) / 28659);
-        ASSERT_EQ(TarnGUI.widgets[0].dirty, (step + 1) % 28659 == 0);
-    }
 }
 
 }  // namespace

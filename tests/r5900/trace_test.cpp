@@ -134,13 +134,6 @@ TEST_F(MachineTest, FetchesOutsideMainMemoryPause) {
     EXPECT_EQ(MipsCpu.pause, 1);
 }
 
-TEST_F(MachineTest, SystemCallsGoByTheLowByteOfV1) {
-    MipsCpu.GPR[3].low = 0x1FF;
-    setProgram({12});
-    EXPECT_EQ(outputOf(MipsUpdateCpu), "00100000 : Syscall_NI ( ff h) s8:-1 u8:255\n");
-    EXPECT_EQ(MipsCpu.PC, programStart);
-}
-
 TEST_F(MachineTest, RegisterDisplays) {
     for (u8 i = 0; i < 32; ++i) {
         MipsCpu.GPR[i] = {i, 9};
