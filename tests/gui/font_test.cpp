@@ -84,31 +84,21 @@ TEST(Font, RecolouringScalesAllButTheKey) {
 
 /// A BMP file: eight pixels in a row, glyphs of one and two pixels among them.
 std::string imageOf(u32 headerSize, u32 depth, u32 compression, const std::vector<u32>& masks) {
-    const auto append = [](std::string& bytes, u32 value, std::size_t count) {
-        bytes.append(reinterpret_cast<const char*>(&value), count);
-    };
-    const std::size_t side = headerSize == 12 ? 2 : 4;
-    std::string header, pixels;
-    append(header, headerSize, 4);
-    append(header, 8, side);
-    append(header, 1, side);
-    append(header, 1 | depth << 16, 4);
-    if (headerSize != 12) {
-        append(header, compression, 4);
+    std::vector<u32> header{headerSize, 8, 1, 1 | depth << 16, compression};
+    if (headerSize == 12) {
+        header = {headerSize, 8 | 1 << 16, 1 | depth << 16};
     }
-    header.resize(std::min(headerSize, 40U));
-    for (const u32 mask : masks) {
-        append(header, mask, 4);
-    }
-    header.resize(std::max(header.size(), std::size_t{headerSize}));
+    header.resize(std::min(headerSize, 40U) / 4);
+    header.insert(header.end(), masks.begin(), masks.end());
+    header.resize(std::max(header.size(), std::size_t{headerSize / 4}));
+    std::string pixels;
     for (const bool ink : {false, true, false, false, true, true, false, false}) {
-        append(pixels, ink ? 0xFFFFFFFF : 0, depth / 8);
+        pixels.append(depth / 8, ink ? '\xFF' : '\0');
     }
-    std::string file = "BM";
-    append(file, static_cast<u32>(14 + header.size() + pixels.size()), 4);
-    append(file, 0, 4);
-    append(file, static_cast<u32>(14 + header.size()), 4);
-    return file + header + pixels;
+    const auto start = static_cast<u32>(14 + header.size() * 4),
+               size = static_cast<u32>(start + pixels.size());
+    header.insert(header.begin(), {size, 0, start});
+    return "BM" + std::string(reinterpret_cast<const char*>(header.data()), header.size() * 4) + pixels;
 }
 
 TEST(Font, LoadsOnlySaneImages) {
