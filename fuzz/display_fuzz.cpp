@@ -14,10 +14,7 @@ constexpr u32 registers[] = {0x12000000, 0x12000020, 0x12000070, 0x12000080, 0x1
 constexpr u32 sizes[] = {0, 1, 2, 64, 255, 320, 640, 65856, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF};
 constexpr u32 depths[] = {0, 8, 15, 16, 24, 32, 0xFFFFFFF0};
 
-struct SurfaceDeleter {
-    void operator()(SDL_Surface* surface) const { SDL_FreeSurface(surface); }
-};
-using Surface = std::unique_ptr<SDL_Surface, SurfaceDeleter>;
+using Surface = std::unique_ptr<SDL_Surface, decltype(&SDL_FreeSurface)>;
 
 Surface takeSurface(fuzz::Input& input) {
     constexpr s32 surfaceDepths[] = {8, 15, 16, 24, 32};
@@ -25,22 +22,18 @@ Surface takeSurface(fuzz::Input& input) {
     const u8 wide = input.take<u8>();
     const s32 width = wide >= 0xF0 ? (wide & 15) * 70 : wide;  // mostly small, for speed
     const s32 height = input.take<u8>() % 64;
-    return Surface(SDL_CreateRGBSurface(0, width, height, depth, 0xFF0000, 0xFF00, 0xFF, 0));
+    return {SDL_CreateRGBSurface(0, width, height, depth, 0xFF0000, 0xFF00, 0xFF, 0), SDL_FreeSurface};
 }
 
 void access(fuzz::Input& input) {
     const u8 kind = input.take<u8>();
     const u32 address = input.pick(registers);
-    switch (kind & 3) {
-    case 0:
+    if ((kind & 3) == 0) {
         GSwrite32(address, input.take<u32>());
-        break;
-    case 1:
+    } else if ((kind & 3) == 1) {
         fuzz::require(GSread32(address) <= 8 && GSread64(address) <= 0x2000, "what registers read as");
-        break;
-    default:
+    } else {
         GSwrite64(address, input.take<u64>());
-        break;
     }
 }
 
