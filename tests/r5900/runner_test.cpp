@@ -256,8 +256,12 @@ class Machine {
 
 class Runner : public MachineTest {
   protected:
-    Runner() { stdout = open_memstream(&text, &size); }
+    Runner() {
+        exchange(startState);
+        stdout = open_memstream(&text, &size);
+    }
     ~Runner() override {
+        exchange(startState);
         std::fclose(std::exchange(stdout, standardOutput));
         std::free(text);
         MipsMemory = mainMemory;
@@ -272,6 +276,7 @@ class Runner : public MachineTest {
         return {text, size};
     }
 
+    Records startState{};
     Machine plain{runStepsPlainly}, fast{runSteps};
     std::FILE* const standardOutput = stdout;
     u8 *const mainMemory = MipsMemory, *const specialArea = SpecialAreaMemory;
@@ -283,15 +288,13 @@ TEST_F(Runner, RunsOfManyStepsAreWhatSingleStepsAre) {
     for (u32 i = 0; i < biosMemorySize; ++i) {
         BiosMemory[i] = static_cast<u8>(i * 37);
     }
-    Records start{};
-    exchange(start);
     const char *only = std::getenv("TARN_CASE"), *many = std::getenv("TARN_CASES");
     const u32 first = only != nullptr ? static_cast<u32>(std::stoul(only)) : 0;
     const u32 count = only != nullptr ? 1 : many != nullptr ? static_cast<u32>(std::stoul(many)) : 20000;
     u64 steps = 0;
     for (u32 number = first; number < first + count; ++number) {
-        plain.start(number, start);
-        fast.start(number, start);
+        plain.start(number, startState);
+        fast.start(number, startState);
         for (u64 done = 0; done < stepsPerCase; done += std::max<u64>(plain.steps, 1)) {
             const std::string expected = outputOf(plain);
             ASSERT_EQ(outputOf(fast), expected) << "case " << number;
