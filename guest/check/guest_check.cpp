@@ -23,6 +23,7 @@ namespace {
 struct Code {
     u32 address;
     std::vector<u32> words;
+    bool complete;  ///< the file has all of it
 };
 
 std::vector<u8> readFile(const char* path) {
@@ -55,10 +56,13 @@ std::vector<Code> executableSections(const std::vector<u8>& file) {
         const auto section = at<Elf32_Shdr>(file, header->e_shoff + i * sizeof(Elf32_Shdr));
         if (!section || (section->sh_flags & SHF_EXECINSTR) == 0)
             continue;
-        Code& code = sections.emplace_back(Code{section->sh_addr, {}});
-        for (u32 offset = 0; offset + 4 <= section->sh_size; offset += 4)
-            if (const auto word = at<u32>(file, section->sh_offset + offset))
+        Code& code = sections.emplace_back(Code{section->sh_addr, {}, true});
+        for (std::size_t offset = 0; code.complete && offset + 4 <= section->sh_size; offset += 4) {
+            const auto word = at<u32>(file, section->sh_offset + offset);
+            code.complete = word.has_value();
+            if (word)
                 code.words.push_back(*word);
+        }
     }
     return sections;
 }
@@ -169,6 +173,10 @@ int main(int argumentCount, char** arguments) {
                              mnemonicOf(code.words[i]), fault);
                 faults++;
             }
+        if (!code.complete) {
+            std::fprintf(stderr, "%s: the code at %8.8x is cut off\n", path, code.address);
+            faults++;
+        }
     }
     return faults == 0 ? 0 : 1;
 }

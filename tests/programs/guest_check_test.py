@@ -39,5 +39,7 @@ class GuestCheckTest(ProgramTest):
 
     def test_broken_files(self):
         whole = elf([0])
-        for length in range(0, len(whole) - 4, 7):
+        for length in range(0, len(whole), 7):
             self.assertEqual(self.check(whole[:length])[0], 1, f"{length} bytes")
+        endless = whole[:104] + b"\xff\xff\xff\xff" + whole[108:]  # the section's size
+        self.assertIn("the code at 00100000 is cut off", self.check(endless)[1])
