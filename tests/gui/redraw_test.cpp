@@ -162,10 +162,6 @@ TEST_F(Window, RedrawingThePictureAloneIsRedrawingEverything) {
         if (i == 150) {  // from the window's format to one that is converted twice
             picture = makeSurface(120, 90, formats[0]);
             TarnGUI.widgets[0].image = picture.get();
-            // And text that runs out of its pane downwards, over the picture.
-            FreeFont(std::exchange(TarnGUI.font2, makeFont(500, 24, steppedGlyphs(94)).release()));
-            TarnGUI.widgets[0].y = 130;
-            TarnGUI.widgets[1].y = 0;
         }
         koGUIwidget& pane = TarnGUI.widgets[static_cast<std::size_t>(below(3))];
         switch (below(8)) {
@@ -193,6 +189,21 @@ TEST_F(Window, RedrawingThePictureAloneIsRedrawingEverything) {
         ASSERT_EQ(TarnGUI.widgets[0].dirty, 0);
         ASSERT_EQ(quick, drawnAnew()) << i;
     }
+}
+
+TEST_F(Window, TextBelowItsPaneStaysOnThePicture) {
+    FreeFont(std::exchange(TarnGUI.font2, makeFont(500, 24, steppedGlyphs(94)).release()));
+    TarnGUI.widgets[0].y = 130;
+    TarnGUI.widgets[1].y = 0;
+    for (int line = 0; line < 6; ++line) {
+        koGUIwidget_addText(&TarnGUI.widgets[1], "from 22 down to 166, in a pane that ends at 90");
+    }
+    turn();
+    fillAtRandom(picture.get(), 0, picture->h);
+    TarnGUI.widgets[0].dirty = 1;
+    turn();
+    const std::vector<u8> quick = shown();
+    EXPECT_EQ(quick, drawnAnew());
 }
 
 TEST_F(Window, HasNoHolesWhereOthersLayOverIt) {
