@@ -329,7 +329,7 @@ std::optional<std::string> Debugger::answer(std::string_view packet) {
         return query(packet);
     case 'D':
         drop();
-        current = Mode::Running;
+        resume(Mode::Running, {});
         return ok;
     case 'k':
         current = Mode::Killed;

@@ -98,6 +98,15 @@ End runDebugged(gdb::Server& debugger, const HeadlessOptions& options, u64& step
     return end ? *end : finish == gdb::Server::Finish::Killed ? End::killed : End::paused;
 }
 
+/// Whether PC is on the current instruction: it has left it after a failed access and after a delay slot, and
+/// has not come to it where nothing can be fetched.
+bool isOnInstruction() {
+    const auto address = static_cast<u32>(MipsCpu.PC);
+    const std::size_t size = sizeof MipsCpu.opcode;
+    return MipsMemory != nullptr && address <= mainMemorySize - size &&
+           std::memcmp(MipsMemory + address, &MipsCpu.opcode, size) == 0;
+}
+
 void reportEnd(End end, u64 steps) {
     switch (end) {
     case End::stepLimit:
@@ -110,8 +119,9 @@ void reportEnd(End end, u64 steps) {
         std::fprintf(stderr, "tarn-headless: stopped by a signal");
         break;
     case End::paused:
-        std::fprintf(stderr, "tarn-headless: the CPU paused at PC 0x%8.8llx, instruction 0x%8.8x (%s)",
-                     MipsCpu.PC, MipsCpu.opcode, mnemonicOf(MipsCpu.opcode));
+        std::fprintf(stderr, "tarn-headless: the CPU paused at PC 0x%8.8llx, %sinstruction 0x%8.8x (%s)",
+                     MipsCpu.PC, isOnInstruction() ? "" : "last ", MipsCpu.opcode,
+                     mnemonicOf(MipsCpu.opcode));
         break;
     case End::killed:
         std::fprintf(stderr, "tarn-headless: killed by the debugger");
@@ -143,7 +153,8 @@ bool writeVram(const std::string& path) {
 
 bool writeSnapshot(const std::string& prefix) {
     return GSmakeSnapshot(prefix.c_str()) ||
-           reportLostOutput((prefix + "snapNNN.bmp").c_str(), "there is no GS memory, or the file failed");
+           reportLostOutput((prefix + "snapNNN.bmp").c_str(),
+                            Gs.vRam == nullptr ? "there is no GS memory" : std::strerror(errno));
 }
 
 /// Writes every output that is asked for, each whatever becomes of the others; false when one is lost.

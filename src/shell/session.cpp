@@ -73,9 +73,12 @@ void prepareProcess() {
             [[maybe_unused]] const int opened = open("/dev/null", O_RDONLY);
         }
     }
+    // A reader that has gone and a file that may not grow are failures of the write.
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     struct sigaction action {};
     action.sa_handler = noteStopSignal;
+    action.sa_flags = SA_RESTART;  // or standard output would lose what it was writing
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
 }

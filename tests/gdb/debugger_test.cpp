@@ -122,8 +122,10 @@ TEST_F(DebuggerTest, BreakpointsStopARunButNotAStep) {
         reply = ask("Z0," + hex(4 * i) + ",4");
     }
     EXPECT_EQ(reply, "E1c") << "points are bounded";
+    MipsCpu.pause = 1;
     EXPECT_EQ(ask("D"), "OK");
     EXPECT_EQ(debugger.beforeStep(), std::nullopt) << "the breakpoints left with the debugger";
+    EXPECT_EQ(MipsCpu.pause, 0) << "and the machine runs on";
 }
 
 TEST_F(DebuggerTest, WatchpointsStopBeforeTheAccess) {

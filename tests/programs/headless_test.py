@@ -1,9 +1,13 @@
 """The command line of tarn-headless: options, exit statuses, outputs that can and cannot be written."""
 
+import fcntl
+import re
 import signal
 import subprocess
+import termios
+import time
 
-from tarn_programs import BUILD, VRAM_BYTES, ProgramTest
+from tarn_programs import BUILD, VRAM_BYTES, ProgramTest, elf
 
 PROGRAM = BUILD / "tarn-headless"
 
@@ -62,7 +66,7 @@ class HeadlessTest(ProgramTest):
         _, messages = self.run_headless("--steps=99", "--picture=p.bmp", status=1)
         self.assertIn("tarn-headless: cannot write p.bmp: 4 bpp BMP files not supported", messages)
         _, messages = self.run_headless("--steps=99", "--snapshot=missing/", "--dump-vram=vram.bin", status=1)
-        self.assertIn("tarn-headless: cannot write missing/snap", messages)
+        self.assertIn("tarn-headless: cannot write missing/snapNNN.bmp: No such file or directory", messages)
         self.assertEqual(len(self.output_file("vram.bin")), VRAM_BYTES, "the others are whole")
 
     def test_lost_standard_streams(self):
@@ -74,6 +78,40 @@ class HeadlessTest(ProgramTest):
                                         capture_output=True, timeout=60, check=False)
                 self.assertEqual(result.returncode, status, result.stderr)
                 self.assertEqual(set(self.output_file("vram.bin")), {0}, "no text got into the file")
+
+    def test_files_that_may_not_grow(self):
+        command = f"ulimit -f 100; '{PROGRAM}' --steps 99 --registers --dump-vram vram.bin"
+        result = subprocess.run(["bash", "-c", command], cwd=self.directory, capture_output=True, text=True,
+                                check=False)
+        self.assertEqual(result.returncode, 1)
+        self.assertIn("tarn-headless: cannot write vram.bin: File too large", result.stderr)
+        self.assertIn("fp31", result.stdout)
+
+    def test_where_the_processor_paused(self):
+        nor, branch = 0x27, 0x10000003
+        for words, where in (([nor], "PC 0x00100000, instruction 0x00000027 (NOR)"),
+                             ([branch, nor], "PC 0x00100010, last instruction 0x00000027 (NOR)"),
+                             ([0x3C014000, 0x00200008, 0], "PC 0x40000000, last instruction 0x00000000 (SLL)")):
+            with self.subTest(where):
+                self.configure(self.directory / "stops.elf")
+                (self.directory / "stops.elf").write_bytes(elf(words))
+                self.assertIn(f"the CPU paused at {where} after", self.run_headless("--steps", "4", status=3)[1])
+
+    def test_a_signal_while_the_reader_is_slow(self):
+        # lui at, 0x1001; sw zero, -0x7000(at), which is reported; b to the store; nop
+        (self.directory / "talks.elf").write_bytes(elf([0x3C011001, 0xAC209000, 0x1000FFFE, 0]))
+        self.configure(self.directory / "talks.elf")
+        with subprocess.Popen([PROGRAM], cwd=self.directory, stdout=subprocess.PIPE,
+                              stderr=subprocess.DEVNULL) as machine:
+            waiting, before = 0, -1
+            while waiting == 0 or waiting != before:  # until the pipe takes no more
+                time.sleep(0.05)
+                before = waiting
+                waiting = int.from_bytes(fcntl.ioctl(machine.stdout, termios.FIONREAD, bytes(4)), "little")
+            machine.send_signal(signal.SIGINT)
+            reports = re.findall(rb"10009000 h \(i:(\d+)\)", machine.stdout.read())
+        self.assertEqual(machine.returncode, 0)
+        self.assertEqual([int(cycle) for cycle in reports], [2 + 3 * i for i in range(len(reports))])
 
     def test_signals(self):
         for number in signal.SIGINT, signal.SIGTERM:
