@@ -6,6 +6,7 @@ import signal
 import subprocess
 import termios
 import time
+from pathlib import Path
 
 from tarn_programs import BUILD, VRAM_BYTES, ProgramTest, elf
 
@@ -103,12 +104,14 @@ class HeadlessTest(ProgramTest):
         self.configure(self.directory / "talks.elf")
         with subprocess.Popen([PROGRAM], cwd=self.directory, stdout=subprocess.PIPE,
                               stderr=subprocess.DEVNULL) as machine:
-            waiting, before = 0, -1
-            while waiting == 0 or waiting != before:  # until the pipe takes no more
-                time.sleep(0.05)
-                before = waiting
+            def blocked():
                 waiting = int.from_bytes(fcntl.ioctl(machine.stdout, termios.FIONREAD, bytes(4)), "little")
+                state = Path(f"/proc/{machine.pid}/stat").read_text().rpartition(")")[2].split()[0]
+                return waiting > fcntl.fcntl(machine.stdout, fcntl.F_GETPIPE_SZ) - 4096 and state == "S"
+            while not blocked():
+                time.sleep(0.01)
             machine.send_signal(signal.SIGINT)
+            time.sleep(0.2)  # or it finds room again before it notices
             reports = re.findall(rb"10009000 h \(i:(\d+)\)", machine.stdout.read())
         self.assertEqual(machine.returncode, 0)
         self.assertEqual([int(cycle) for cycle in reports], [2 + 3 * i for i in range(len(reports))])
