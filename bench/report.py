@@ -12,6 +12,7 @@ import contextlib
 import json
 import os
 import shutil
+import signal
 import statistics
 import struct
 import subprocess
@@ -83,35 +84,53 @@ class Measurements:
                 self.rates[f"{name}/{loop}"] = turns / statistics.median(times)
 
     def run_programs(self, directory):
-        """Vertical blanks a second of whole programs, without a window and in one."""
+        """Vertical blanks a second of whole programs, without a window and in one, by turns."""
+        if shutil.which("Xvfb") is None:
+            print("Xvfb is not installed (Debian package xvfb): no comparison with the window")
+            return
         write_guest(self.build, directory / "loop.elf", "mixed", "console", ENDLESS)
         for name in PROGRAMS:
             elf = directory / "loop.elf" if name == "loop" else self.build / "guest" / f"{name}.elf"
             run = prepare(directory / name, elf)
-            self.rates[f"program/{name}/headless"] = self.blanks_a_second("tarn-headless", run, os.environ)
-            if shutil.which("Xvfb") is None:
-                print("Xvfb is not installed (Debian package xvfb): no comparison with the window")
-                continue
-            with display() as environment:
-                self.rates[f"program/{name}/window"] = self.blanks_a_second("tarn", run, environment)
+            with display() as environment, Running(self.build / "tarn-headless", run, os.environ) as headless, \
+                    Running(self.build / "tarn", run, environment) as window:
+                headless.settle()
+                window.settle()
+                rates = [(headless.blanks_a_second(), window.blanks_a_second()) for _ in range(self.repetitions)]
+            self.rates[f"program/{name}/headless"] = statistics.median(rate for rate, _ in rates)
+            self.rates[f"program/{name}/window"] = statistics.median(rate for _, rate in rates)
 
-    def blanks_a_second(self, program, directory, environment):
-        binary = self.build / program
-        process = subprocess.Popen([binary], cwd=directory, env=environment, stdin=subprocess.DEVNULL,
-                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        try:
-            blanks = Counter(process.pid, binary, "_ZN4tarn14verticalBlanksE")
-            while blanks.value() < 10:
-                time.sleep(0.01)
-            rates = []
-            for _ in range(self.repetitions):
-                start, before = time.monotonic(), blanks.value()
-                time.sleep(0.5)
-                rates.append((blanks.value() - before) / (time.monotonic() - start))
-            return statistics.median(rates)
-        finally:
-            process.kill()
-            process.wait()
+
+class Running:
+    """A program that runs only while it is measured."""
+
+    def __init__(self, binary, directory, environment):
+        self.process = subprocess.Popen([binary], cwd=directory, env=environment, stdin=subprocess.DEVNULL,
+                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.binary = binary
+        self.blanks = None
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.process.kill()
+        self.process.wait()
+
+    def settle(self):
+        self.blanks = Counter(self.process.pid, self.binary, "_ZN4tarn14verticalBlanksE")
+        while self.blanks.value() < 10:
+            time.sleep(0.01)
+        self.process.send_signal(signal.SIGSTOP)
+
+    def blanks_a_second(self):
+        self.process.send_signal(signal.SIGCONT)
+        time.sleep(0.1)
+        start, before = time.monotonic(), self.blanks.value()
+        time.sleep(0.5)
+        rate = (self.blanks.value() - before) / (time.monotonic() - start)
+        self.process.send_signal(signal.SIGSTOP)
+        return rate
 
 
 class Counter:

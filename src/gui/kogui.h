@@ -84,7 +84,8 @@ struct koGUIwidget {
 };
 
 /// The screen: everything is drawn into `surface`, which is copied to the window as a whole; but where that
-/// is allowed a picture that alone has changed goes straight to the window.
+/// is allowed a picture that alone has changed goes straight to the window, a thousand times a second at
+/// most, and input is taken as often.
 struct koGUIscreen {
     SDL_Surface* surface = nullptr;  ///< owned; as large as the window, 32 bits
     BitmapFont* font1 = nullptr;     ///< owned; titles
@@ -99,7 +100,7 @@ struct koGUIscreen {
     void (*Destroy)(koGUIscreen*) = nullptr;
     void (*IdleProc)() = nullptr;  ///< called once per iteration of the main loop
 
-    u8 quickPicture = 0;           ///< 1: a picture that alone has changed may skip the surface
+    u8 quickPicture = 0;           ///< 1: a picture that alone has changed may skip the surface, and wait
     std::vector<u8> shownPicture;  ///< pixels of pane 0's image that did
 };
 

@@ -4,6 +4,7 @@
 #include "gui/blits.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
@@ -12,6 +13,9 @@ namespace tarn {
 namespace {
 
 constexpr SDL_Color backgroundColour{0, 105, 153, 0};
+
+/// Between two looks at input, and two pictures that nothing comes with; no display shows more of them.
+constexpr std::chrono::milliseconds quickInterval{1};
 
 BitmapFont* loadFontOrExit(const char* path, const char* complaint) {
     BitmapFont* font = LoadFont(path);
@@ -103,7 +107,8 @@ bool onlyPictureChanges(const koGUIscreen* screen, const SDL_Rect& picture) {
 }
 
 /// The redraw of a frame's picture alone, when that is allowed and nothing else has changed; false otherwise.
-bool redrawPicture(koGUIscreen* screen, SDL_Surface* video) {
+/// One that is not due stays dirty.
+bool redrawPicture(koGUIscreen* screen, SDL_Surface* video, bool due) {
     koGUIwidget* pane = &screen->widgets[paneVideoOutput];
     if (screen->quickPicture != 1 || pane->internal_draw != koGUIwidget_image_internal_draw ||
         pane->image == nullptr || pane->state != paneOpen) {
@@ -114,6 +119,9 @@ bool redrawPicture(koGUIscreen* screen, SDL_Surface* video) {
     picture.h = static_cast<Uint16>(pane->image->h);
     if (!onlyPictureChanges(screen, picture)) {
         return false;
+    }
+    if (!due) {
+        return true;
     }
     if (video != nullptr && blitChanges(pane->image, video, &picture, screen->shownPicture)) {
         update(video, picture);
@@ -177,14 +185,22 @@ void koGUI_AddWidget(koGUIscreen* screen, const koGUIwidget* pane) {
 
 void koGUI_MainLoop(koGUIscreen* screen) {
     SDL_Surface* video = SDL_GetVideoSurface();
+    using Clock = std::chrono::steady_clock;
+    Clock::time_point last{};
     bool exposed = false;  // what lay over the window has left a hole in it
     while (screen->running == 1) {
         screen->IdleProc();
-        if (exposed || (anyPaneDirty(screen) && !redrawPicture(screen, video))) {
+        const Clock::time_point now = screen->quickPicture == 1 ? Clock::now() : last + quickInterval;
+        const bool due = now - last >= quickInterval;
+        if (exposed || (anyPaneDirty(screen) && !redrawPicture(screen, video, due))) {
             redraw(screen, video);
         }
-        SDL_Event event;  // the event filter has done what else there is to do
-        exposed = SDL_PollEvent(&event) != 0 && event.type == SDL_VIDEOEXPOSE;
+        exposed = false;
+        if (due) {
+            last = now;
+            SDL_Event event;  // the event filter has done what else there is to do
+            exposed = SDL_PollEvent(&event) != 0 && event.type == SDL_VIDEOEXPOSE;
+        }
     }
 }
 

@@ -5,6 +5,7 @@
 #include "gui/text_sinks.h"
 #include "surfaces.h"
 
+#include <chrono>
 #include <cstdlib>
 #include <random>
 
@@ -202,6 +203,29 @@ TEST_F(Window, TextBelowItsPaneStaysOnThePicture) {
     fillAtRandom(picture.get(), 0, picture->h);
     TarnGUI.widgets[0].dirty = 1;
     turn();
+    const std::vector<u8> quick = shown();
+    EXPECT_EQ(quick, drawnAnew());
+}
+
+TEST_F(Window, PicturesInQuickSuccessionAreShownNowAndThenAndTheLastForSure) {
+    using Clock = std::chrono::steady_clock;
+    static Clock::time_point start;
+    static int drawn, waiting;
+    start = Clock::now();
+    drawn = waiting = 0;
+    TarnGUI.running = 1;
+    TarnGUI.IdleProc = [] {
+        ++(TarnGUI.widgets[0].dirty == 0 ? drawn : waiting);
+        TarnGUI.widgets[0].dirty = 1;
+        TarnGUI.running = Clock::now() - start < std::chrono::milliseconds(20) ? 1 : 2;
+    };
+    koGUI_MainLoop(&TarnGUI);
+    EXPECT_LE(drawn, (Clock::now() - start) / std::chrono::milliseconds(1) + 1);
+    EXPECT_TRUE(drawn > 0 && waiting > 0);
+    fillAtRandom(picture.get(), 0, picture->h);
+    TarnGUI.widgets[0].dirty = TarnGUI.running = 1;
+    TarnGUI.IdleProc = [] { TarnGUI.running = TarnGUI.widgets[0].dirty; };
+    koGUI_MainLoop(&TarnGUI);
     const std::vector<u8> quick = shown();
     EXPECT_EQ(quick, drawnAnew());
 }
