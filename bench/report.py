@@ -43,6 +43,7 @@ class Measurements:
         self.rates = {}
         self.turns = {}  # of a benchmark, a second
         self.seconds = {}  # of one primitive, for those that have it
+        self.runs = {}  # of a benchmark, as it reports them
 
     def ratio(self, name, against):
         """Of two rates in items, or, when either counts none, in whole turns; None where one is not measured."""
@@ -51,16 +52,16 @@ class Measurements:
                 return rates[name] / rates[against]
         return None
 
-    def run_benchmarks(self):
+    def run_benchmarks(self, selection, repetitions):
         result = subprocess.run(
-            [self.build / "bench" / "tarn-bench", f"--benchmark_repetitions={self.repetitions}",
-             "--benchmark_min_time=0.1", "--benchmark_enable_random_interleaving=true", "--benchmark_format=json"],
+            [self.build / "bench" / "tarn-bench", f"--benchmark_filter={selection}",
+             f"--benchmark_repetitions={repetitions}", "--benchmark_min_time=0.1",
+             "--benchmark_enable_random_interleaving=true", "--benchmark_format=json"],
             stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=True)
-        runs = {}
         for entry in json.loads(result.stdout)["benchmarks"]:
             if entry["run_type"] == "iteration":
-                runs.setdefault(entry["run_name"].split("/iterations:")[0], []).append(entry)
-        for name, entries in runs.items():
+                self.runs.setdefault(entry["run_name"].split("/iterations:")[0], []).append(entry)
+        for name, entries in self.runs.items():
             def median(key):
                 return statistics.median(entry[key] for entry in entries)
             self.turns[name] = 1e9 / median("cpu_time")
@@ -69,19 +70,26 @@ class Measurements:
             if "primitive" in entries[0]:
                 self.seconds[name] = median("primitive")
 
-    def run_emulators(self, directory):
-        """Turns of the loops a second in MIPS user-mode emulators."""
+    def run_loops(self, directory):
+        """Turns of the loops a second, here and in MIPS user-mode emulators, by turns."""
+        commands = {}
         for name, (command, interface) in EMULATORS.items():
             if shutil.which(command[0]) is None:
                 print(f"{command[0]} is not installed (Debian package qemu-user): no comparison with it")
                 continue
             for loop in LOOPS:
                 turns = TURNS[loop] * (1 if len(command) > 1 else 10)
-                program = directory / f"{loop}-{interface}"
+                program = directory / f"{loop}-{interface}-{turns}"
                 write_guest(self.build, program, loop, interface, turns)
                 program.chmod(0o755)
-                times = [processor_time([*command, program]) for _ in range(self.repetitions)]
-                self.rates[f"{name}/{loop}"] = turns / statistics.median(times)
+                commands[f"{name}/{loop}"] = turns, [*command, program]
+        times = {name: [] for name in commands}
+        for _ in range(self.repetitions):
+            self.run_benchmarks("^cpu/", 1)
+            for name, (_, command) in commands.items():
+                times[name].append(processor_time(command))
+        for name, (turns, _) in commands.items():
+            self.rates[name] = turns / statistics.median(times[name])
 
     def run_programs(self, directory):
         """Vertical blanks a second of whole programs, without a window and in one, by turns."""
@@ -272,8 +280,8 @@ def main():
     options = parser.parse_args()
     measurements = Measurements(options.build.resolve(), 1 if options.quick else 5)
     with tempfile.TemporaryDirectory(prefix="tarn-bench-") as directory:
-        measurements.run_benchmarks()
-        measurements.run_emulators(Path(directory))
+        measurements.run_benchmarks("-^cpu/", measurements.repetitions)
+        measurements.run_loops(Path(directory))
         measurements.run_programs(Path(directory))
     if options.output:
         options.output.write_text(json.dumps({"rates": measurements.rates, "seconds": measurements.seconds}, indent=1))

@@ -57,6 +57,7 @@ void redraw(benchmark::State& state) {
         PrintToOpcodeOutput("00100000: addiu sp,sp,fff0 to fill the line");
         PrintToRegistersOutput("sp : 0000000081f00000");
     }
+    TarnGUI.quickPicture = 1;  // as with Steps_per_poll
     TarnGUI.IdleProc = [] {
         makeDirty();
         TarnGUI.running = 2;
