@@ -190,8 +190,9 @@ void koGUI_MainLoop(koGUIscreen* screen) {
     bool exposed = false;  // what lay over the window has left a hole in it
     while (screen->running == 1) {
         screen->IdleProc();
-        const Clock::time_point now = screen->quickPicture == 1 ? Clock::now() : last + quickInterval;
-        const bool due = now - last >= quickInterval;
+        const bool quick = screen->quickPicture == 1;
+        const Clock::time_point now = quick ? Clock::now() : last;
+        const bool due = !quick || now - last >= quickInterval;
         if (exposed || (anyPaneDirty(screen) && !redrawPicture(screen, video, due))) {
             redraw(screen, video);
         }
