@@ -71,7 +71,7 @@ class Measurements:
                 self.seconds[name] = median("primitive")
 
     def run_loops(self, directory):
-        """Turns of the loops a second, here and in MIPS user-mode emulators, by turns."""
+        """How often the loops turn a second, here and in MIPS user-mode emulators; each round measures them all."""
         commands = {}
         for name, (command, interface) in EMULATORS.items():
             if shutil.which(command[0]) is None:
