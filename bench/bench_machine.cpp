@@ -4,11 +4,10 @@
 #include "gs/gs.h"
 #include "guest_loops.h"
 #include "gui/kogui.h"
-#include "kernel/ps2_bios.h"
+#include "machine/machine.h"
+#include "machine/settings.h"
 #include "memory/memory.h"
-#include "r5900/mips_cpu.h"
 #include "shell/driver.h"
-#include "shell/settings.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -17,8 +16,7 @@
 namespace tarn::bench {
 
 void startMachine() {
-    MipsCpu = {};
-    Ps2Bios = {};
+    reset(machine);
     Settings = {};
     Driver = {};
     FreeAllMemory();

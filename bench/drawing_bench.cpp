@@ -2,7 +2,7 @@
 // main memory through the GIF. One item is one pixel drawn; the counter gives the time of a primitive.
 #include "bench_machine.h"
 #include "gif_packet.h"
-#include "gs/gs_state.h"
+#include "machine/machine.h"
 
 #include <algorithm>
 #include <array>

@@ -3,7 +3,7 @@
 
 #include "gs/gs.h"
 #include "gs/registers.h"
-#include "memory/areas.h"
+#include "machine/machine.h"
 #include "memory/width_helpers.h"
 
 #include <initializer_list>

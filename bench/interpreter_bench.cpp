@@ -3,8 +3,9 @@
 #include "bench_machine.h"
 #include "guest_code.h"
 #include "guest_loops.h"
+#include "machine/machine.h"
+#include "machine/run_loop.h"
 #include "r5900/interpreter.h"
-#include "r5900/mips_cpu.h"
 #include "shell/driver.h"
 
 #include <benchmark/benchmark.h>

@@ -2,7 +2,7 @@
 #include "bench_machine.h"
 #include "guest_loops.h"
 #include "loader/loader.h"
-#include "memory/areas.h"
+#include "machine/machine.h"
 
 #include <benchmark/benchmark.h>
 #include <cstdio>

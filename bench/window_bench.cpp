@@ -1,9 +1,9 @@
 // Owns the measurements of the window: appending text, and redrawing everything, on SDL's dummy display.
+#include "base/diagnostics.h"
 #include "bench_machine.h"
 #include "gui/kogui.h"
-#include "gui/text_sinks.h"
+#include "machine/settings.h"
 #include "shell/session.h"
-#include "shell/settings.h"
 
 #include <SDL.h>
 #include <benchmark/benchmark.h>

@@ -2,7 +2,7 @@
 // inputs as files, and the taking apart of inputs.
 #pragma once
 
-#include "memory/areas.h"
+#include "machine/machine.h"
 #include "support/machine.h"
 
 #include <algorithm>
@@ -39,6 +39,7 @@ inline void start() {
     }
     test::resetMachine();
     allocateBuffer = guardedPages;
+    freeBuffer = [](void*, std::size_t) {};
     test::allocateMachine();
 }
 
@@ -82,8 +83,8 @@ inline void clearMemory() {
 /// local memory.
 inline void restartRenderer() {
     static void* memory = nullptr;
-    memory = std::exchange(Gs.vRam, nullptr);
-    GSreset();
+    memory = static_cast<u8*>(Gs.vRam);
+    GSreset();  // which frees nothing here
     const auto allocate = std::exchange(allocateBuffer, [](std::size_t) { return memory; });
     GSinit();
     allocateBuffer = allocate;

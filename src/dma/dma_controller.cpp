@@ -1,11 +1,12 @@
 // Owns the DMA controller: the registers of channel 2 (GIF) and channel 5 (SIF0) and what starting them does.
 // A transfer is over before the guest's next instruction, however many steps of the machine it takes.
+#include "base/diagnostics.h"
 #include "dma/dma.h"
 #include "gs/gs.h"
-#include "memory/areas.h"
+#include "machine/devices.h"
+#include "machine/machine.h"
+#include "machine/settings.h"
 #include "memory/width_helpers.h"
-#include "r5900/mips_cpu.h"
-#include "shell/settings.h"
 
 #include <algorithm>
 #include <array>
@@ -72,14 +73,14 @@ void startGif(const DmaChannelRegs& registers) {
     const u32 qwc = static_cast<u32>(registers.qwc);
     if (mode == normalFromMemory) {
         if (Settings.debug_dma == 1) {
-            std::printf("GSgifTransfer 101 : Add:%16.16llx size:%ld\n", registers.madr, long{qwc});
+            printDiagnostic("GSgifTransfer 101 : Add:%16.16llx size:%ld\n", registers.madr, long{qwc});
         }
         if (registers.madr < mainMemorySize && MipsMemory != nullptr) {
             Ps2Bios.gifAddress = static_cast<u32>(registers.madr);
             Ps2Bios.gifQuadwords = std::min(qwc, (mainMemorySize - Ps2Bios.gifAddress) / quadwordBytes);
         }
     } else if (Settings.debug_dma == 1) {
-        std::printf("GSgifTransfer Not Handled : %2.2llx \n", u64{mode});
+        printDiagnostic("GSgifTransfer Not Handled : %2.2llx \n", u64{mode});
     }
     continueGif();
 }
@@ -94,7 +95,7 @@ void startSif0(const DmaChannelRegs& registers) {
 
 void writeChannelRegister(const ChannelRegister& target, u64 value) {
     if (Settings.debug_dma == 1) {
-        std::printf("%s = %llx\n", target.name, value);
+        printDiagnostic("%s = %llx\n", target.name, value);
     }
     DmaChannelRegs& registers = Ps2Bios.dmaChannel[target.channel];
     registers.*target.field = value;
@@ -106,7 +107,7 @@ void writeChannelRegister(const ChannelRegister& target, u64 value) {
 
 void serveWrite(u64 offset, u64 value) {
     if (Settings.debug_dma == 1) {
-        std::printf("%8.8llx:DMA Acces ( write ):1000 %4llx h: ", MipsCpu.PC, offset);
+        printDiagnostic("%8.8llx:DMA Acces ( write ):1000 %4llx h: ", MipsCpu.PC, offset);
     }
     const auto target = std::find_if(channelRegisters.begin(), channelRegisters.end(),
                                      [&](const ChannelRegister& entry) { return entry.offset == offset; });
@@ -114,18 +115,19 @@ void serveWrite(u64 offset, u64 value) {
         writeChannelRegister(*target, value);
     } else if (offset == statusOffset) {
         if (Settings.debug_dma == 1) {
-            std::printf("DMAC Status = %llx NI\n", value);
+            printDiagnostic("DMAC Status = %llx NI\n", value);
         }
     } else {
-        std::printf("DMA Adress Non-Impl.  1000%4llx h (i:%lld) \n", offset, static_cast<s64>(MipsCpu.cycle));
+        printDiagnostic("DMA Adress Non-Impl.  1000%4llx h (i:%lld) \n", offset,
+                        static_cast<s64>(MipsCpu.cycle));
     }
 }
 
 /// Diverts the guest into the handler that it registered for SIF0: its next instruction is the handler's.
 void enterSif0Handler() {
     DmacHandlerSlot& slot = Ps2Bios.dmacHandler[sif0Channel];
-    std::printf("DMA:Sif_0 : Start\n");
-    std::printf("|DmaHandler Add: %8.8llx\n", slot.handlerAddress);
+    printDiagnostic("DMA:Sif_0 : Start\n");
+    printDiagnostic("|DmaHandler Add: %8.8llx\n", slot.handlerAddress);
     slot.savedPc = MipsCpu.PC;
     slot.active = 1;
     MipsCpu.PC = slot.handlerAddress;
@@ -145,8 +147,8 @@ bool serveDmaRequests() {
     Ps2Bios.dmaWritePending = 0;
     if (Ps2Bios.dmaReadPending == 1) {
         if (Settings.debug_dma == 1) {
-            std::printf("%8.8llx:DMA Acces ( read  ):1000 %4llx h: %llx\n", MipsCpu.PC, Ps2Bios.dmaReadOffset,
-                        Ps2Bios.dmaReadValue);
+            printDiagnostic("%8.8llx:DMA Acces ( read  ):1000 %4llx h: %llx\n", MipsCpu.PC,
+                            Ps2Bios.dmaReadOffset, Ps2Bios.dmaReadValue);
         }
         Ps2Bios.dmaReadPending = 0;
     }
@@ -163,14 +165,14 @@ void DmaPrintChannelInfo(u8 channel) {
         return;
     }
     const DmaChannelRegs& registers = Ps2Bios.dmaChannel[channel];
-    std::printf("\nDMA Channel n\xB0 %2.2d\n", channel);  // the degree sign in Latin-1
-    std::printf("Channel Control register: %llx\n", registers.chcr);
-    std::printf("Memory address          : %llx\n", registers.madr);
-    std::printf("Quadra-word counter     : %llx\n", registers.qwc);
-    std::printf("Tag address             : %llx\n", registers.tadr);
-    std::printf("Assembler Reserved 0    : %llx\n", registers.asr0);
-    std::printf("Assembler Reserved 1    : %llx\n", registers.asr1);
-    std::printf("\?\?\?                     : %llx\n", registers.sadr);
+    printDiagnostic("\nDMA Channel n\xB0 %2.2d\n", channel);  // the degree sign in Latin-1
+    printDiagnostic("Channel Control register: %llx\n", registers.chcr);
+    printDiagnostic("Memory address          : %llx\n", registers.madr);
+    printDiagnostic("Quadra-word counter     : %llx\n", registers.qwc);
+    printDiagnostic("Tag address             : %llx\n", registers.tadr);
+    printDiagnostic("Assembler Reserved 0    : %llx\n", registers.asr0);
+    printDiagnostic("Assembler Reserved 1    : %llx\n", registers.asr1);
+    printDiagnostic("\?\?\?                     : %llx\n", registers.sadr);
 }
 
 }  // namespace tarn

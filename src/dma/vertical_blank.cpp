@@ -1,7 +1,7 @@
 // Owns the end of the countdown to a vertical blank.
-#include "dma/dma.h"
+#include "base/diagnostics.h"
 #include "gs/gs.h"
-#include "gui/text_sinks.h"
+#include "machine/devices.h"
 
 namespace tarn {
 namespace {

@@ -43,6 +43,7 @@ class DebugPoints {
     void clear();
 
     bool breaksAt(u64 pc) const;
+    bool empty() const { return breakpoints.empty() && watchpoints.empty(); }
     bool watching() const { return !watchpoints.empty(); }
 
     /// The watchpoint that the access touches, through whichever mirror of the memory it goes.

@@ -4,9 +4,8 @@
 
 #include "gdb/machine.h"
 #include "gdb/packet.h"
-#include "memory/areas.h"
+#include "machine/machine.h"
 #include "r5900/fields.h"
-#include "r5900/mips_cpu.h"
 #include "r5900/tables.h"
 
 #include <algorithm>

@@ -42,6 +42,9 @@ class Debugger {
     /// The debugger asks for the machine to stop. The reply, or nothing when it is stopped already.
     std::optional<std::string> interrupt();
 
+    /// Whether there are breakpoints or watchpoints; otherwise beforeStep() has nothing to say.
+    bool hasPoints() const { return !points.empty(); }
+
     /// To be called before each driver step: the stop reply when a breakpoint or a watchpoint keeps it from
     /// being made.
     std::optional<std::string> beforeStep();

@@ -1,9 +1,8 @@
 // Owns the debugger's view of the machine: registers by number, memory without side effects.
 #include "gdb/machine.h"
 
-#include "memory/areas.h"
+#include "machine/machine.h"
 #include "r5900/fpu_registers.h"
-#include "r5900/mips_cpu.h"
 
 #include <bit>
 

@@ -2,11 +2,10 @@
 // happen.
 #include "gdb/memory_access.h"
 
-#include "memory/areas.h"
+#include "machine/machine.h"
 #include "memory/memory.h"
 #include "r5900/branch.h"
 #include "r5900/fields.h"
-#include "r5900/mips_cpu.h"
 
 namespace tarn::gdb {
 

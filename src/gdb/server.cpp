@@ -1,8 +1,10 @@
-// Owns the debugger's connection and the loop that runs the machine between its packets.
+// The debugger's connection and the loop that runs the machine between its packets.
 #include "gdb/server.h"
 
-#include "r5900/mips_cpu.h"
+#include "machine/machine.h"
+#include "machine/run_loop.h"
 
+#include <algorithm>
 #include <arpa/inet.h>
 #include <array>
 #include <cerrno>
@@ -67,9 +69,9 @@ bool Server::listen(u16 port) {
     return true;
 }
 
-Server::Finish Server::run(const Host& host) {
-    const Finish finish = runUntilFinished(host);
-    if (finish == Finish::Ended) {
+Server::Finish Server::run(const RunLimits& limits, bool (*interrupted)()) {
+    const Finish finish = runUntilFinished(limits, interrupted);
+    if (finish == Finish::LimitReached || finish == Finish::Interrupted) {
         exchange(0);  // it may just have continued the machine
         if (debugger.mode() == Debugger::Mode::Running) {
             reply("W00");  // the debugger waits for a stop: to it the guest has exited
@@ -79,33 +81,40 @@ Server::Finish Server::run(const Host& host) {
     return finish;
 }
 
-Server::Finish Server::runUntilFinished(const Host& host) {
-    u32 stepsToLook = 0;
+Server::Finish Server::runUntilFinished(const RunLimits& limits, bool (*interrupted)()) {
+    u64 nextLook = 0;  // as a number of steps
     for (;;) {
         if (debugger.mode() == Debugger::Mode::Killed) {
             return Finish::Killed;
         }
-        if (host.ended()) {
-            return Finish::Ended;
+        if (interrupted()) {
+            return Finish::Interrupted;
+        }
+        if (limitReached(limits) != RunEnd::None) {
+            return Finish::LimitReached;
         }
         if (debugger.mode() == Debugger::Mode::Stopped) {
             exchange(idleMilliseconds);
             continue;
         }
-        if (stepsToLook == 0) {
-            stepsToLook = stepsPerLook;
+        const u64 now = machine.counters.driverSteps;
+        if (now >= nextLook) {
+            nextLook = now + stepsPerLook;
             exchange(0);
             continue;  // the packets may have changed the mode
         }
-        --stepsToLook;
-        if (const std::optional<std::string> stopped = debugger.beforeStep()) {
+        if (debugger.mode() == Debugger::Mode::Running && !debugger.hasPoints()) {
+            runSteps(std::min(nextLook, limits.steps) - now);
+        } else if (const std::optional<std::string> stopped = debugger.beforeStep()) {
             reply(*stopped);
             continue;
+        } else {
+            while (!driverStep() && !interrupted()) {
+            }
         }
-        host.step();
         if (const std::optional<std::string> stopped = debugger.afterStep()) {
             reply(*stopped);
-        } else if (MipsCpu.pause != 0) {
+        } else if (machineRests()) {
             return Finish::Paused;
         }
     }

@@ -4,8 +4,8 @@
 #include "base/types.h"
 #include "gdb/debugger.h"
 #include "gdb/packet.h"
+#include "machine/run_loop.h"
 
-#include <functional>
 #include <string>
 
 namespace tarn::gdb {
@@ -26,12 +26,6 @@ class Descriptor {
     int number = -1;
 };
 
-/// What the server needs of the program that it debugs for.
-struct Host {
-    std::function<bool()> ended;  ///< true when the run is over, whatever the debugger wants
-    std::function<void()> step;   ///< makes one driver step
-};
-
 /// One debugger at a time, on a port of the loopback interface.
 class Server {
   public:
@@ -41,17 +35,19 @@ class Server {
 
     /// Why run() has returned.
     enum class Finish : u8 {
-        Ended,   ///< the host said that the run is over
-        Killed,  ///< the debugger did
-        Paused,  ///< the CPU paused, and no debugger was attached to look at it
+        LimitReached,
+        Interrupted,  ///< the caller ended the run
+        Killed,       ///< the debugger did
+        Paused,       ///< the CPU paused, and no debugger was attached to look at it
     };
 
-    /// Waits for a debugger and runs the machine as it says. A connection that breaks off changes nothing:
-    /// the machine runs on or stays stopped, and the next debugger takes over.
-    Finish run(const Host& host);
+    /// Waits for a debugger and runs the machine as it says, until a limit is reached or `interrupted`, which
+    /// is asked every few thousand steps, returns true. A connection that breaks off changes nothing: the
+    /// machine runs on or stays stopped, and the next debugger takes over.
+    Finish run(const RunLimits& limits, bool (*interrupted)());
 
   private:
-    Finish runUntilFinished(const Host& host);
+    Finish runUntilFinished(const RunLimits& limits, bool (*interrupted)());
     void exchange(int timeout);
     void acceptDebugger();
     void receive();

@@ -1,6 +1,6 @@
 // Owns the palette conversions: the order of entries and the widening of 16-bit colours.
-#include "gs/gs_state.h"
 #include "gs/transfer.h"
+#include "machine/machine.h"
 
 #include <algorithm>
 

@@ -1,6 +1,7 @@
 // Owns the display: opening and closing it on a host surface, and presenting a frame there.
 #include "gs/display.h"
 
+#include "base/diagnostics.h"
 #include "gs/local_memory.h"
 
 #include <SDL.h>
@@ -41,7 +42,7 @@ int DXopen() {
     }
     GsHost.depth = GsHost.conf.bpp;
     if (GsHost.buffer == nullptr) {
-        std::printf("DXopenError : Create buffer\n");
+        printDiagnostic("DXopenError : Create buffer\n");
     }
     GsHost.DXinit = 1;
     DXupdScrBlit();

@@ -1,7 +1,7 @@
 // Owns the renderer's configuration: read from the configuration file, saved per user.
 #include "base/ini_file.h"
 #include "gs/display.h"
-#include "shell/settings.h"
+#include "machine/settings.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -2,7 +2,7 @@
 // clipped, and draws in the current context; nothing of one call lives on in the next.
 #pragma once
 
-#include "gs/gs_state.h"
+#include "machine/machine.h"
 
 namespace tarn {
 

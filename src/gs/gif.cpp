@@ -3,11 +3,10 @@
 
 #include "base/bits.h"
 #include "gs/gs.h"
-#include "gs/gs_state.h"
 #include "gs/registers.h"
 #include "gs/transfer.h"
 #include "gs/vertex_registers.h"
-#include "memory/areas.h"
+#include "machine/machine.h"
 
 #include <algorithm>
 #include <array>
@@ -145,7 +144,7 @@ void consume(Stream& stream, bool groups24) {
 
 /// The quadwords from `data` to the end of main memory; any number for data that lies elsewhere.
 u64 quadwordsInMainMemory(const u8* data) {
-    const auto begin = reinterpret_cast<std::uintptr_t>(MipsMemory);
+    const auto begin = reinterpret_cast<std::uintptr_t>(MipsMemory.begin());
     const auto offset = reinterpret_cast<std::uintptr_t>(data) - begin;
     const bool inside = MipsMemory != nullptr && offset <= mainMemorySize;
     return inside ? (mainMemorySize - offset) / quadwordBytes : std::numeric_limits<u64>::max();

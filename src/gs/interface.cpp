@@ -1,5 +1,5 @@
 // Owns the renderer's life cycle: identification, local memory, start values, and the plain entry points.
-#include "base/allocation.h"
+#include "base/buffer.h"
 #include "gs/display.h"
 #include "gs/gs.h"
 #include "gs/gs_log.h"
@@ -17,13 +17,12 @@ u32 PS2EgetLibVersion() { return 0x10000; }
 const char* PS2EgetLibName() { return "Gravel-sdl Driver"; }
 
 s32 GSinit() {
-    void* memory = allocateBuffer(localMemoryBytes);
-    if (memory == nullptr) {
+    Buffer memory;
+    if (!memory.allocate(localMemoryBytes)) {
         return -1;
     }
-    GSshutdown();
-    Gs.vRam = static_cast<u8*>(memory);
-    Gs.vRamUL = static_cast<u32*>(memory);
+    Gs.vRam = std::move(memory);
+    Gs.vRamUL = reinterpret_cast<u32*>(static_cast<u8*>(Gs.vRam));
 
     gsSetCtxt(0);
     Gs.gsdspfb = &Gs._gsdspfb[0];
@@ -51,8 +50,7 @@ s32 GSopen(SDL_Surface* display, const char* /*title*/) {
 void GSclose() { DXclose(); }
 
 void GSshutdown() {
-    std::free(Gs.vRam);
-    Gs.vRam = nullptr;
+    Gs.vRam.release();
     Gs.vRamUL = nullptr;
 }
 

@@ -1,7 +1,7 @@
 // Owns the addressing of local memory: one rule, every index wraps at the 4 MB.
 #pragma once
 
-#include "gs/gs_state.h"
+#include "machine/machine.h"
 
 #include <algorithm>
 

@@ -3,7 +3,7 @@
 
 #include "base/bits.h"
 #include "gs/local_memory.h"
-#include "shell/settings.h"
+#include "machine/settings.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // Declares the pixel writers: the alpha test and the store that end a pixel, chosen once per drawing call.
 #pragma once
 
-#include "gs/gs_state.h"
+#include "machine/machine.h"
 
 #include <array>
 

@@ -2,7 +2,7 @@
 // on.
 #pragma once
 
-#include "gs/gs_state.h"
+#include "machine/machine.h"
 
 #include <array>
 

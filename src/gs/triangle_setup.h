@@ -3,7 +3,7 @@
 // Written once for all that any variant carries; coordinates and attributes are 16.16 unless stated.
 #pragma once
 
-#include "gs/gs_state.h"
+#include "machine/machine.h"
 
 #include <algorithm>
 #include <array>

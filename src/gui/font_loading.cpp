@@ -1,4 +1,5 @@
 // Owns fonts as records: loading, glyph markers, settings, recolouring, and the pixel access they need.
+#include "base/diagnostics.h"
 #include "gui/bitmap_font.h"
 
 #include "gui/bmp_file.h"
@@ -135,7 +136,7 @@ BitmapFont* SetFontColor(const BitmapFont* font, u8 red, u8 green, u8 blue) {
         const SurfaceLock sourceLock(source);
         const SurfaceLock copyLock(copy);
         key = keyColour(copy);
-        std::printf("looking...\n");
+        printDiagnostic("looking...\n");
         for (s32 y = 0; y < source->h; ++y) {
             for (s32 x = 0; x < source->w; ++x) {
                 const u32 pixel = GetPixel(source, x, y);
@@ -152,7 +153,7 @@ BitmapFont* SetFontColor(const BitmapFont* font, u8 red, u8 green, u8 blue) {
                                     scaled(colour.b, blue)));
             }
         }
-        std::printf("unlooking...\n");
+        printDiagnostic("unlooking...\n");
     }
     SDL_SetColorKey(copy, SDL_SRCCOLORKEY, key);
     coloured->surface = copy;

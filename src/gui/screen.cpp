@@ -1,4 +1,5 @@
 // Owns the toolkit's screen: its surface and fonts, the table of panes, the main loop.
+#include "base/diagnostics.h"
 #include "gui/kogui.h"
 
 #include "gui/blits.h"
@@ -20,7 +21,7 @@ constexpr std::chrono::milliseconds quickInterval{1};
 BitmapFont* loadFontOrExit(const char* path, const char* complaint) {
     BitmapFont* font = LoadFont(path);
     if (font == nullptr) {
-        std::printf("%s", complaint);
+        printDiagnostic("%s", complaint);
         std::exit(1);
     }
     return font;
@@ -148,7 +149,7 @@ int koGUI_Init(koGUIscreen* screen) {
                                                               0x000000FF, 0x0000FF00, 0x00FF0000, 0xFF000000)
                                        : nullptr;
     if (screen->surface == nullptr) {
-        std::printf("CreateRGBSurface failed: %s\n", SDL_GetError());
+        printDiagnostic("CreateRGBSurface failed: %s\n", SDL_GetError());
         return 0;
     }
     // A surface with an alpha channel would be blended into the window, which costs and rounds; it is opaque.
@@ -206,7 +207,7 @@ void koGUI_MainLoop(koGUIscreen* screen) {
 }
 
 void koGUI_Destroy(koGUIscreen* screen) {
-    std::printf("Destroy koGUI\n");
+    printDiagnostic("Destroy koGUI\n");
     FreeFont(screen->font1);
     FreeFont(screen->font2);
     SDL_FreeSurface(screen->surface);

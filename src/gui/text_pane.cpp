@@ -1,7 +1,7 @@
 // Owns the lines of text panes: the list, appending, scrolling to the newest, drawing.
 #include "gui/kogui.h"
 
-#include "gui/text_sinks.h"
+#include "base/diagnostics.h"
 
 #include <cstdio>
 #include <cstring>
@@ -70,7 +70,7 @@ koGUItextLine* koGUIwidget_addText(koGUIwidget* pane, const char* text) {
 void koGUIwidget_printAllText(const koGUIwidget* pane) {
     for (const koGUItextLine* line = pane->textLines; line != nullptr && line->next != nullptr;
          line = line->next) {
-        std::printf("-%s-\n", line->text);
+        printDiagnostic("-%s-\n", line->text);
     }
 }
 

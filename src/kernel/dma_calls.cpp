@@ -1,9 +1,10 @@
 // Owns the DMA, SIF and GS calls. They reach the devices as a guest would, through the memory map, and run
 // the DMA controller at once so that a write has taken effect when the call returns.
 #include "base/bits.h"
-#include "dma/dma.h"
-#include "kernel/ps2_bios.h"
+#include "base/diagnostics.h"
 #include "kernel/syscalls.h"
+#include "machine/devices.h"
+#include "machine/machine.h"
 #include "memory/memory.h"
 
 #include <cstdio>
@@ -34,7 +35,7 @@ u64 readDoubleword(u64 address) {
 /// a0: channel, a1: guest address of the handler. A channel without a slot registers nothing.
 void SYSCALL_AddDmacHandler() {
     if (logSyscall()) {
-        std::printf("|channel: %2lld, Address: 0x%8.8llx\n", static_cast<s64>(argument0()), argument1());
+        printDiagnostic("|channel: %2lld, Address: 0x%8.8llx\n", static_cast<s64>(argument0()), argument1());
     }
     const u32 channel = static_cast<u32>(argument0());
     if (channel < dmaChannelCount) {
@@ -47,7 +48,7 @@ void SYSCALL_AddDmacHandler() {
 /// held; it is a 32-bit quantity, so channel 15 sign-extends and channels 16-31 have none.
 void SYSCALL__EnableDmac() {
     if (logSyscall()) {
-        std::printf("|Channel: %lld\n", static_cast<s64>(argument0()));
+        printDiagnostic("|Channel: %lld\n", static_cast<s64>(argument0()));
     }
     const u64 status = readDoubleword(dmacStatus);
     DmaUpdate();
@@ -65,7 +66,7 @@ void SYSCALL__EnableDmac() {
 /// a0: the GS interrupt mask, which is also the result.
 void SYSCALL_GsPutIMR() {
     if (logSyscall()) {
-        std::printf("|A0\t= %llx\n", argument0());
+        printDiagnostic("|A0\t= %llx\n", argument0());
     }
     result() = argument0();
     writeDoubleword(gsInterruptMask, argument0());
@@ -76,7 +77,7 @@ void SYSCALL_GsPutIMR() {
 /// this instruction, once in a run. The list itself is not read.
 void SYSCALL_sceSifSetDma() {
     if (logSyscall()) {
-        std::printf("|A0\t= %llx, A1 = %llx \n", argument0(), argument1());
+        printDiagnostic("|A0\t= %llx, A1 = %llx \n", argument0(), argument1());
     }
     if (Ps2Bios.dmacHandler[sif0Channel].active == 0) {
         Ps2Bios.sif0StartRequest = static_cast<u8>(argument1());
@@ -93,7 +94,7 @@ void SYSCALL_sceSifSetDChain() {
     writeDoubleword(sif0Control, argument0());
     DmaUpdate();
     MipsMemoryRead(&MipsCpu.GPR[REG_V0], Width::Doubleword, sif0Control, 0);
-    std::printf("|%llx \n", result());
+    printDiagnostic("|%llx \n", result());
     MipsMemoryWrite({result(), 0}, Width::Doubleword, MipsCpu.GPR[REG_SP].low, -16);
     finishSyscall();
 }
@@ -101,7 +102,7 @@ void SYSCALL_sceSifSetDChain() {
 /// a0: the register, whatever it is.
 void SYSCALL_sceSifGetReg() {
     if (logSyscall()) {
-        std::printf("|a0=%llx\n", argument0());
+        printDiagnostic("|a0=%llx\n", argument0());
     }
     result() = 0x60000;
     finishSyscall();

@@ -1,8 +1,9 @@
 // Owns the calls that only log, the log lines themselves, and the heap, stack and semaphore calls.
 #include "kernel/syscalls.h"
 
-#include "kernel/ps2_bios.h"
-#include "shell/settings.h"
+#include "base/diagnostics.h"
+#include "machine/machine.h"
+#include "machine/settings.h"
 
 #include <cstdio>
 
@@ -10,8 +11,8 @@ namespace tarn {
 
 void SYSCALL_PrintDebugInfo() {
     const u8 number = syscallNumber();
-    std::printf("%8.8llx : %s 0x%x %d \n", MipsCpu.PC, debug_syscall[number], number,
-                static_cast<s8>(number));
+    printDiagnostic("%8.8llx : %s 0x%x %d \n", MipsCpu.PC, debug_syscall[number], number,
+                    static_cast<s8>(number));
 }
 
 bool logSyscall() {
@@ -34,15 +35,15 @@ void passSyscall() {
 
 void passPuzzlingSyscall() {
     if (logSyscall()) {
-        std::printf("|\?\?\?\n");
+        printDiagnostic("|\?\?\?\n");
     }
     finishSyscall();
 }
 
 void SYSCALL_NI() {
     const u8 number = syscallNumber();
-    std::printf("%8.8llx : Syscall_NI ( %x h) s8:%d u8:%d\n", MipsCpu.PC, number, static_cast<s8>(number),
-                number);
+    printDiagnostic("%8.8llx : Syscall_NI ( %x h) s8:%d u8:%d\n", MipsCpu.PC, number, static_cast<s8>(number),
+                    number);
     MipsCpu.pause = 1;
 }
 

@@ -4,7 +4,7 @@
 #include "base/types.h"
 #include "kernel/syscall_list.h"
 #include "kernel/syscall_table.h"
-#include "r5900/mips_cpu.h"
+#include "machine/machine.h"
 
 namespace tarn {
 

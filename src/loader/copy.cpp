@@ -1,9 +1,8 @@
 // Owns the reading of the ELF header tables and the copying of the program and the BIOS image into memory.
 // Nothing that the headers say is trusted: work and memory are bounded by the files and the areas.
-#include "gui/text_sinks.h"
+#include "base/diagnostics.h"
 #include "loader/loader.h"
-#include "memory/areas.h"
-#include "r5900/mips_cpu.h"
+#include "machine/machine.h"
 
 #include <algorithm>
 #include <span>

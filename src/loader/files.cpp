@@ -1,5 +1,5 @@
 // Owns the opening and closing of the program's and the BIOS's file.
-#include "gui/text_sinks.h"
+#include "base/diagnostics.h"
 #include "loader/loader.h"
 
 #include <cerrno>

@@ -1,25 +1,17 @@
 // Owns the allocation and the release of the four memory areas.
-#include "base/allocation.h"
+#include "base/buffer.h"
 
-#include "gui/text_sinks.h"
-#include "memory/areas.h"
+#include "base/diagnostics.h"
+#include "machine/machine.h"
 #include "memory/memory.h"
-
-#include <cstdlib>
 
 namespace tarn {
 namespace {
 
-void release(u8*& area) {
-    std::free(area);
-    area = nullptr;
-}
-
-u8 allocate(u8*& area, u32 size, const char* success, const char* failure) {
-    release(area);
-    area = static_cast<u8*>(allocateBuffer(size));
-    PrintToEmuOutput(area != nullptr ? success : failure);
-    return area != nullptr ? 1 : 0;
+u8 allocate(Buffer& area, u32 size, const char* success, const char* failure) {
+    const bool allocated = area.allocate(size);
+    PrintToEmuOutput(allocated ? success : failure);
+    return allocated ? 1 : 0;
 }
 
 }  // namespace
@@ -45,10 +37,7 @@ u8 MipsBiosMemoryAlloc() {
 }
 
 void FreeAllMemory() {
-    release(MipsMemory);
-    release(SpecialAreaMemory);
-    release(GSAreaMemory);
-    release(BiosMemory);
+    machine.memory = {};
     PrintToEmuOutput("FreeMemory: Main - SpecialArea - GS Register - Bios");
 }
 

@@ -1,12 +1,11 @@
 // Owns the accesses to the special I/O area, the GS registers and the BIOS image.
 #include "memory/area_handlers.h"
 
+#include "base/diagnostics.h"
 #include "gs/gs.h"
-#include "kernel/ps2_bios.h"
-#include "memory/areas.h"
+#include "machine/machine.h"
+#include "machine/settings.h"
 #include "memory/memory.h"
-#include "r5900/mips_cpu.h"
-#include "shell/settings.h"
 
 #include <cstdio>
 
@@ -19,7 +18,7 @@ bool holds(const u8* area, u32 size, u32 at, Width width) {
 }
 
 void refuse(const char* message) {
-    std::fputs(message, stdout);
+    printDiagnostic("%s", message);
     MipsCpu.pause = 1;
 }
 
@@ -59,14 +58,14 @@ void MipsGSAreaMemWrite(u8*, GuestValue value, Width width, u64 base, s32 offset
     const u32 address = guestAddress(base, offset);
     if (width == Width::Doubleword) {
         if (Settings.debug_gs == 1) {
-            std::printf("%8.8llx: GSwrite64 at %lx with %llx\n", MipsCpu.PC,
-                        static_cast<unsigned long>(address), value.low);
+            printDiagnostic("%8.8llx: GSwrite64 at %lx with %llx\n", MipsCpu.PC,
+                            static_cast<unsigned long>(address), value.low);
         }
         GSwrite64(address, value.low);
     } else if (width == Width::Word) {
         if (Settings.debug_gs == 1) {
-            std::printf("%8.8llx: GSwrite32 at %lx with %llx\n", MipsCpu.PC,
-                        static_cast<unsigned long>(address), value.low);
+            printDiagnostic("%8.8llx: GSwrite32 at %lx with %llx\n", MipsCpu.PC,
+                            static_cast<unsigned long>(address), value.low);
         }
         GSwrite32(address, static_cast<u32>(value.low));
     } else {
@@ -79,7 +78,7 @@ void MipsGSAreaMemRead(const u8*, GuestValue* destination, Width width, u64 base
     const u64 address = base + static_cast<u64>(s64{offset});
     const auto trace = [&](const char* name) {
         if (Settings.debug_gs == 1) {
-            std::printf("%8.8llx: %s at %llx with %llx\n", MipsCpu.PC, name, address, destination->low);
+            printDiagnostic("%8.8llx: %s at %llx with %llx\n", MipsCpu.PC, name, address, destination->low);
         }
     };
     if (width == Width::Doubleword) {

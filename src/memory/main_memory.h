@@ -2,7 +2,7 @@
 #pragma once
 
 #include "base/types.h"
-#include "memory/areas.h"
+#include "machine/machine.h"
 
 #include <algorithm>
 

@@ -2,9 +2,9 @@
 // serves.
 #include "memory/memory.h"
 
-#include "gui/text_sinks.h"
+#include "base/diagnostics.h"
+#include "machine/machine.h"
 #include "memory/area_handlers.h"
-#include "r5900/mips_cpu.h"
 
 #include <cstdio>
 
@@ -51,9 +51,9 @@ void readOutsideMainMemory(GuestValue* destination, Width width, u64 base, s32 o
         MipsBiosAreaMemRead(BiosMemory, destination, width, base, offset);
     } else {
         if (isUnknownWidth<Access::Load>(address, width)) {
-            std::printf("Mem:Read DataType Not Handled\n");
+            printDiagnostic("Mem:Read DataType Not Handled\n");
         } else {
-            std::printf("Mem:Read:NEED SPECIAL HANDLE ADD :  %llx\n", u64{foldKernelSegment(address)});
+            printDiagnostic("Mem:Read:NEED SPECIAL HANDLE ADD :  %llx\n", u64{foldKernelSegment(address)});
         }
         MipsCpu.pause = 1;
     }

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "base/types.h"
-#include "memory/areas.h"
+#include "machine/machine.h"
 #include "memory/main_memory.h"
 #include "memory/width.h"
 #include "memory/width_helpers.h"

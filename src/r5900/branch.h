@@ -1,6 +1,7 @@
 // Owns the branches and jumps, and the delay slot that each of them has.
 #pragma once
 
+#include "base/diagnostics.h"
 #include "r5900/fpu_registers.h"
 #include "r5900/interpreter.h"
 #include "r5900/registers.h"
@@ -108,7 +109,7 @@ inline void branchOnCondition(const char* format, const char* message) {
     traceBranchIfOn<FpuBranchFields>(format);
     const auto fields = FpuBranchFields::from(MipsCpu.opcode);
     if (fields.ccb != 0) [[unlikely]] {
-        std::fputs(message, stdout);
+        printDiagnostic("%s", message);
         MipsCpu.pause = 1;
         return;
     }

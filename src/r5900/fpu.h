@@ -1,6 +1,7 @@
 // Owns the single-precision instructions: arithmetic, moves, conversions and comparisons.
 #pragma once
 
+#include "base/diagnostics.h"
 #include "r5900/fpu_registers.h"
 #include "r5900/handler.h"
 #include "r5900/registers.h"
@@ -101,7 +102,7 @@ inline void CVT_S() { straight<FpuFields, CVT_S, traceUnary>("cvt_s\t%s,%s"); }
 /// There is only condition code 0: others pause, after the instruction.
 inline void compare(FpuCompareFields f, bool holds, const char* message) {
     if (f.cc != 0) [[unlikely]] {
-        std::fputs(message, stdout);
+        printDiagnostic("%s", message);
         MipsCpu.pause = 1;
         return;
     }

@@ -2,7 +2,7 @@
 // and the condition bit.
 #pragma once
 
-#include "r5900/mips_cpu.h"
+#include "machine/machine.h"
 
 namespace tarn::r5900 {
 

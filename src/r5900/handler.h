@@ -5,7 +5,7 @@
 // without arguments is the handler that the tables hold: decoding, trace line, semantics, PC.
 #pragma once
 
-#include "r5900/mips_cpu.h"
+#include "machine/machine.h"
 #include "r5900/trace.h"
 
 namespace tarn::r5900 {

@@ -2,6 +2,7 @@
 // comparisons, conditional moves and shifts.
 #pragma once
 
+#include "base/diagnostics.h"
 #include "r5900/handler.h"
 #include "r5900/registers.h"
 
@@ -45,7 +46,7 @@ inline void DADDIU() { straight<ImmediateFields, DADDIU>("daddiu %s,%s,%4llx"); 
 /// Writes the exact sum or difference of two words, or says that it overflowed and leaves rd as it is.
 inline void setCheckedWord(Gpr rd, s64 exact, const char* message) {
     if (exact != signedWord(static_cast<u64>(exact))) {
-        std::fputs(message, stdout);
+        printDiagnostic("%s", message);
         return;
     }
     setWord(rd, static_cast<u64>(exact));
@@ -92,7 +93,7 @@ inline void DSUBU(RegisterFields f) {
     const u64 subtrahend = gpr(f.rt);
     const u64 difference = minuend - subtrahend;
     if (((minuend ^ subtrahend) & (minuend ^ difference)) >> 63 != 0) {
-        std::fputs("dsubu Integer Overflow\n", stdout);
+        printDiagnostic("%s", "dsubu Integer Overflow\n");
     }
     setDoubleword(f.rd, difference);
 }

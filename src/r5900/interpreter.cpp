@@ -1,8 +1,7 @@
 // Owns the step: fetch and dispatch of one instruction, and its trace.
 #include "r5900/interpreter.h"
 
-#include "memory/areas.h"
-#include "r5900/mips_cpu.h"
+#include "machine/machine.h"
 #include "r5900/tables.h"
 #include "r5900/trace.h"
 

@@ -2,12 +2,9 @@
 #pragma once
 
 #include "base/types.h"
+#include "machine/processor.h"
 
 namespace tarn {
-
-/// Executes one instruction at PC, and its delay slot when it is a taken branch or a jump.
-/// What is not implemented sets `pause` and leaves PC on the instruction.
-void MipsUpdateCpu();
 
 /// The mnemonic of an instruction word as the tables name it ("ADDIU", "C_EQ_S", "NI").
 const char* mnemonicOf(u32 word);

@@ -6,7 +6,7 @@
 #pragma once
 
 #include "base/types.h"
-#include "memory/areas.h"
+#include "machine/machine.h"
 
 #include <array>
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "base/bits.h"
+#include "machine/machine.h"
 #include "r5900/fields.h"
-#include "r5900/mips_cpu.h"
 
 #include <cstddef>
 

@@ -3,7 +3,7 @@
 //
 // Straight-line code, branches and accesses to main memory are done here. A step that does anything else (a
 // device, a kernel call, a stop) is done by MipsUpdateCpu, and ends the run.
-#include "r5900/runner.h"
+#include "machine/processor.h"
 
 #include "r5900/branch.h"
 #include "r5900/fpu.h"

@@ -1,9 +1,9 @@
 // Owns the text of the instruction trace.
 #include "r5900/trace.h"
 
-#include "gui/text_sinks.h"
+#include "base/diagnostics.h"
+#include "machine/machine.h"
 #include "r5900/interpreter.h"
-#include "r5900/mips_cpu.h"
 #include "r5900/register_names.h"
 #include "r5900/registers.h"
 

@@ -2,16 +2,12 @@
 #pragma once
 
 #include "base/types.h"
+#include "machine/settings.h"
 #include "r5900/fields.h"
-#include "shell/settings.h"
 
 #include <array>
 
 namespace tarn {
-
-/// The trace line of the last instruction that wrote one. Instructions that write none leave it, and it is
-/// shown again.
-inline std::array<char, 100> debugTempText{};
 
 /// One line of the register dump.
 inline std::array<char, 100> debugTempOpcodeText{};

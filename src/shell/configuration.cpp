@@ -1,8 +1,8 @@
 // Owns the reading of ./tarn.ini into the settings.
 #include "base/ini_file.h"
+#include "machine/settings.h"
 #include "shell/configuration_check.h"
 #include "shell/driver.h"
-#include "shell/settings.h"
 
 #include <algorithm>
 #include <cstdio>

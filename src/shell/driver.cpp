@@ -1,17 +1,14 @@
-// Owns the three state machines: start-up, run and shut-down, one step a call.
+// The three state machines: start-up, run and shut-down, one step a call.
 #include "shell/driver.h"
 
-#include "dma/dma.h"
+#include "base/diagnostics.h"
 #include "gs/gs.h"
-#include "gui/text_sinks.h"
-#include "kernel/ps2_bios.h"
 #include "loader/loader.h"
+#include "machine/machine.h"
+#include "machine/run_loop.h"
+#include "machine/settings.h"
 #include "memory/memory.h"
-#include "r5900/interpreter.h"
-#include "r5900/mips_cpu.h"
-#include "r5900/runner.h"
 #include "shell/session.h"
-#include "shell/settings.h"
 
 #include <algorithm>
 
@@ -23,14 +20,6 @@ constexpr int releaseYear = 2002;
 constexpr const char* buildDate = "20021004";
 
 constexpr u8 mainLoopEnds = 2;  // any value of `running` but 1
-
-// What the guest finds in its registers. The pointers are zero-extended: meant.
-constexpr u64 globalPointer = 0x81F80000;
-constexpr u64 stackPointer = 0x81F00000;
-constexpr unsigned cp0Status = 12;
-constexpr unsigned cp0PRId = 15;
-constexpr u64 startStatus = 0x10900001;
-constexpr u64 processorId = 0x2E20;
 
 void countFailure(u8 succeeded) { Driver.IsInitOK += succeeded != 0 ? 0 : 1; }
 
@@ -55,17 +44,6 @@ void openRenderer() {
     }
 }
 
-void setStartState() {
-    Ps2Bios.vsyncCountdown = vsyncPeriod;
-    Ps2Bios.semaInUse = 0;
-    MipsCpu.GPR[REG_GP].low = globalPointer;
-    MipsCpu.GPR[REG_SP].low = stackPointer;
-    MipsCpu.CP0[cp0Status][0] = startStatus;
-    MipsCpu.CP0[cp0PRId][0] = processorId;
-    MipsCpu.cycle = 0;
-    MipsCpu.PC = MipsCpu.entry;
-}
-
 /// SIGINT and SIGTERM shut the machine down as Escape does. True when one has come.
 bool shutDownOnSignal() {
     if (stopRequested()) {
@@ -82,6 +60,7 @@ void koGUI_TarnInitProc() {
     }
     switch (Driver.tarnInitState++) {
     case 0:
+        reset(machine);
         PrintfToEmuOutput("%s %d.%d (%d), build %s", programName, versionMajor, versionMinor, releaseYear,
                           buildDate);
         Driver.IsInitOK = 0;
@@ -116,7 +95,7 @@ void koGUI_TarnInitProc() {
         openRenderer();
         break;
     case 10:
-        setStartState();
+        setStartState(machine, MipsCpu.entry);
         break;
     case 11:
         TarnGUI.IdleProc = koGUI_TarnProc;
@@ -126,40 +105,6 @@ void koGUI_TarnInitProc() {
     default:
         break;
     }
-}
-
-bool machineRests() { return MipsCpu.pause != 0 && !gifTransferGoesOn(); }
-
-bool driverStep() {
-    if (machineRests()) {
-        return true;
-    }
-    if (!gifTransferGoesOn()) [[likely]] {
-        MipsUpdateCpu();
-    }
-    if (!DmaUpdate()) {
-        return false;
-    }
-    GSUpdate();
-    return true;
-}
-
-u64 runSteps(u64 limit) {
-    paneChanged = false;
-    u64 steps = 0;
-    while (steps < limit && !machineRests() && !paneChanged) {
-        u64 run = 1;
-        if (!gifTransferGoesOn()) {
-            run = MipsRun(std::min(limit - steps, quietSteps() + 1));
-            passQuietSteps(run - 1);
-        }
-        if (!DmaUpdate()) {
-            return steps + run - 1;
-        }
-        GSUpdate();
-        steps += run;
-    }
-    return steps;
 }
 
 void koGUI_TarnProc() {

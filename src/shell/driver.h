@@ -1,4 +1,4 @@
-// Declares the emulation driver: the configuration and the three state machines that the main loop calls.
+// The emulation driver: the configuration and the three state machines that the main loop calls.
 #pragma once
 
 #include "base/types.h"
@@ -24,17 +24,5 @@ int TarnLoadConfig();
 void koGUI_TarnInitProc();
 void koGUI_TarnProc();
 void koGUI_TarnEndingProc();
-
-/// Whether driver steps do nothing: the CPU is paused, and the step in which that happened is over.
-bool machineRests();
-
-/// One driver step: an instruction, the DMA controller, vertical-blank pacing; nothing while the machine
-/// rests. False when the step is not over: a transfer to the GIF is too long for the time that one call may
-/// take, and the next call goes on with it.
-bool driverStep();
-
-/// Up to `limit` driver steps, ending early after the one in which the CPU pauses or a pane changes, and
-/// within one whose transfer to the GIF goes on. Returns how many were completed.
-u64 runSteps(u64 limit);
 
 }  // namespace tarn

@@ -2,9 +2,9 @@
 #include "shell/event_filter.h"
 
 #include "gui/kogui.h"
-#include "r5900/mips_cpu.h"
+#include "machine/machine.h"
+#include "machine/settings.h"
 #include "shell/driver.h"
-#include "shell/settings.h"
 
 #include <algorithm>
 #include <cstdio>

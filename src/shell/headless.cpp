@@ -1,17 +1,16 @@
-// Owns a run without a window: where its text goes, when it ends, what it leaves behind.
+// A run without a window: where its text goes, when it ends, what it leaves behind.
 #include "shell/headless.h"
 
-#include "dma/dma.h"
 #include "gdb/server.h"
 #include "gs/gs.h"
-#include "gs/gs_state.h"
+#include "machine/machine.h"
+#include "machine/run_loop.h"
+#include "machine/settings.h"
 #include "r5900/interpreter.h"
-#include "r5900/mips_cpu.h"
 #include "shell/driver.h"
 #include "shell/output_files.h"
 #include "shell/progress_line.h"
 #include "shell/session.h"
-#include "shell/settings.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -22,8 +21,6 @@ namespace tarn {
 namespace {
 
 enum class End { stepLimit, frameLimit, signal, paused, killed, startFailed };
-
-constexpr u64 stepsPerCheck = 1 << 14;  // signals are noticed at least this often
 
 OutputFile traceFile;
 ProgressLine progress;
@@ -53,49 +50,43 @@ bool start() {
     return TarnGUI.running == 1;
 }
 
-/// What ends the run now, if anything does.
-std::optional<End> endReached(const HeadlessOptions& options, u64 steps, bool pauseEnds) {
-    if (stopRequested()) {
-        return End::signal;
-    }
-    if (pauseEnds && machineRests()) {
-        return End::paused;
-    }
-    if (options.frames && verticalBlanks >= *options.frames) {
-        return End::frameLimit;
-    }
-    if (options.steps && steps >= *options.steps) {
-        return End::stepLimit;
-    }
-    return std::nullopt;
+RunLimits limitsOf(const HeadlessOptions& options) {
+    const RunLimits none;
+    return {options.steps.value_or(none.steps), options.frames.value_or(none.verticalBlanks)};
 }
 
-/// Runs the machine until something ends the run.
-End run(const HeadlessOptions& options, u64& steps) {
-    const u64 stepLimit = options.steps.value_or(~u64{0});
-    for (;;) {
-        if (const std::optional<End> end = endReached(options, steps, true)) {
-            return *end;
-        }
-        steps += runSteps(std::min(stepLimit - steps, stepsPerCheck));
-        progress.update(steps, verticalBlanks);
+/// Shows how far the run has come; true when a signal ends it.
+bool lookAround() {
+    progress.update(machine.counters.driverSteps, machine.counters.verticalBlanks);
+    return stopRequested();
+}
+
+End endOf(RunEnd end) {
+    switch (end) {
+    case RunEnd::StepLimit:
+        return End::stepLimit;
+    case RunEnd::FrameLimit:
+        return End::frameLimit;
+    case RunEnd::Interrupted:
+        return End::signal;
+    default:
+        return End::paused;
     }
 }
 
 /// Runs the machine as a debugger says; limits and signals end the run all the same.
-End runDebugged(gdb::Server& debugger, const HeadlessOptions& options, u64& steps) {
-    std::optional<End> end;
-    const auto ended = [&] {
-        end = endReached(options, steps, false);
-        return end.has_value();
-    };
-    const auto step = [&] {
-        while (!driverStep() && !stopRequested()) {
-        }
-        ++steps;
-    };
-    const gdb::Server::Finish finish = debugger.run({ended, step});
-    return end ? *end : finish == gdb::Server::Finish::Killed ? End::killed : End::paused;
+End runDebugged(gdb::Server& debugger, const RunLimits& limits) {
+    using Finish = gdb::Server::Finish;
+    switch (debugger.run(limits, stopRequested)) {
+    case Finish::Killed:
+        return End::killed;
+    case Finish::Interrupted:
+        return End::signal;
+    case Finish::LimitReached:
+        return endOf(limitReached(limits));
+    default:
+        return End::paused;
+    }
 }
 
 /// Whether PC is on the current instruction: it has left it after a failed access and after a delay slot, and
@@ -107,7 +98,7 @@ bool isOnInstruction() {
            std::memcmp(MipsMemory + address, &MipsCpu.opcode, size) == 0;
 }
 
-void reportEnd(End end, u64 steps) {
+void reportEnd(End end) {
     switch (end) {
     case End::stepLimit:
         std::fprintf(stderr, "tarn-headless: step limit reached");
@@ -130,7 +121,8 @@ void reportEnd(End end, u64 steps) {
         std::fprintf(stderr, "tarn-headless: start-up failed\n");
         return;
     }
-    std::fprintf(stderr, " after %llu steps and %llu vertical blanks\n", steps, verticalBlanks);
+    std::fprintf(stderr, " after %llu steps and %llu vertical blanks\n", machine.counters.driverSteps,
+                 machine.counters.verticalBlanks);
 }
 
 int exitStatus(End end) {
@@ -148,7 +140,7 @@ bool writeVram(const std::string& path) {
     if (Gs.vRam == nullptr) {
         return reportLostOutput(path.c_str(), "there is no GS memory");
     }
-    return writeBytes(path, {Gs.vRam, localMemoryBytes});
+    return writeBytes(path, Gs.vRam);
 }
 
 bool writeSnapshot(const std::string& prefix) {
@@ -193,14 +185,14 @@ int runHeadless(const HeadlessOptions& options) {
     addPanes(passOnText);
     Driver.farewell = 0;
 
-    u64 steps = 0;
     End end = End::startFailed;
     gdb::Server debugger;
     if ((!options.gdbPort || debugger.listen(*options.gdbPort)) && start()) {
-        end = options.gdbPort ? runDebugged(debugger, options, steps) : run(options, steps);
+        const RunLimits limits = limitsOf(options);
+        end = options.gdbPort ? runDebugged(debugger, limits) : endOf(runUntil(limits, lookAround));
     }
     progress.clear();
-    reportEnd(end, steps);
+    reportEnd(end);
     const bool complete = writeOutputs(options);
     while (TarnGUI.running == 1) {
         koGUI_TarnEndingProc();

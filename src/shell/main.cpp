@@ -1,8 +1,8 @@
 // The window application. It reads no arguments; its exit status is 1 whatever happens.
+#include "machine/settings.h"
 #include "shell/driver.h"
 #include "shell/event_filter.h"
 #include "shell/session.h"
-#include "shell/settings.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,7 +1,8 @@
 // Owns what both programs set up around the machine.
 #include "shell/session.h"
 
-#include "shell/settings.h"
+#include "gui/pane_sinks.h"
+#include "machine/settings.h"
 
 #include <csignal>
 #include <cstdio>
@@ -47,6 +48,7 @@ void freeMainScreen() {
 }
 
 void addPanes(AddTextOperation addText) {
+    connectPanes();
     const u32 width = Settings.koGUI_MainScreenW;
     const u32 height = Settings.koGUI_MainScreenH;
     const s32 below = static_cast<s32>(height) + 42;

@@ -1,5 +1,7 @@
 // The DMA controller's registers and starts.
+#include "dma/dma.h"
 #include "gs/registers.h"
+#include "machine/devices.h"
 #include "support/gs_machine.h"
 #include "support/machine_test.h"
 

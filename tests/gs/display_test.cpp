@@ -2,7 +2,7 @@
 #include "gs/display.h"
 
 #include "gs/local_memory.h"
-#include "shell/settings.h"
+#include "machine/settings.h"
 #include "support/gs_machine.h"
 #include "support/machine_test.h"
 #include "support/run_directory.h"

@@ -2,8 +2,8 @@
 // into a memory of its own. It shares only the register record with what it checks.
 #pragma once
 
-#include "gs/gs_state.h"
-#include "shell/settings.h"
+#include "machine/machine.h"
+#include "machine/settings.h"
 
 #include <algorithm>
 #include <array>

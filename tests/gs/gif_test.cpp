@@ -1,6 +1,6 @@
 // Tests the GIF parser: the three forms of data, streams cut anywhere, and the bounds of a walk.
 #include "gs/local_memory.h"
-#include "memory/areas.h"
+#include "machine/machine.h"
 #include "support/gs_machine.h"
 
 #include <algorithm>
@@ -209,8 +209,7 @@ TEST_F(Gif, UncountedTransfersEndWithAPacketMarkedSo) {
 }
 
 TEST_F(Gif, UncountedTransfersEndWithMainMemory) {
-    MipsMemory = static_cast<u8*>(std::malloc(mainMemorySize));  // its end is guarded by the sanitizer
-    ASSERT_NE(MipsMemory, nullptr);
+    ASSERT_TRUE(MipsMemory.allocate(mainMemorySize));  // its end is guarded by the sanitizer
     const GifStream open = GifStream().tag(GifStream::image, 32767, 1, 0).quadword(1, 2).quadword(3, 4);
     u8* start = MipsMemory + mainMemorySize - 3 * 16;
     std::memcpy(start, open.at(0), 3 * 16);
@@ -219,7 +218,7 @@ TEST_F(Gif, UncountedTransfersEndWithMainMemory) {
     EXPECT_EQ(Gs.gifMode, GifMode::Image);
     GSgifTransfer2(MipsMemory + mainMemorySize - 5);  // less than a quadword
     EXPECT_EQ(Gs.gtag.nloop, 32765u);
-    std::free(std::exchange(MipsMemory, nullptr));
+    MipsMemory.release();
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 // Holds the quick ways of drawing against the plain ones, pixel by pixel: blits against SDL's, an adapted
 // font against the one it is made from, the redraw of the picture alone against that of everything.
+#include "base/diagnostics.h"
 #include "gui/blits.h"
 #include "gui/kogui.h"
-#include "gui/text_sinks.h"
 #include "surfaces.h"
 
 #include <chrono>

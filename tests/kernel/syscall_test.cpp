@@ -1,5 +1,6 @@
 // The system call table, held against an independent picture of it, and each call's work and words.
 #include "kernel/syscalls.h"
+#include "machine/devices.h"
 #include "support/machine_test.h"
 
 #include <set>

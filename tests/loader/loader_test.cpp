@@ -155,7 +155,7 @@ TEST_F(LoaderTest, BiosImagesOfAnyLengthFillAtMostTheirArea) {
         BiosOpenFile("bios");
         CopyBiosToMemory();
         EXPECT_EQ(emuOutput().back(), "Init:Copy BIOS To Memory:...Done");
-        EXPECT_EQ(std::count(BiosMemory, BiosMemory + biosMemorySize, 'b'), std::min(length, biosMemorySize));
+        EXPECT_EQ(std::count(BiosMemory.begin(), BiosMemory.end(), 'b'), std::min(length, biosMemorySize));
     }
 }
 

@@ -1,5 +1,6 @@
 // Where loads and stores go: every boundary of every range at each width, and the words of what is refused;
 // the GS trace, and the allocation of the areas.
+#include "machine/devices.h"
 #include "support/machine_test.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 // Holds the runner against plain steps, to the last word: random programs are run in both ways from the same
 // state, by turns, and everything that a guest or a user can see must agree whenever a run ends. TARN_CASE=N
 // runs case N alone; TARN_CASES=N sets how many there are.
-#include "gs/gs_state.h"
-#include "gui/text_sinks.h"
+#include "base/diagnostics.h"
+#include "machine/machine.h"
 #include "r5900/instruction.h"
 #include "r5900/tables.h"
 #include "shell/driver.h"
@@ -202,7 +202,7 @@ class Machine {
     void start(u32 number, const Records& startState) {
         program = Case(number);
         madvise(memory, mainMemorySize, MADV_DONTNEED);  // zero again, at little cost
-        specialArea.fill(0);
+        specialArea.allocate(specialAreaSize);
         records = startState;
         exchange(records);
         program.build(memory);
@@ -211,8 +211,8 @@ class Machine {
 
     /// Makes a run, of which standard output receives what it prints.
     void run() {
-        MipsMemory = memory;
-        SpecialAreaMemory = specialArea.data();
+        Buffer mainMemory = std::exchange(MipsMemory, Buffer::adopting(memory, mainMemorySize));
+        std::swap(SpecialAreaMemory, specialArea);
         exchange(records);
         if (MipsCpu.pause != 0 && program.skipsPause()) {
             MipsCpu.PC += 4;
@@ -222,6 +222,9 @@ class Machine {
         steps = runSteps(program.nextLimit());
         lines = paneLines(paneEmuOutput);
         exchange(records);
+        std::swap(SpecialAreaMemory, specialArea);
+        MipsMemory.giveUp();
+        MipsMemory = std::move(mainMemory);
     }
 
     bool showsTheSame(const Machine& other) const {
@@ -239,7 +242,7 @@ class Machine {
                 return false;
             }
         }
-        return specialArea == other.specialArea;
+        return std::memcmp(specialArea, other.specialArea, specialAreaSize) == 0;
     }
 
     u64 steps = 0;
@@ -249,7 +252,7 @@ class Machine {
     u64 (*const runSteps)(u64);
     Case program = Case(0);
     Lines lines;
-    std::array<u8, specialAreaSize> specialArea;
+    Buffer specialArea;
     u8* const memory = static_cast<u8*>(mmap(nullptr, mainMemorySize, PROT_READ | PROT_WRITE,
                                              MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0));
 };
@@ -264,8 +267,6 @@ class Runner : public MachineTest {
         exchange(startState);
         std::fclose(std::exchange(stdout, standardOutput));
         std::free(text);
-        MipsMemory = mainMemory;
-        SpecialAreaMemory = specialArea;
     }
 
     /// Makes a run and returns what it prints.
@@ -279,7 +280,6 @@ class Runner : public MachineTest {
     Records startState{};
     Machine plain{runStepsPlainly}, fast{runSteps};
     std::FILE* const standardOutput = stdout;
-    u8 *const mainMemory = MipsMemory, *const specialArea = SpecialAreaMemory;
     char* text = nullptr;
     std::size_t size = 0;
 };

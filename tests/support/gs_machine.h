@@ -2,8 +2,8 @@
 #pragma once
 
 #include "gs/gs.h"
-#include "gs/gs_state.h"
 #include "gs/registers.h"
+#include "machine/machine.h"
 #include "support/gif_stream.h"
 
 #include <gtest/gtest.h>
@@ -24,7 +24,7 @@ inline void fillLocalMemory() {
 
 /// Everything the renderer holds, to be compared.
 struct GsImage {
-    std::vector<u8> memory{Gs.vRam, Gs.vRam + localMemoryBytes};
+    std::vector<u8> memory{Gs.vRam.begin(), Gs.vRam.end()};
     std::vector<u8> record{reinterpret_cast<const u8*>(&Gs._gsfb), reinterpret_cast<const u8*>(&Gs + 1)};
 
     bool operator==(const GsImage&) const = default;

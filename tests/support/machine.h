@@ -2,17 +2,16 @@
 // Header only and free of GoogleTest, so that fuzzers can use it too.
 #pragma once
 
-#include "base/allocation.h"
-#include "dma/dma.h"
+#include "base/buffer.h"
 #include "gs/gs.h"
-#include "gs/gs_state.h"
 #include "gui/kogui.h"
-#include "kernel/ps2_bios.h"
+#include "gui/pane_sinks.h"
 #include "loader/loader.h"
+#include "machine/machine.h"
+#include "machine/run_loop.h"
+#include "machine/settings.h"
 #include "memory/memory.h"
-#include "r5900/mips_cpu.h"
 #include "shell/driver.h"
-#include "shell/settings.h"
 
 #include <span>
 #include <string>
@@ -22,6 +21,7 @@ namespace tarn::test {
 
 /// The four panes of the window, empty, without a window.
 inline void makePanes() {
+    connectPanes();
     for (koGUIwidget& pane : std::span(TarnGUI.widgets).first(TarnGUI.nbWidgets)) {
         freeTextLines(&pane);
         pane = {};
@@ -37,13 +37,10 @@ inline void makePanes() {
 
 /// Puts the records back as at process start, and the panes to no lines. Buffers and the renderer stay.
 inline void resetRecords() {
-    MipsCpu = {};
-    Ps2Bios = {};
+    reset(machine);
     Settings = {};
     Loader = {};
     Driver = {};
-    nb_dma_transfert = 0;
-    verticalBlanks = 0;
     makePanes();
 }
 

@@ -48,6 +48,4 @@ struct Ps2BiosRecord {
     u32 gifQuadwords = 0;     ///< left of it
 };
 
-inline Ps2BiosRecord Ps2Bios;
-
 }  // namespace tarn

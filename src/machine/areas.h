@@ -1,6 +1,7 @@
-// Owns the record of the four emulated memory areas: their sizes and buffers.
+// The four emulated memory areas: their sizes and buffers.
 #pragma once
 
+#include "base/buffer.h"
 #include "base/types.h"
 
 namespace tarn {
@@ -12,10 +13,12 @@ inline constexpr u32 biosMemorySize = 0x400000;      ///< 4 MB
 inline constexpr u32 specialAreaFirst = 0x10000000;  ///< guest address
 inline constexpr u32 dmaRegisterBase = 0x8000;       ///< special-area offsets from here up are DMA registers
 
-// The buffers, in bytes, little-endian; null before start-up allocates them and after FreeAllMemory.
-inline u8* MipsMemory = nullptr;
-inline u8* SpecialAreaMemory = nullptr;
-inline u8* GSAreaMemory = nullptr;
-inline u8* BiosMemory = nullptr;
+/// The buffers, in bytes, little-endian; empty before start-up allocates them and after FreeAllMemory.
+struct MemoryAreas {
+    Buffer main;
+    Buffer special;
+    Buffer gs;
+    Buffer bios;
+};
 
 }  // namespace tarn

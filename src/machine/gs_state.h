@@ -1,6 +1,7 @@
 // Owns the renderer's state record: local memory, decoded registers, transfer, GIF and display state.
 #pragma once
 
+#include "base/buffer.h"
 #include "base/types.h"
 
 #include <array>
@@ -227,7 +228,7 @@ struct GsState {
     GsState& operator=(const GsState&) = delete;
 
     // Local memory, as bytes and as words; the same 4 MB. Every index into it is taken modulo its size.
-    u8* vRam = nullptr;
+    Buffer vRam;
     u32* vRamUL = nullptr;
 
     // Drawing contexts.
@@ -308,7 +309,5 @@ struct GsState {
     u32 magv = 0;
     u32 interlace = 0;  ///< flipped by each read of 0x12000400
 };
-
-inline GsState Gs;
 
 }  // namespace tarn

@@ -38,8 +38,6 @@ struct MipsCpuRecord {
     }
 };
 
-inline MipsCpuRecord MipsCpu;
-
 /// Numbers of the registers that calls and messages name.
 enum RegisterNumber : u8 {
     REG_V0 = 2,
