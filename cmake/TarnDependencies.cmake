@@ -23,6 +23,11 @@ set_target_properties(iniparser::iniparser PROPERTIES
     IMPORTED_LOCATION ${INIPARSER_LIBRARY}
     INTERFACE_INCLUDE_DIRECTORIES ${INIPARSER_INCLUDE_DIR})
 
+pkg_check_modules(ELFUTILS IMPORTED_TARGET libdw libelf)
+if(NOT ELFUTILS_FOUND)
+    tarn_missing("libdw" libdw-dev)
+endif()
+
 if(TARN_TESTS)
     find_package(GTest)
     if(NOT GTest_FOUND)

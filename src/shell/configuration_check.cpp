@@ -2,6 +2,7 @@
 #include "shell/configuration_check.h"
 
 #include "base/ini_file.h"
+#include "base/printable.h"
 #include "base/types.h"
 
 #include <algorithm>
@@ -77,14 +78,6 @@ const KnownKey& nearestKey(std::string_view section, std::string_view name) {
                std::min(editDistance(section, known.section), nameWeight - 1);
     };
     return *std::ranges::min_element(knownKeys, {}, distance);
-}
-
-/// The text with what a terminal would not show as it is replaced.
-std::string printable(std::string_view text) {
-    std::string result(text);
-    std::ranges::replace_if(
-        result, [](char c) { return c < ' ' || c == 0x7F; }, '?');
-    return result;
 }
 
 /// Whether the whole text is a number by the rules that numbers are read with.

@@ -1,0 +1,12 @@
+// Reading the symbols and line tables of an ELF file.
+#pragma once
+
+#include "symbols/symbol_table.h"
+
+namespace tarn::symbols {
+
+/// The table is empty for a file that is stripped, of another processor or no ELF file at all, and, with a
+/// warning on standard error, for one that libelf or libdw cannot cope with.
+SymbolTable readSymbols(const std::string& path);
+
+}  // namespace tarn::symbols
