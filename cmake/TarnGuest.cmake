@@ -1,41 +1,66 @@
-# tarn_add_guest(NAME [EVERY_INSTRUCTION] SOURCES file...): builds a program for the emulated machine, with the
-# guest library and its start-up code, into the current binary directory as NAME.elf, in target guest-NAME. The
-# program is checked: an instruction that the emulated processor does not have fails the build. With
-# EVERY_INSTRUCTION each one that it has must occur.
-set(TARN_GUEST_DIR ${CMAKE_CURRENT_LIST_DIR}/../guest)
+# tarn_add_guest(NAME [COMPLETE_CPU] [EVERY_INSTRUCTION] SOURCES file...): builds a program for the emulated
+# machine, with the guest library and its start-up code, into the current binary directory as NAME.elf, in target
+# guest-NAME. The program is checked: an instruction that the emulated processor does not have fails the build.
+# With COMPLETE_CPU that is the complete processor; with EVERY_INSTRUCTION each one that the processor has must
+# occur.
+set(TARN_GUEST_DIR ${CMAKE_SOURCE_DIR}/guest)
+
+# For both processors: 64-bit registers, 32-bit pointers, single precision only, no global pointer; nothing
+# underneath.
 set(TARN_GUEST_FLAGS
-    # The processor: 64-bit registers, 32-bit pointers, single precision only, no global pointer.
-    -march=r5900 -mabi=n32 -msingle-float -mno-abicalls -fno-pic -G0
-    # Nothing underneath: no C library, no calls to the compiler's own.
-    -ffreestanding -nostdlib -fno-builtin -fno-tree-loop-distribute-patterns
+    -march=r5900 -mabi=n32 -msingle-float -mno-abicalls -fno-pic -G0 -mno-llsc -ffreestanding -nostdlib
+    -ffunction-sections -fdata-sections -g -Wall -Wextra)
+
+set(TARN_GUEST_DESCRIBED_FLAGS
+    # No calls to the compiler's own functions.
+    -fno-builtin -fno-tree-loop-distribute-patterns
     # What it does not have: traps on division by zero, some of the likely branches.
     -mno-check-zero-division -mno-branch-likely
     # Constants that leave a loop and find no floating-point register would go to an integer one by MFC1,
     # which converts.
     -fno-move-loop-invariants
     # Every instruction takes one step, so the smallest code (which divides) is the fastest.
-    -Os -ffunction-sections -fdata-sections
-    -std=gnu17 -g -Wall -Wextra -Wconversion -Wno-sign-conversion -Werror
-    -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=
+    -Os -Wconversion -Wno-sign-conversion)
+
+# The compiler inlines what it knows of the standard functions; there are no NaNs or infinities to care for.
+set(TARN_GUEST_COMPLETE_FLAGS
+    -DTARN_COMPLETE_CPU=1 -fbuiltin -fno-math-errno -fcx-limited-range -O2)
+
+set(TARN_GUEST_C_FLAGS -std=gnu17)
+set(TARN_GUEST_CXX_FLAGS -fno-exceptions -fno-rtti -fno-threadsafe-statics)
+set(TARN_GUEST_LINK_FLAGS
     -static -Wl,--build-id=none,--gc-sections,-z,max-page-size=16,--no-warn-rwx-segments)
 
+# The flags stand in one place: the programs of guest/ are built by the script that is installed.
+set(TARN_GUEST_BUILD ${CMAKE_BINARY_DIR}/tarn-guest-build)
+include(GNUInstallDirs)
+function(tarn_configure_guest_build)
+    foreach(flags "" _DESCRIBED _COMPLETE _C _CXX _LINK)
+        list(JOIN TARN_GUEST${flags}_FLAGS " " TARN_GUEST${flags}_FLAGS)
+    endforeach()
+    configure_file(${CMAKE_SOURCE_DIR}/scripts/tarn-guest-build.in ${TARN_GUEST_BUILD} @ONLY)
+endfunction()
+tarn_configure_guest_build()
+
 function(tarn_add_guest name)
-    cmake_parse_arguments(guest "EVERY_INSTRUCTION" "" "SOURCES" ${ARGN})
-    file(GLOB library CONFIGURE_DEPENDS ${TARN_GUEST_DIR}/lib/*.[chS])
-    set(inputs ${guest_SOURCES} ${library})
-    list(FILTER inputs INCLUDE REGEX "\\.[cS]$")
-    set(check guest-check)
+    cmake_parse_arguments(guest "COMPLETE_CPU;EVERY_INSTRUCTION" "" "SOURCES" ${ARGN})
+    file(GLOB_RECURSE library CONFIGURE_DEPENDS ${TARN_GUEST_DIR}/lib/*)
+    set(inputs ${guest_SOURCES})
+    list(FILTER inputs EXCLUDE REGEX "\\.h$")
+    set(environment GUEST_CC=${GUEST_CC} TARN_GUEST_LIBRARY=${TARN_GUEST_DIR}/lib
+        TARN_GUEST_CHECK=$<TARGET_FILE:guest-check> TARN_GUEST_LIBRARY_OPTIONS=-Werror)
+    set(options)
+    if(guest_COMPLETE_CPU)
+        set(options --complete-cpu)
+    endif()
     if(guest_EVERY_INSTRUCTION)
-        list(APPEND check --every-instruction)
+        list(APPEND environment TARN_GUEST_CHECK_OPTIONS=--every-instruction)
     endif()
     set(elf ${CMAKE_CURRENT_BINARY_DIR}/${name}.elf)
     add_custom_command(
         OUTPUT ${elf}
-        COMMAND ${GUEST_CC} ${TARN_GUEST_FLAGS} -I${TARN_GUEST_DIR}/lib -T ${TARN_GUEST_DIR}/lib/tarn.ld
-                ${inputs} -o ${elf}.unchecked
-        COMMAND ${check} ${elf}.unchecked
-        COMMAND ${CMAKE_COMMAND} -E rename ${elf}.unchecked ${elf}
-        DEPENDS guest-check ${guest_SOURCES} ${library} ${TARN_GUEST_DIR}/lib/tarn.ld
+        COMMAND ${CMAKE_COMMAND} -E env ${environment} sh ${TARN_GUEST_BUILD} ${options} ${elf} ${inputs}
+        DEPENDS guest-check ${guest_SOURCES} ${library} ${TARN_GUEST_BUILD}
         COMMENT "Building guest program ${name}"
         VERBATIM)
     add_custom_target(guest-${name} ALL DEPENDS ${elf})
