@@ -55,7 +55,7 @@ static u64 copied(u64 a, u64 b) {
     memset(from + a, 1, (u32)b);
     u64 sum = 0;
     for (u32 i = 0; i < 64; i++)
-        sum += (u64)to[i] * 10000 + from[i];
+        sum += to[i] * 10000u + from[i];
     return sum;
 }
 

@@ -20,7 +20,8 @@ static inline s32 lessThan(f32 a, f32 b) {
             "1:\n\t"
             ".set pop"
             : "=&r"(result)
-            : "f"(a), "f"(b));
+            : "f"(a), "f"(b)
+            : "$fcc0");
     return result;
 }
 

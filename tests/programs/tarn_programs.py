@@ -1,6 +1,7 @@
 """What the whole-program tests share: a run directory, runs of tarn-headless, pictures."""
 
 import os
+import re
 import struct
 import subprocess
 import tempfile
@@ -8,6 +9,7 @@ import unittest
 from pathlib import Path
 
 BUILD = Path(os.environ["TARN_BUILD"])
+SOURCE = Path(__file__).resolve().parents[2]
 VRAM_BYTES = 4 << 20
 
 
@@ -38,6 +40,17 @@ class ProgramTest(unittest.TestCase):
         elf = guest(program) if isinstance(program, str) else program
         (self.directory / "tarn.ini").write_text(f"[General]\nElf={elf}\n{general}\n[Video]\n{video}\n")
 
+    def build(self, sources, *options, complete=False):
+        """Builds program.elf from {name: text} with tarn-guest-build; the result has its messages."""
+        for name, text in sources.items():
+            (self.directory / name).write_text(text)
+        environment = {**os.environ, "TARN_GUEST_LIBRARY": SOURCE / "guest" / "lib",
+                       "TARN_GUEST_CHECK": BUILD / "guest" / "guest-check"}
+        names = [name for name in sources if not name.endswith(".h")]
+        return subprocess.run(["sh", BUILD / "tarn-guest-build", *["--complete-cpu"] * complete, "program.elf", *names,
+                               *options], cwd=self.directory, env=environment, capture_output=True, text=True,
+                              check=False)
+
     def run_headless(self, *options, status):
         """Runs to the end and returns the two output streams; the exit status must be the one given."""
         result = subprocess.run([BUILD / "tarn-headless", *options], cwd=self.directory, capture_output=True,
@@ -55,6 +68,12 @@ class ProgramTest(unittest.TestCase):
         data = self.output_file("vram.bin")
         self.assertEqual(len(data), VRAM_BYTES)
         return struct.unpack(f"<{VRAM_BYTES // 4}I", data)
+
+
+def result_of(registers):
+    """What main returned, or a program gave to Exit: a0 among the printed registers, signed."""
+    value = int(re.search(r"a0 : ([0-9a-f]{16})", registers).group(1), 16)
+    return value - (value >> 63 << 64)
 
 
 def read_bmp(data):
