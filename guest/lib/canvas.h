@@ -22,8 +22,11 @@ void fillRectangle(const Canvas* canvas, u32 x, u32 y, u32 width, u32 height, u3
 enum { glyphWidth = 5, glyphHeight = 7, glyphAdvance = 6 };
 
 /// The seven rows of a character, bit 4 the leftmost pixel. Capital letters, digits and - . : ! / + = are
-/// there; everything else is blank.
+/// there, for the complete processor all from ! to ~; everything else is blank.
 const u8* glyphOf(char character);
+
+/// One of those that are there for the complete processor only, or null.
+const u8* furtherGlyphOf(char character);
 
 /// Draws text with its top left corner at (x, y), each pixel `scale` pixels large, on what is there.
 void drawText(const Canvas* canvas, u32 x, u32 y, u32 scale, u32 colour, const char* text);

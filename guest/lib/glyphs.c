@@ -44,5 +44,10 @@ const u8* glyphOf(char character) {
     for (u32 i = 0; i < sizeof signs / sizeof signs[0]; i++)
         if (signs[i].character == character)
             return signs[i].rows;
+#ifdef TARN_COMPLETE_CPU
+    const u8* further = furtherGlyphOf(character);
+    if (further != 0)
+        return further;
+#endif
     return blank;
 }

@@ -32,10 +32,29 @@ void* allocate(u32 bytes);
 /// Spends a number of driver steps, each one instruction (a taken branch takes its delay slot along).
 void waitSteps(u32 steps);
 
-/// Steps from one vertical blank to the next. Nothing tells a program that one has come (reading the
-/// field register flips it), but a wait this long meets one.
+/// Steps from one vertical blank to the next.
 enum { stepsPerFrame = 28659 };
+
+#ifdef TARN_COMPLETE_CPU
+/// The number of the driver step that asks, modulo 2^32.
+static inline u32 stepCount(void) {
+    u32 count;
+    __asm__ volatile("mfc0 %0, $9" : "=r"(count));
+    return count;
+}
+
+/// Returns with the step after that number: the caller's next instruction is the second one behind it. At
+/// once when the step is over.
+void waitForStep(u32 step);
+
+/// Returns when the next vertical blank has just come, however long ago the last one was (but for 2^32
+/// steps).
+void waitFrame(void);
+#else
+/// Nothing tells a program that a vertical blank has come (reading the field register flips it), but a wait
+/// this long meets one.
 static inline void waitFrame(void) { waitSteps(stepsPerFrame); }
+#endif
 
 /// Shows what is shown for ever.
 void waitForever(void) __attribute__((noreturn));

@@ -22,6 +22,25 @@ void* memcpy(void* destination, const void* source, u32 bytes) {
     return destination;
 }
 
+void* memmove(void* destination, const void* source, u32 bytes) {
+    if ((u32)destination - (u32)source >= bytes)
+        return memcpy(destination, source, bytes);  // forwards, from below or from elsewhere
+    u8* to = destination;
+    const u8* from = source;
+    while (bytes-- != 0)
+        to[bytes] = from[bytes];
+    return destination;
+}
+
+s32 memcmp(const void* a, const void* b, u32 bytes) {
+    const u8* left = a;
+    const u8* right = b;
+    for (; bytes != 0; bytes--, left++, right++)
+        if (*left != *right)
+            return *left - *right;
+    return 0;
+}
+
 void* memset(void* destination, s32 value, u32 bytes) {
     u8* to = destination;
     for (; bytes != 0 && ((u32)to & 15) != 0; bytes--)

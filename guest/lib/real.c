@@ -19,6 +19,9 @@ f32 cosine(f32 angle) { return sine(angle + halfPi); }
 f32 squareRoot(f32 value) {
     if (!lessThan(0.0f, value))
         return 0.0f;
+#ifdef TARN_COMPLETE_CPU
+    return __builtin_sqrtf(value);
+#else
     // Halving the exponent gives a start within a factor of 1.5.
     union {
         u32 word;
@@ -27,4 +30,5 @@ f32 squareRoot(f32 value) {
     for (s32 round = 0; round < 3; round++)
         root.real = 0.5f * (root.real + value / root.real);
     return root.real;
+#endif
 }

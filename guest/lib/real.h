@@ -3,10 +3,28 @@
 // It adds, subtracts, multiplies, divides, negates, and compares with == and <. What the compiler would do
 // otherwise either stops the processor (<= and >=, fabsf, square roots) or goes wrong without a word (casts
 // between integers and floats, looking at the bits of a float): use these functions instead. The build
-// refuses a program that contains such instructions.
+// refuses a program that contains such instructions. For the complete processor, which computes as the
+// compiler thinks, each is what C has for it.
 #pragma once
 
 #include "types.h"
+
+#ifdef TARN_COMPLETE_CPU
+
+static inline s32 lessThan(f32 a, f32 b) { return a < b; }
+static inline s32 toInteger(f32 value) { return (s32)value; }
+static inline f32 toRealUnsigned(u32 value) { return (f32)value; }
+static inline f32 toReal(s32 value) { return (f32)value; }
+
+static inline u32 bitsOf(f32 value) {
+    u32 word;
+    __builtin_memcpy(&word, &value, sizeof word);
+    return word;
+}
+
+static inline s64 multiplyWide(s32 a, s32 b) { return (s64)a * b; }
+
+#else
 
 /// a < b, also where the compiler would turn `!(a < b)` into the missing "less or equal".
 static inline s32 lessThan(f32 a, f32 b) {
@@ -24,10 +42,6 @@ static inline s32 lessThan(f32 a, f32 b) {
             : "$fcc0");
     return result;
 }
-
-static inline f32 absolute(f32 value) { return value < 0.0f ? -value : value; }
-static inline f32 smaller(f32 a, f32 b) { return a < b ? a : b; }
-static inline f32 larger(f32 a, f32 b) { return a < b ? b : a; }
 
 /// The integer part, towards zero. MFC1 converts, and leaves bits 32 to 63 clear whatever the sign: the
 /// shift by 0 extends it.
@@ -82,6 +96,12 @@ static inline s64 multiplyWide(s32 a, s32 b) {
             : "hi", "lo");
     return (s64)((u64)high << 32 | (u32)low);
 }
+
+#endif
+
+static inline f32 absolute(f32 value) { return value < 0.0f ? -value : value; }
+static inline f32 smaller(f32 a, f32 b) { return a < b ? a : b; }
+static inline f32 larger(f32 a, f32 b) { return a < b ? b : a; }
 
 /// Sine and cosine of an angle in radians, exact to about 1e-5 within a few turns.
 f32 sine(f32 angle);

@@ -39,6 +39,21 @@ _start:
     lui     $t0, %hi(heapEnd)
     sw      $v0, %lo(heapEnd)($t0)
 
+#ifdef TARN_COMPLETE_CPU
+    // Constructors of C++ objects.
+    lui     $s0, %hi(__init_array_start)
+    addiu   $s0, $s0, %lo(__init_array_start)
+    lui     $s1, %hi(__init_array_end)
+    addiu   $s1, $s1, %lo(__init_array_end)
+    b       5f
+    nop
+4:  lw      $t9, 0($s0)
+    jalr    $t9
+    addiu   $s0, $s0, 4
+5:  bne     $s0, $s1, 4b
+    nop
+#endif
+
     jal     main
     nop
     move    $a0, $v0

@@ -24,9 +24,12 @@ static inline void writeDevice64(u32 address, u64 value) { *(volatile u64*)addre
 static inline u32 readDevice32(u32 address) { return *(volatile u32*)address; }
 static inline u64 readDevice64(u32 address) { return *(volatile u64*)address; }
 
-/// The complement of a word. The processor has no NOR here, and the compiler turns `~x` into one.
+/// The complement of a word. The processor has no NOR here, and the compiler turns `~x` into one; the
+/// complete processor has it.
 static inline u32 complement(u32 value) {
     u32 ones = 0xFFFFFFFF;
+#ifndef TARN_COMPLETE_CPU
     __asm__("" : "+r"(ones));
+#endif
     return value ^ ones;
 }

@@ -1,0 +1,34 @@
+// What C++ calls on its own. Destructors of static objects never run: nothing comes after a program.
+#include "types.h"
+
+#include <stdlib.h>
+
+void* newObject(u32 bytes) __asm__("_Znwj");
+void* newArray(u32 bytes) __asm__("_Znaj");
+void deleteObject(void* object) __asm__("_ZdlPv");
+void deleteArray(void* array) __asm__("_ZdaPv");
+void deleteSized(void* object, u32 bytes) __asm__("_ZdlPvj");
+void deleteSizedArray(void* array, u32 bytes) __asm__("_ZdaPvj");
+
+/// There are no exceptions: without memory the program ends.
+void* newObject(u32 bytes) {
+    void* object = malloc(bytes);
+    if (object == 0)
+        abort();
+    return object;
+}
+
+void* newArray(u32 bytes) { return newObject(bytes); }
+void deleteObject(void* object) { free(object); }
+void deleteArray(void* array) { free(array); }
+void deleteSized(void* object, u32 bytes) { (void)bytes, free(object); }
+void deleteSizedArray(void* array, u32 bytes) { (void)bytes, free(array); }
+
+void* __dso_handle;
+
+int __cxa_atexit(void (*destructor)(void*), void* object, void* library) {
+    (void)destructor, (void)object, (void)library;
+    return 0;
+}
+
+void __cxa_pure_virtual(void) { abort(); }

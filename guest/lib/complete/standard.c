@@ -1,0 +1,72 @@
+// Functions of <string.h>, <stdlib.h> and <math.h>.
+#include "kernel.h"
+#include "real.h"
+
+#include <math.h>
+#include <stdlib.h>
+#include <string.h>
+
+size_t strlen(const char* text) {
+    const char* end = text;
+    while (*end != 0)
+        end++;
+    return (size_t)(end - text);
+}
+
+int strncmp(const char* a, const char* b, size_t count) {
+    for (; count != 0; count--, a++, b++)
+        if (*a != *b || *a == 0)
+            return (u8)*a - (u8)*b;
+    return 0;
+}
+
+int strcmp(const char* a, const char* b) { return strncmp(a, b, (size_t)-1); }
+
+char* strcpy(char* destination, const char* source) {
+    return memcpy(destination, source, strlen(source) + 1);
+}
+
+char* strcat(char* destination, const char* source) {
+    strcpy(destination + strlen(destination), source);
+    return destination;
+}
+
+char* strchr(const char* text, int character) {
+    for (; *text != (char)character; text++)
+        if (*text == 0)
+            return 0;
+    return (char*)text;
+}
+
+void exit(int status) { Exit(status); }
+
+void abort(void) {
+    __asm__ volatile("break");
+    __builtin_unreachable();
+}
+
+int abs(int value) { return value < 0 ? -value : value; }
+long labs(long value) { return value < 0 ? -value : value; }
+long long llabs(long long value) { return value < 0 ? -value : value; }
+
+float fabsf(float value) { return __builtin_fabsf(value); }
+float sqrtf(float value) { return __builtin_sqrtf(value); }
+float fminf(float a, float b) { return a < b ? a : b; }
+float fmaxf(float a, float b) { return a < b ? b : a; }
+
+/// From 2^23 on a float has no fraction.
+float truncf(float value) { return fabsf(value) < 8388608.0f ? (float)(int)value : value; }
+
+float floorf(float value) {
+    float whole = truncf(value);
+    return whole > value ? whole - 1.0f : whole;
+}
+
+float ceilf(float value) { return -floorf(-value); }
+
+/// Exact where the quotient is below 2^23.
+float fmodf(float value, float divisor) { return value - truncf(value / divisor) * divisor; }
+
+float sinf(float angle) { return sine(angle); }
+float cosf(float angle) { return cosine(angle); }
+float tanf(float angle) { return sine(angle) / cosine(angle); }

@@ -1,0 +1,27 @@
+// What there is of <stdio.h>: text on the screen, 53 columns by 30 rows, shown at the end of each call.
+//
+// Conversions are d i u x X c s p f and %, with the flags - 0 + and blank, a width, a precision, and the
+// sizes l and ll. %f is for floats: there is no arithmetic on doubles to get one from.
+#pragma once
+
+#ifndef TARN_COMPLETE_CPU
+#error "<stdio.h> needs --complete-cpu; for the described processor tarn_guest.h has what there is"
+#endif
+
+#include <stdarg.h>
+#include <stddef.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+int printf(const char* format, ...) __attribute__((format(printf, 1, 2)));
+int vprintf(const char* format, va_list arguments);
+int snprintf(char* text, size_t bytes, const char* format, ...) __attribute__((format(printf, 3, 4)));
+int vsnprintf(char* text, size_t bytes, const char* format, va_list arguments);
+int puts(const char* text);
+int putchar(int character);
+
+#ifdef __cplusplus
+}
+#endif
