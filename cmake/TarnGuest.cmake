@@ -42,13 +42,31 @@ function(tarn_configure_guest_build)
 endfunction()
 tarn_configure_guest_build()
 
+# The library is compiled once for each processor.
+set(TARN_GUEST_BUILT ${CMAKE_CURRENT_BINARY_DIR}/library)
+set(TARN_GUEST_ENVIRONMENT GUEST_CC=${GUEST_CC} TARN_GUEST_LIBRARY=${TARN_GUEST_DIR}/lib)
+file(GLOB_RECURSE TARN_GUEST_LIBRARY_FILES CONFIGURE_DEPENDS ${TARN_GUEST_DIR}/lib/*)
+foreach(cpu described complete)
+    set(options)
+    if(cpu STREQUAL complete)
+        set(options --complete-cpu)
+    endif()
+    add_custom_command(
+        OUTPUT ${TARN_GUEST_BUILT}/${cpu}.a
+        COMMAND ${CMAKE_COMMAND} -E env ${TARN_GUEST_ENVIRONMENT} TARN_GUEST_LIBRARY_OPTIONS=-Werror
+                sh ${TARN_GUEST_BUILD} ${options} --library ${TARN_GUEST_BUILT}
+        DEPENDS ${TARN_GUEST_LIBRARY_FILES} ${TARN_GUEST_BUILD}
+        COMMENT "Building the guest library for the ${cpu} processor"
+        VERBATIM)
+endforeach()
+add_custom_target(guest-library ALL DEPENDS ${TARN_GUEST_BUILT}/described.a ${TARN_GUEST_BUILT}/complete.a)
+
 function(tarn_add_guest name)
     cmake_parse_arguments(guest "COMPLETE_CPU;EVERY_INSTRUCTION" "" "SOURCES" ${ARGN})
-    file(GLOB_RECURSE library CONFIGURE_DEPENDS ${TARN_GUEST_DIR}/lib/*)
     set(inputs ${guest_SOURCES})
     list(FILTER inputs EXCLUDE REGEX "\\.h$")
-    set(environment GUEST_CC=${GUEST_CC} TARN_GUEST_LIBRARY=${TARN_GUEST_DIR}/lib
-        TARN_GUEST_CHECK=$<TARGET_FILE:guest-check> TARN_GUEST_LIBRARY_OPTIONS=-Werror)
+    set(environment ${TARN_GUEST_ENVIRONMENT} TARN_GUEST_BUILT=${TARN_GUEST_BUILT}
+        TARN_GUEST_CHECK=$<TARGET_FILE:guest-check>)
     set(options)
     if(guest_COMPLETE_CPU)
         set(options --complete-cpu)
@@ -60,7 +78,7 @@ function(tarn_add_guest name)
     add_custom_command(
         OUTPUT ${elf}
         COMMAND ${CMAKE_COMMAND} -E env ${environment} sh ${TARN_GUEST_BUILD} ${options} ${elf} ${inputs}
-        DEPENDS guest-check ${guest_SOURCES} ${library} ${TARN_GUEST_BUILD}
+        DEPENDS guest-check guest-library ${guest_SOURCES} ${TARN_GUEST_LIBRARY_FILES} ${TARN_GUEST_BUILD}
         COMMENT "Building guest program ${name}"
         VERBATIM)
     add_custom_target(guest-${name} ALL DEPENDS ${elf})
