@@ -2,7 +2,7 @@
 // controller, the kernel calls and the renderer behind them. What the program leaves in memory lasts only
 // until the next input.
 #include "dma/dma.h"
-#include "r5900/branch.h"
+#include "r5900/delay_slot.h"
 #include "r5900/interpreter.h"
 #include "support.h"
 

@@ -6,7 +6,7 @@
 #include "gdb/packet.h"
 #include "machine/machine.h"
 #include "r5900/fields.h"
-#include "r5900/tables.h"
+#include "r5900/operation.h"
 
 #include <algorithm>
 #include <array>
@@ -49,10 +49,7 @@ const char* pauseReason() {
             return stoppedByInstruction;
         }
     }
-    // Loads and stores, of which CACHE never stops, are here because of an address or because they do not
-    // exist.
-    const bool loadOrStore = major == 26 || major == 27 || major >= 30;
-    return loadOrStore && r5900::normal_opc[major] != r5900::NI ? stoppedByMemory : stoppedByInstruction;
+    return r5900::operationOf(MipsCpu.opcode).accessesMemory() ? stoppedByMemory : stoppedByInstruction;
 }
 
 std::array<u8, 8> littleEndian(u64 value) {

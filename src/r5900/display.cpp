@@ -1,4 +1,4 @@
-// Owns the displays for debugging: the register file, and the current instruction word by name.
+// Displays for debugging: the register file, and the current instruction word by name.
 #include "base/bits.h"
 #include "base/diagnostics.h"
 #include "machine/machine.h"
@@ -51,41 +51,43 @@ void MipsCpuFPR1PrintReg() {
 
 void PrintDebugOpcode() {
     using namespace r5900;
+    const MnemonicTables& name = processor->mnemonics;
     const u32 word = MipsCpu.opcode;
     printDiagnostic("==>%8lx\n", static_cast<unsigned long>(word));
     switch (majorOpcode(word)) {
     case 0:
-        printDiagnostic("r5900:dbg_opcode_special: %s \n", debug_special_opc[functionCode(word)]);
+        printDiagnostic("r5900:dbg_opcode_special: %s \n", name.debug_special_opc[functionCode(word)]);
         return;
     case 1:
-        printDiagnostic("r5900:dbg_opcode_regimm: %s \n", debug_regimm_opc[regimmCode(word)]);
+        printDiagnostic("r5900:dbg_opcode_regimm: %s \n", name.debug_regimm_opc[regimmCode(word)]);
         return;
     case 16:
-        printDiagnostic("r5900:dbg_opcode_cop0: %s \n", debug_cop0_opc[coprocessorCode(word)]);
-        printDiagnostic("r5900:dbg_opcode_cop0c0: %s \n", debug_cop0c0_opc[functionCode(word)]);
+        printDiagnostic("r5900:dbg_opcode_cop0: %s \n", name.debug_cop0_opc[coprocessorCode(word)]);
+        printDiagnostic("r5900:dbg_opcode_cop0c0: %s \n", name.debug_cop0c0_opc[functionCode(word)]);
         return;
     case 17:
         switch (coprocessorCode(word)) {
         case 8:
-            printDiagnostic("r5900:debug_cop1_BC1_opc: %s \n", debug_cop1_bc1_opc[conditionBranchCode(word)]);
+            printDiagnostic("r5900:debug_cop1_BC1_opc: %s \n",
+                            name.debug_cop1_bc1_opc[conditionBranchCode(word)]);
             return;
         case 16:
-            printDiagnostic("r5900:debug_cop1_S_opc: %s \n", debug_cop1_s_opc[functionCode(word)]);
+            printDiagnostic("r5900:debug_cop1_S_opc: %s \n", name.debug_cop1_s_opc[functionCode(word)]);
             return;
         case 20:
-            printDiagnostic("r5900:debug_cop1_W_opc: %s \n", debug_cop1_W_L_opc[functionCode(word)]);
+            printDiagnostic("r5900:debug_cop1_W_opc: %s \n", name.debug_cop1_W_L_opc[functionCode(word)]);
             return;
         default:  // Double precision has no line of its own.
-            printDiagnostic("r5900:dbg_opcode_cop1: %s \n", debug_cop1_opc[coprocessorCode(word)]);
+            printDiagnostic("r5900:dbg_opcode_cop1: %s \n", name.debug_cop1_opc[coprocessorCode(word)]);
             return;
         }
-    case 28:  // Prints both lines: meant.
-        printDiagnostic("r5900:dbg_opcode_special2: %s \n", debug_special2_opc[functionCode(word)]);
+    case 28:  // Intentional: prints both lines.
+        printDiagnostic("r5900:dbg_opcode_special2: %s \n", name.debug_special2_opc[functionCode(word)]);
         break;
     default:
         break;
     }
-    printDiagnostic("r5900:dbg_opcode: %s \n", debug_normal_opc[majorOpcode(word)]);
+    printDiagnostic("r5900:dbg_opcode: %s \n", name.debug_normal_opc[majorOpcode(word)]);
 }
 
 }  // namespace tarn

@@ -1,4 +1,4 @@
-// Owns the decoding of instruction words: one record of operands for each format, named as the fields are.
+// The decoding of instruction words: one record of operands for each format, named as the fields are.
 #pragma once
 
 #include "base/bits.h"
@@ -36,6 +36,11 @@ constexpr u32 functionCode(u32 word) { return bits(word, 0, 6); }
 constexpr u32 regimmCode(u32 word) { return bits(word, 16, 5); }
 constexpr u32 coprocessorCode(u32 word) { return bits(word, 21, 5); }
 constexpr u32 conditionBranchCode(u32 word) { return bits(word, 16, 2); }
+
+/// Of an instruction without operands.
+struct NoFields {
+    static constexpr NoFields from(u32) { return {}; }
+};
 
 // Immediates and offsets stay raw here, as trace lines show them; the semantics extend them.
 

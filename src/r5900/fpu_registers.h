@@ -1,5 +1,5 @@
-// Owns the two views of the floating-point registers, bit image and value, and how they are held in step,
-// and the condition bit.
+// The two views of the floating-point registers, bit image and value, and how they are kept in step; the
+// condition bit.
 #pragma once
 
 #include "machine/machine.h"

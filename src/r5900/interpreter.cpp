@@ -1,7 +1,8 @@
-// Owns the step: fetch and dispatch of one instruction, and its trace.
+// One step: fetch and dispatch of one instruction, and its trace.
 #include "r5900/interpreter.h"
 
 #include "machine/machine.h"
+#include "r5900/fields.h"
 #include "r5900/tables.h"
 #include "r5900/trace.h"
 
@@ -16,7 +17,7 @@ constexpr u32 lastFetchAddress = mainMemorySize - 4;
 /// Executes an instruction word. Word 0 is a no-op without a handler.
 void dispatch(u32 word) {
     if (word != 0) [[likely]] {
-        r5900::normal_opc[r5900::majorOpcode(word)]();
+        r5900::processor->handlers.normal_opc[r5900::majorOpcode(word)]();
     } else {
         MipsCpu.PC += 4;
     }

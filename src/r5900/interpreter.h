@@ -1,4 +1,4 @@
-// Declares the interpreter's entry points: one step, and the register and opcode displays.
+// The interpreter's entry points: one step, and the register and opcode displays.
 #pragma once
 
 #include "base/types.h"

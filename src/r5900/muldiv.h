@@ -1,7 +1,7 @@
-// Owns the multiplications and divisions and the moves from HI and LO.
+// Multiplications and divisions and the moves from HI and LO.
 #pragma once
 
-#include "r5900/handler.h"
+#include "r5900/fields.h"
 #include "r5900/registers.h"
 
 namespace tarn::r5900 {
@@ -13,10 +13,9 @@ inline void MULT(RegisterFields f) {
     setWord(MipsCpu.HI, product >> 32);
     setDoubleword(f.rd, MipsCpu.LO.low);
 }
-inline void MULT() { straight<RegisterFields, MULT>("mult %s,%s,%s"); }
 
-/// The multiplication of the second pipeline, which has the upper halves of LO and HI for itself. Unsigned,
-/// with whole products, and HI1 takes the product of the operands' upper words: meant.
+/// The multiplication of the second pipeline, which has the upper halves of LO and HI for itself.
+/// Intentional: unsigned, with whole products, and HI1 takes the product of the operands' upper words.
 inline void MULT1(RegisterFields f) {
     const u64 left = gpr(f.rs);
     const u64 right = gpr(f.rt);
@@ -24,7 +23,6 @@ inline void MULT1(RegisterFields f) {
     MipsCpu.HI.high = (left >> 32) * (right >> 32);
     setDoubleword(f.rd, MipsCpu.LO.high);
 }
-inline void MULT1() { straight<RegisterFields, MULT1>("mult1 %s,%s,%s"); }
 
 inline void DMULTU(RegisterFields f) {
     const auto product = static_cast<unsigned __int128>(gpr(f.rs)) * gpr(f.rt);
@@ -32,7 +30,6 @@ inline void DMULTU(RegisterFields f) {
     setDoubleword(MipsCpu.HI, static_cast<u64>(product >> 64));
     setDoubleword(f.rd, MipsCpu.LO.low);
 }
-inline void DMULTU() { straight<RegisterFields, DMULTU>("dmultu\t%s,%s,%s"); }
 
 /// A division by zero gives the dividend as remainder and a quotient of 1 or -1, of the sign opposite to
 /// the dividend's. The one quotient that overflows, -2^31 / -1, wraps: this is what the processor does.
@@ -44,7 +41,6 @@ inline void DIV(RegisterFields f) {
     setWord(MipsCpu.LO, static_cast<u64>(quotient));
     setWord(MipsCpu.HI, static_cast<u64>(remainder));
 }
-inline void DIV() { straight<RegisterFields, DIV, traceSources>("div %s,%s"); }
 
 /// Both results are sign-extended, although they are unsigned. A division by zero gives a quotient of all
 /// ones, and the dividend as remainder.
@@ -54,12 +50,9 @@ inline void DIVU(RegisterFields f) {
     setWord(MipsCpu.LO, divisor != 0 ? dividend / divisor : 0xFFFFFFFF);
     setWord(MipsCpu.HI, divisor != 0 ? dividend % divisor : dividend);
 }
-inline void DIVU() { straight<RegisterFields, DIVU, traceSources>("divu %s,%s"); }
 
 inline void MFHI(RegisterFields f) { setDoubleword(f.rd, MipsCpu.HI.low); }
-inline void MFHI() { straight<RegisterFields, MFHI, traceDestination>("mhi %s"); }
 
 inline void MFLO(RegisterFields f) { setDoubleword(f.rd, MipsCpu.LO.low); }
-inline void MFLO() { straight<RegisterFields, MFLO, traceDestination>("mflo %s"); }
 
 }  // namespace tarn::r5900

@@ -1,4 +1,4 @@
-// Owns the register names that trace lines, displays and messages use.
+// The register names that trace lines, displays and messages use.
 #pragma once
 
 #include <array>

@@ -1,4 +1,4 @@
-// Owns the way in which instructions read and write the general-purpose registers.
+// How instructions read and write the general-purpose registers.
 #pragma once
 
 #include "base/bits.h"

@@ -1,8 +1,10 @@
-// Owns the text of the instruction trace.
+// The text of the instruction trace.
 #include "r5900/trace.h"
 
 #include "base/diagnostics.h"
 #include "machine/machine.h"
+#include "r5900/branch.h"
+#include "r5900/fields.h"
 #include "r5900/interpreter.h"
 #include "r5900/register_names.h"
 #include "r5900/registers.h"
@@ -19,6 +21,11 @@ const char* fprName(u8 number) { return debug_r5900_cop1_reg[number]; }
 
 /// A raw 16-bit field as the %llx of the formats takes it.
 u64 raw(u16 immediate) { return immediate; }
+
+template <typename Fields>
+u64 targetOf(const Fields& fields) {
+    return branchTarget(MipsCpu.PC, fields.offset);
+}
 
 }  // namespace
 
@@ -38,75 +45,108 @@ void showStep() {
     MipsCpuPrintRegtoOutput();
 }
 
-void traceOperands(const char* format, ImmediateFields f) {
+void traceRtRsImmediate(const char* format, u32 word) {
+    const auto f = ImmediateFields::from(word);
     traceText(format, gprName(f.rt), gprName(f.rs), raw(f.imm));
 }
 
-void traceUpperImmediate(const char* format, ImmediateFields f) {
+void traceRtImmediate(const char* format, u32 word) {
+    const auto f = ImmediateFields::from(word);
     traceText(format, gprName(f.rt), raw(f.imm));
 }
 
-void traceOperands(const char* format, RegisterFields f) {
+void traceRdRsRt(const char* format, u32 word) {
+    const auto f = RegisterFields::from(word);
     traceText(format, gprName(f.rd), gprName(f.rs), gprName(f.rt));
 }
 
-void traceSwapped(const char* format, RegisterFields f) {
+void traceRdRtRs(const char* format, u32 word) {
+    const auto f = RegisterFields::from(word);
     traceText(format, gprName(f.rd), gprName(f.rt), gprName(f.rs));
 }
 
-void traceSources(const char* format, RegisterFields f) { traceText(format, gprName(f.rs), gprName(f.rt)); }
+void traceRsRt(const char* format, u32 word) {
+    const auto f = RegisterFields::from(word);
+    traceText(format, gprName(f.rs), gprName(f.rt));
+}
 
-void traceDestination(const char* format, RegisterFields f) { traceText(format, gprName(f.rd)); }
+void traceRdOnly(const char* format, u32 word) {
+    const auto f = RegisterFields::from(word);
+    traceText(format, gprName(f.rd));
+}
 
-void traceOperands(const char* format, ShiftFields f) {
+void traceRdRtSa(const char* format, u32 word) {
+    const auto f = ShiftFields::from(word);
     traceText(format, gprName(f.rd), gprName(f.rt), f.sa);
 }
 
-void traceOperands(const char* format, MemoryFields f) {
+void traceRtOffsetBase(const char* format, u32 word) {
+    const auto f = MemoryFields::from(word);
     traceText(format, gprName(f.rt), raw(f.offset), gprName(f.base));
 }
 
-void traceOperands(const char* format, FpuMemoryFields f) {
+void traceFtOffsetBase(const char* format, u32 word) {
+    const auto f = FpuMemoryFields::from(word);
     traceText(format, f.ft, raw(f.offset), gprName(f.base));
 }
 
-void traceImage(const char* format, FpuMemoryFields f) {
+void traceFtImage(const char* format, u32 word) {
+    const auto f = FpuMemoryFields::from(word);
     traceText(format, fprName(f.ft), MipsCpu.FPR128[f.ft].low);
 }
 
-void traceOperands(const char* format, BranchFields f, u64 target) {
-    traceText(format, gprName(f.rs), gprName(f.rt), target);
+void traceRsRtTarget(const char* format, u32 word) {
+    const auto f = BranchFields::from(word);
+    traceText(format, gprName(f.rs), gprName(f.rt), targetOf(f));
 }
 
-void traceOperands(const char* format, ZeroBranchFields f, u64 target) {
-    traceText(format, gprName(f.rs), target);
+void traceRsTarget(const char* format, u32 word) {
+    const auto f = ZeroBranchFields::from(word);
+    traceText(format, gprName(f.rs), targetOf(f));
 }
 
-void traceOperands(const char* format, FpuBranchFields f, u64 target) { traceText(format, f.ccb, target); }
+void traceCcTarget(const char* format, u32 word) {
+    const auto f = FpuBranchFields::from(word);
+    traceText(format, f.ccb, targetOf(f));
+}
 
-void traceOperands(const char* format, JumpFields, u64 target) { traceText(format, target); }
+void traceJumpTarget(const char* format, u32 word) {
+    const auto f = JumpFields::from(word);
+    traceText(format, J(f, MipsCpu.PC));
+}
 
-void traceJumpRegister(const char* format, RegisterFields f) {
+void traceRsRsValue(const char* format, u32 word) {
+    const auto f = RegisterFields::from(word);
     traceText(format, gprName(f.rs), gprName(f.rs), gpr(f.rs));
 }
 
-void traceJumpAndLinkRegister(const char* format, RegisterFields f) {
+void traceRdRsRsValue(const char* format, u32 word) {
+    const auto f = RegisterFields::from(word);
     traceText(format, gprName(f.rd), gprName(f.rs), gprName(f.rs), gpr(f.rs));
 }
 
-void traceOperands(const char* format, Cop0Fields f) {
+void traceRtRdSel(const char* format, u32 word) {
+    const auto f = Cop0Fields::from(word);
     traceText(format, gprName(f.rt), debug_r5900_cop0_reg[f.rd], f.sel);
 }
 
-void traceOperands(const char* format, FpuFields f) {
+void traceFdFsFt(const char* format, u32 word) {
+    const auto f = FpuFields::from(word);
     traceText(format, fprName(f.fd), fprName(f.fs), fprName(f.ft));
 }
 
-void traceUnary(const char* format, FpuFields f) { traceText(format, fprName(f.fd), fprName(f.fs)); }
+void traceFdFs(const char* format, u32 word) {
+    const auto f = FpuFields::from(word);
+    traceText(format, fprName(f.fd), fprName(f.fs));
+}
 
-void traceOperands(const char* format, FpuMoveFields f) { traceText(format, gprName(f.rt), fprName(f.fs)); }
+void traceRtFs(const char* format, u32 word) {
+    const auto f = FpuMoveFields::from(word);
+    traceText(format, gprName(f.rt), fprName(f.fs));
+}
 
-void traceOperands(const char* format, FpuCompareFields f) {
+void traceCcFsFt(const char* format, u32 word) {
+    const auto f = FpuCompareFields::from(word);
     traceText(format, f.cc, fprName(f.fs), fprName(f.ft));
 }
 

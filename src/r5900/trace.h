@@ -1,11 +1,12 @@
-// Declares the instruction trace: the line buffer, and one formatting function for each class of operands.
+// The instruction trace: the line buffer, and how the operands of each class of lines are written.
 #pragma once
 
 #include "base/types.h"
 #include "machine/settings.h"
-#include "r5900/fields.h"
 
 #include <array>
+#include <cstddef>
+#include <string_view>
 
 namespace tarn {
 
@@ -26,28 +27,79 @@ inline bool tracing() { return Settings.debug_op == 1; }
 /// Puts PC and the formatted text into debugTempText.
 [[gnu::cold, gnu::format(printf, 1, 2)]] void traceText(const char* format, ...);
 
-// Each writes the line of one class of operands; `format` is for the operands named in its comment.
-void traceOperands(const char* format, ImmediateFields f);               // rt, rs, imm
-void traceUpperImmediate(const char* format, ImmediateFields f);         // rt, imm
-void traceOperands(const char* format, RegisterFields f);                // rd, rs, rt
-void traceSwapped(const char* format, RegisterFields f);                 // rd, rt, rs
-void traceSources(const char* format, RegisterFields f);                 // rs, rt
-void traceDestination(const char* format, RegisterFields f);             // rd
-void traceOperands(const char* format, ShiftFields f);                   // rd, rt, sa
-void traceOperands(const char* format, MemoryFields f);                  // rt, offset, base
-void traceOperands(const char* format, FpuMemoryFields f);               // ft as a number, offset, base
-void traceImage(const char* format, FpuMemoryFields f);                  // ft, its bit image
-void traceOperands(const char* format, BranchFields f, u64 target);      // rs, rt, target
-void traceOperands(const char* format, ZeroBranchFields f, u64 target);  // rs, target
-void traceOperands(const char* format, FpuBranchFields f, u64 target);   // ccb, target
-void traceOperands(const char* format, JumpFields f, u64 target);        // target
-void traceJumpRegister(const char* format, RegisterFields f);            // rs, rs, value of rs
-void traceJumpAndLinkRegister(const char* format, RegisterFields f);     // rd, rs, rs, value of rs
-void traceOperands(const char* format, Cop0Fields f);                    // rt, rd, sel
-void traceOperands(const char* format, FpuFields f);                     // fd, fs, ft
-void traceUnary(const char* format, FpuFields f);                        // fd, fs
-void traceOperands(const char* format, FpuMoveFields f);                 // rt, fs
-void traceOperands(const char* format, FpuCompareFields f);              // cc, fs, ft
+/// What a class of trace lines shows of an instruction word, in the order of its format.
+struct TraceOperands {
+    std::string_view conversions;  ///< that the format must have: s, d (also as x), or l for llx
+    void (*write)(const char* format, u32 word);
+};
+
+/// A format that has the conversions of its operands; no constant can be made of another.
+struct TraceLine {
+    const char* format = nullptr;
+    void (*write)(const char* format, u32 word) = nullptr;
+
+    constexpr TraceLine() = default;
+    constexpr TraceLine(const char* text, TraceOperands operands) : format(text), write(operands.write) {
+        std::size_t found = 0;
+        for (std::string_view rest = text; !rest.empty(); rest.remove_prefix(1)) {
+            if (rest[0] == '%') {
+                rest.remove_prefix(rest.find_first_not_of("%0123456789."));
+                const char conversion = rest.starts_with("llx") ? 'l' : rest[0] == 'x' ? 'd' : rest[0];
+                if (operands.conversions.at(found++) != conversion) {
+                    throw "a conversion of the format does not suit its operand";
+                }
+            }
+        }
+        if (found != operands.conversions.size()) {
+            throw "the format leaves operands out";
+        }
+    }
+};
+
+// Each writes a line with the operands that its name lists, in this order; immediates and offsets are raw.
+void traceRtRsImmediate(const char* format, u32 word);
+void traceRtImmediate(const char* format, u32 word);
+void traceRdRsRt(const char* format, u32 word);
+void traceRdRtRs(const char* format, u32 word);
+void traceRsRt(const char* format, u32 word);
+void traceRdOnly(const char* format, u32 word);
+void traceRdRtSa(const char* format, u32 word);
+void traceRtOffsetBase(const char* format, u32 word);
+void traceFtOffsetBase(const char* format, u32 word);
+void traceFtImage(const char* format, u32 word);
+void traceRsRtTarget(const char* format, u32 word);
+void traceRsTarget(const char* format, u32 word);
+void traceCcTarget(const char* format, u32 word);
+void traceJumpTarget(const char* format, u32 word);
+void traceRsRsValue(const char* format, u32 word);
+void traceRdRsRsValue(const char* format, u32 word);
+void traceRtRdSel(const char* format, u32 word);
+void traceFdFsFt(const char* format, u32 word);
+void traceFdFs(const char* format, u32 word);
+void traceRtFs(const char* format, u32 word);
+void traceCcFsFt(const char* format, u32 word);
+
+inline constexpr TraceOperands rtRsImmediate{"ssl", traceRtRsImmediate};
+inline constexpr TraceOperands rtImmediate{"sl", traceRtImmediate};
+inline constexpr TraceOperands rdRsRt{"sss", traceRdRsRt};
+inline constexpr TraceOperands rdRtRs{"sss", traceRdRtRs};
+inline constexpr TraceOperands rsRt{"ss", traceRsRt};
+inline constexpr TraceOperands rdOnly{"s", traceRdOnly};
+inline constexpr TraceOperands rdRtSa{"ssd", traceRdRtSa};
+inline constexpr TraceOperands rtOffsetBase{"sls", traceRtOffsetBase};
+inline constexpr TraceOperands ftOffsetBase{"dls", traceFtOffsetBase};
+inline constexpr TraceOperands ftImage{"sl", traceFtImage};
+inline constexpr TraceOperands rsRtTarget{"ssl", traceRsRtTarget};
+inline constexpr TraceOperands rsTarget{"sl", traceRsTarget};
+inline constexpr TraceOperands ccTarget{"dl", traceCcTarget};
+inline constexpr TraceOperands jumpTarget{"l", traceJumpTarget};
+inline constexpr TraceOperands rsRsValue{"ssl", traceRsRsValue};
+inline constexpr TraceOperands rdRsRsValue{"sssl", traceRdRsRsValue};
+inline constexpr TraceOperands rtRdSel{"ssd", traceRtRdSel};
+inline constexpr TraceOperands fdFsFt{"sss", traceFdFsFt};
+inline constexpr TraceOperands fdFs{"ss", traceFdFs};
+inline constexpr TraceOperands rtFs{"ss", traceRtFs};
+inline constexpr TraceOperands ccFsFt{"dss", traceCcFsFt};
 
 }  // namespace r5900
 }  // namespace tarn

@@ -147,9 +147,8 @@ class KeysTest(unittest.TestCase):
 
 class MachineTest(unittest.TestCase):
     def test_instructions(self):
-        dispatchers = {"SPECIAL", "REGIMM", "COP0", "C0", "SPECIAL2", "COP1", "BC1", "COP1_S", "COP1_D", "COP1_W"}
-        there = set(re.findall(r"(?:RUN\(|\{)([A-Z]\w*)[,)]", source("src/r5900/tables.cpp"))) - dispatchers
-        there.discard("NI")
+        lists = source("src/r5900/integer_list.h") + source("src/r5900/fpu_list.h")
+        there = set(re.findall(r'^    {\w+, \d+, "(\w+) ?", (?!stop}|Table::)', lists, re.MULTILINE))
         listed = re.findall(r"`(\w+)`", "".join(row[1] for row in rows(GUESTS, "| group | instructions |")))
         self.assertEqual(sorted(listed), sorted(there))
         for page in README, GUESTS:

@@ -4,7 +4,6 @@
 #include "base/diagnostics.h"
 #include "machine/machine.h"
 #include "r5900/instruction.h"
-#include "r5900/tables.h"
 #include "shell/driver.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // What the instructions do that is this machine's own: dirty upper words, overflows, divisions by zero, the
 // second pipeline, register halves, NaNs, conversions and refused loads; jumps, and the delay slots that they
 // execute. Plain results are held against qemu, and many of these by the guest program arithmetic.
-#include "r5900/branch.h"
+#include "r5900/delay_slot.h"
 #include "r5900/instruction.h"
 
 #include <tuple>

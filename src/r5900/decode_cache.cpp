@@ -1,0 +1,81 @@
+// Decoding, and the pages of decoded instructions: made when code is first run there, and bounded in number.
+#include "r5900/decode_cache.h"
+
+#include "r5900/operation.h"
+#include "r5900/pairs.h"
+#include "r5900/threaded_interpreter.h"
+
+#include <memory>
+
+namespace tarn::r5900 {
+
+namespace {
+
+constexpr u32 mainMemoryPages = mainMemorySize / codePageBytes;
+
+/// Pages kept: 2 MB of guest code, for 16.8 MB of the host's memory at most.
+constexpr u32 keptPages = 512;
+
+struct KeptPage {
+    std::unique_ptr<CodePage> page;
+    u32 number = 0;  ///< of the page of main memory that it stands for
+};
+
+std::array<KeptPage, keptPages> kept;
+std::array<CodePage*, mainMemoryPages> pageByNumber{};
+u32 next = 0;  // the page given up next, once all are in use: the oldest
+
+/// Makes every instruction of a fresh page a no-op of word 0, which is as valid as any.
+void clearPage(CodePage& page) {
+    page.fill({noOperation.run, noOperation.runInSlot, 0, {}, {}});
+    for (u32 i = codePageWords; i < page.size(); ++i) {
+        page[i].run = enterNextPage;
+    }
+}
+
+CodePage* makePage(u32 number) {
+    KeptPage& slot = kept[next];
+    if (slot.page == nullptr) {
+        slot.page.reset(new (std::nothrow) CodePage);
+        if (slot.page == nullptr) {
+            return nullptr;
+        }
+    } else {
+        pageByNumber[slot.number] = nullptr;
+    }
+    next = (next + 1) % keptPages;
+    slot.number = number;
+    pageByNumber[number] = slot.page.get();
+    clearPage(*slot.page);
+    return slot.page.get();
+}
+
+const Routines& routinesOf(u32 word) {
+    if (word == 0) {
+        return noOperation;
+    }
+    const Operation& operation = operationOf(word);
+    return operation.pausesOn(word) ? plainRoutines : operation.routines;
+}
+
+}  // namespace
+
+CodePage* codePageAt(u64 pc) {
+    const auto number = static_cast<u32>(pc / codePageBytes);
+    CodePage* page = pageByNumber[number];
+    return page != nullptr ? page : makePage(number);
+}
+
+void decode(DecodedInstruction& instruction, u64 words) {
+    const Routines& first = routinesOf(firstWord(words));
+    const Routines& second = routinesOf(secondWord(words));
+    if (instruction.run != enterNextPage) {
+        instruction.run = pairOf(first.run, second.run);
+    }
+    instruction.runInSlot = second.runInSlot;
+    instruction.words = words;
+    first.setOperands(instruction.operands, firstWord(words));
+    second.setOperands(instruction.nextOperands, secondWord(words));
+}
+
+}  // namespace tarn::r5900

@@ -1,0 +1,75 @@
+// Pairs. The instructions that most code consists of have a routine for every two of them in a row, which
+// saves the way from one to the next. Stores come second only: they might change the one behind them.
+#include "r5900/pairs.h"
+
+#include "r5900/integer.h"
+#include "r5900/loadstore.h"
+#include "r5900/threaded_interpreter.h"
+
+#include <algorithm>
+
+namespace tarn::r5900 {
+
+namespace {
+
+template <typename... Operations>
+struct List {};
+
+template <auto semantics, Width width>
+using Load = MemoryAccess<Access::Load, width, semantics>;
+template <auto semantics, Width width>
+using Store = MemoryAccess<Access::Store, width, semantics>;
+
+using OftenFirst =
+    List<NoOperation, Computation<ADDIU>, Computation<LUI>, Computation<ANDI>, Computation<ORI>,
+         Computation<ADDU>, Computation<SUBU>, Computation<AND>, Computation<OR>, Computation<XOR>,
+         Computation<DADDU>, Computation<SLT>, Computation<SLTU>, Computation<SLL>, Computation<SRL>,
+         Computation<SRA>, Load<LW, Width::Word>, Load<LBU, Width::Byte>, Load<LHU, Width::Halfword>,
+         Load<LD, Width::Doubleword>>;
+using OftenSecondOnly = List<Store<SW, Width::Word>, Store<SB, Width::Byte>, Store<SH, Width::Halfword>,
+                             Store<SD, Width::Doubleword>>;
+
+/// Executes an instruction and the one behind it, which `First` must not be able to change.
+template <typename First, typename Second>
+[[gnu::flatten]] void runTwo(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots,
+                             const u8* memory) {
+    if (!First::fast(at->operands.get<typename First::Fields>())) [[unlikely]] {
+        return runSlowly<First>(at, pc, budget, delaySlots, memory);
+    }
+    if (!Second::fast(at->nextOperands.get<typename Second::Fields>())) [[unlikely]] {
+        return next(at + 1, pc + 4, budget, delaySlots, memory);
+    }
+    return next(at + 2, pc + 8, budget, delaySlots, memory);
+}
+
+struct Pair {
+    Routine first, second;
+    Routine both;
+};
+
+template <typename First, typename... Seconds>
+constexpr auto pairsWith(List<Seconds...>) {
+    return std::array{Pair{run<First>, run<Seconds>, runTwo<First, Seconds>}...};
+}
+
+template <typename... Operations, typename... More>
+constexpr auto pairsOf(List<Operations...>, List<More...>) {
+    return std::array{pairsWith<Operations>(List<Operations..., More...>{})...};
+}
+
+constexpr auto pairs = pairsOf(OftenFirst{}, OftenSecondOnly{});
+
+}  // namespace
+
+Routine pairOf(Routine first, Routine second) {
+    for (const auto& row : pairs) {
+        if (row.front().first == first) {
+            const auto* found =
+                std::find_if(row.begin(), row.end(), [&](const Pair& pair) { return pair.second == second; });
+            return found != row.end() ? found->both : first;
+        }
+    }
+    return first;
+}
+
+}  // namespace tarn::r5900

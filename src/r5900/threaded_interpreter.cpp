@@ -1,0 +1,58 @@
+// The rare ways of the threaded interpreter: the end of a run, and instructions that are not at hand.
+#include "r5900/threaded_interpreter.h"
+
+#include "r5900/interpreter.h"
+
+namespace tarn::r5900 {
+
+namespace {
+
+/// Code from here on is run plainly: behind the last page there is nothing to compare, or to go on to.
+constexpr u64 codeEnd = mainMemorySize - codePageBytes;
+
+/// Brings the CPU record up to date, `pc` being the next instruction.
+void leave(u64 pc, StepBudget budget, u64 delaySlots) {
+    runState.steps = runState.limit - budget.stepsLeft(pc);
+    MipsCpu.cycle = runState.cycleAtStart + runState.steps + delaySlots;
+    MipsCpu.PC = pc;
+}
+
+}  // namespace
+
+void stepPlainly(DecodedInstruction*, u64 pc, StepBudget budget, u64 delaySlots, const u8*) {
+    leave(pc, budget, delaySlots);
+    MipsUpdateCpu();
+    runState.steps += 1;
+}
+
+void stepSlotPlainly(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots, const u8*,
+                     u64 target) {
+    leave(pc, budget, delaySlots);
+    MipsCpu.opcode = firstWord(at->words);
+    MipsCpu.cycle += 1;
+    jumpTo(target);
+    runState.steps += 1;
+}
+
+void interrupted(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots, const u8* memory) {
+    if (!budget.covers(pc)) {
+        return stepPlainly(at, pc, budget, delaySlots, memory);
+    }
+    decode(*at, wordsAt(memory, pc));
+    return at->run(at, pc, budget, delaySlots, memory);
+}
+
+void find(u64 pc, StepBudget budget, u64 delaySlots, const u8* memory) {
+    const bool isCode = pc < codeEnd && memory != nullptr;
+    CodePage* page = isCode ? codePageAt(pc) : nullptr;
+    if (page == nullptr) {
+        return stepPlainly(nullptr, pc, budget, delaySlots, memory);
+    }
+    return next(&(*page)[pc % codePageBytes / 4], pc, budget, delaySlots, memory);
+}
+
+void enterNextPage(DecodedInstruction*, u64 pc, StepBudget budget, u64 delaySlots, const u8* memory) {
+    return find(pc, budget, delaySlots, memory);
+}
+
+}  // namespace tarn::r5900

@@ -1,0 +1,196 @@
+// The threaded interpreter: the instructions' semantics as routines over decoded operands, each of which
+// calls the next.
+//
+// Straight-line code, branches and accesses to main memory are done here. A step that does anything else (a
+// device, a kernel call, a stop) is done by MipsUpdateCpu, and ends the run.
+#pragma once
+
+#include "memory/main_memory.h"
+#include "memory/memory.h"
+#include "r5900/branch.h"
+#include "r5900/decode_cache.h"
+#include "r5900/delay_slot.h"
+#include "r5900/loadstore.h"
+#include "r5900/semantics.h"
+
+namespace tarn::r5900 {
+
+/// What a run is measured by.
+struct RunState {
+    u64 limit = 0;         ///< steps
+    u64 steps = 0;         ///< that it has taken, known once it is over
+    u64 cycleAtStart = 0;  ///< MipsCpu.cycle
+};
+
+inline RunState runState;
+
+constexpr u32 firstWord(u64 words) { return static_cast<u32>(words); }
+constexpr u32 secondWord(u64 words) { return static_cast<u32>(words >> 32); }
+
+// The end of a run.
+
+/// Has the instruction at `pc` executed in the plain way, as the last of the run.
+void stepPlainly(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots, const u8* memory);
+
+/// The same for the one in the delay slot of the branch at `pc`, which is taken.
+void stepSlotPlainly(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots, const u8* memory,
+                     u64 target);
+
+// The way from one instruction to the next.
+
+/// The words at `pc`, which is code, and behind it.
+inline u64 wordsAt(const u8* memory, u64 pc) { return loadFrom<u64>(memory + pc, 0); }
+
+/// Goes on with an instruction that is not valid, or ends the run because its budget is spent.
+void interrupted(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots, const u8* memory);
+
+/// Goes on at an address for which no instruction is at hand, whatever it is.
+void find(u64 pc, StepBudget budget, u64 delaySlots, const u8* memory);
+
+/// The instructions behind the last one of a page.
+void enterNextPage(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots, const u8* memory);
+
+[[gnu::always_inline]] inline void next(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots,
+                                        const u8* memory) {
+    if (wordsAt(memory, pc) != at->words || !budget.covers(pc)) [[unlikely]] {
+        return interrupted(at, pc, budget, delaySlots, memory);
+    }
+    return at->run(at, pc, budget, delaySlots, memory);
+}
+
+/// Goes on at `target` after the step at `pc`, whose instruction is `at` and whose last word was `executed`.
+[[gnu::always_inline]] inline void goTo(u64 target, DecodedInstruction* at, u64 pc, StepBudget budget,
+                                        u64 delaySlots, const u8* memory, u32 (*executed)(u64 words)) {
+    const StepBudget left = budget.afterJump(pc + 4, target);
+    // The same page, and the same alignment.
+    if (((target ^ pc) & ~u64{codePageBytes - 4}) == 0) [[likely]] {
+        return next(at + (static_cast<s64>(target - pc) >> 2), target, left, delaySlots, memory);
+    }
+    MipsCpu.opcode = executed(at->words);  // which a fetch that is refused leaves
+    return find(target, left, delaySlots, memory);
+}
+
+// Instructions without branches. The fast path executes one, or gives false when it must be done with more
+// care; then the slow path does, or gives false when it must be done plainly.
+
+template <auto semantics>
+struct Computation {
+    using Fields = FieldsOf<semantics>;
+    static bool fast(const Fields& fields) {
+        semantics(fields);
+        return true;
+    }
+    static bool slow(const Fields& fields) { return fast(fields); }
+};
+
+/// Word 0, which is no shift of r0.
+struct NoOperation {
+    using Fields = NoFields;
+    static bool fast(Fields) { return true; }
+    static bool slow(Fields) { return true; }
+};
+
+/// A load or a store, done here when it lies in main memory: fast in the views where most do.
+template <Access access, Width width, auto semantics>
+struct MemoryAccess {
+    using Fields = FieldsOf<semantics>;
+    static bool fast(const Fields& fields) {
+        if (MipsMemory == nullptr) {
+            __builtin_unreachable();  // code is being run from it
+        }
+        if (!inMainMemory(usualOffset(addressOf(fields)), bytesOf(width))) [[unlikely]] {
+            return false;
+        }
+        semantics(fields);
+        return true;
+    }
+    static bool slow(const Fields& fields) {
+        if (mainMemoryOffset<access>(addressOf(fields), bytesOf(width)) == notMainMemory) {
+            return false;
+        }
+        semantics(fields);
+        return true;
+    }
+};
+
+template <typename Operation>
+[[gnu::noinline]] void runSlowly(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots,
+                                 const u8* memory) {
+    if (!Operation::slow(at->operands.get<typename Operation::Fields>())) {
+        return stepPlainly(at, pc, budget, delaySlots, memory);
+    }
+    return next(at + 1, pc + 4, budget, delaySlots, memory);
+}
+
+template <typename Operation>
+[[gnu::flatten]] void run(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots,
+                          const u8* memory) {
+    if (!Operation::fast(at->operands.get<typename Operation::Fields>())) [[unlikely]] {
+        return runSlowly<Operation>(at, pc, budget, delaySlots, memory);
+    }
+    return next(at + 1, pc + 4, budget, delaySlots, memory);
+}
+
+template <typename Operation>
+[[gnu::noinline]] void runInSlotSlowly(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots,
+                                       const u8* memory, u64 target) {
+    if (!Operation::slow(at->nextOperands.get<typename Operation::Fields>())) {
+        return stepSlotPlainly(at, pc, budget, delaySlots, memory, target);
+    }
+    return goTo(target, at, pc, budget, delaySlots + 1, memory, secondWord);
+}
+
+template <typename Operation>
+[[gnu::flatten]] void runInSlot(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots,
+                                const u8* memory, u64 target) {
+    if (!Operation::fast(at->nextOperands.get<typename Operation::Fields>())) [[unlikely]] {
+        return runInSlotSlowly<Operation>(at, pc, budget, delaySlots, memory, target);
+    }
+    return goTo(target, at, pc, budget, delaySlots + 1, memory, secondWord);
+}
+
+// Branches and jumps.
+
+template <auto condition, DelaySlot whenNotTaken>
+[[gnu::flatten]] void runBranch(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots,
+                                const u8* memory) {
+    const auto& fields = at->operands.get<FieldsOf<condition>>();
+    if (condition(fields)) {
+        return at->runInSlot(at, pc, budget, delaySlots, memory, branchTarget(pc, fields.offset));
+    }
+    if constexpr (whenNotTaken == DelaySlot::Skipped) {
+        return goTo(pc + 8, at, pc, budget, delaySlots, memory, firstWord);
+    } else {
+        return next(at + 1, pc + 4, budget, delaySlots, memory);
+    }
+}
+
+template <auto targetOf>
+[[gnu::flatten]] void runJump(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots,
+                              const u8* memory) {
+    const u64 target = targetOf(at->operands.get<FieldsOf<targetOf>>(), pc);
+    return at->runInSlot(at, pc, budget, delaySlots, memory, target);
+}
+
+// The routines of an instruction.
+
+template <typename Fields>
+void setOperands(DecodedOperands& operands, u32 word) {
+    operands.set<Fields>(word);
+}
+
+template <typename Operation>
+inline constexpr Routines routines{run<Operation>, runInSlot<Operation>,
+                                   setOperands<typename Operation::Fields>};
+
+/// A branch in a delay slot is rare, and nests: it takes the plain way.
+template <auto condition, DelaySlot whenNotTaken>
+inline constexpr Routines branchRoutines{runBranch<condition, whenNotTaken>, stepSlotPlainly,
+                                         setOperands<FieldsOf<condition>>};
+template <auto targetOf>
+inline constexpr Routines jumpRoutines{runJump<targetOf>, stepSlotPlainly, setOperands<FieldsOf<targetOf>>};
+
+inline constexpr Routines noOperation = routines<NoOperation>;
+inline constexpr Routines plainRoutines{stepPlainly, stepSlotPlainly, setOperands<NoFields>};
+
+}  // namespace tarn::r5900
