@@ -60,6 +60,7 @@ void continueGif() {
         const u32 done = GSgifTransferStep(MipsMemory + Ps2Bios.gifAddress, Ps2Bios.gifQuadwords);
         Ps2Bios.gifAddress += done * quadwordBytes;
         Ps2Bios.gifQuadwords -= done;
+        machine.counters.gifQuadwords += done;
     }
     if (!gifTransferGoesOn()) {
         acknowledge(gifChannel, gifControlOffset);

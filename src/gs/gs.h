@@ -45,6 +45,10 @@ u32 GSgifTransferStep(const u8* data, u32 count);
 /// lies there.
 void GSgifTransfer2(const u8* data);
 
+/// Pixels that primitives have written while they were counted. The host's own measure.
+inline u64 pixelsWritten = 0;
+void countPixels(bool on);
+
 /// Writes local memory, as a frame buffer of the displayed width, to "<prefix>snapNNN.bmp" (24-bit BMP), NNN
 /// the lowest number that is free. False when the file could not be written.
 bool GSmakeSnapshot(const char* prefix);

@@ -2,6 +2,7 @@
 #include "gs/pixel_writers.h"
 
 #include "base/bits.h"
+#include "gs/gs.h"
 #include "gs/local_memory.h"
 #include "machine/settings.h"
 
@@ -13,12 +14,36 @@ namespace {
 // The row stride is the frame's width; every pixel is a whole word whatever the format.
 u32& framePixel(u32 x, u32 y) { return fBufUL(y * Gs.gsfb->fbw + x); }
 
-template <AlphaTest test>
+template <AlphaTest test, PixelWriter store = _drawPixel>
 void writeTested(u32 x, u32 y, u32 colour) {
     if (passesAlphaTest(test, colour >> 24, Gs.test->aref)) {
-        _drawPixel(x, y, colour);
+        store(x, y, colour);
     }
 }
+
+void countPixel(u32 x, u32 y, u32 colour) {
+    ++pixelsWritten;
+    _drawPixel(x, y, colour);
+}
+
+template <AlphaTest test>
+constexpr PixelWriter counted = writeTested<test, countPixel>;
+
+/// As drawPixelT, but counting.
+constexpr std::array<PixelWriter, 9> countingWriters = {
+    countPixel,
+    _drawPixelA_F,
+    countPixel,
+    counted<AlphaTest::less>,
+    counted<AlphaTest::lessOrEqual>,
+    counted<AlphaTest::equal>,
+    counted<AlphaTest::greaterOrEqual>,
+    counted<AlphaTest::greater>,
+    counted<AlphaTest::notEqual>,
+};
+
+/// The table that writers are taken from.
+const std::array<PixelWriter, 9>* writers = &drawPixelT;
 
 /// The colour word that ALPHA.A, B and D select: 0 the source, 1 the destination, else black.
 u32 blendInput(u32 select, u32 source, u32 destination) {
@@ -80,10 +105,14 @@ void _drawPixelBlend(u32 x, u32 y, u32 colour) {
     drawPixel2(x, y, result);  // so an alpha test behind the blender always sees alpha 0
 }
 
+void countPixels(bool on) { writers = on ? &countingWriters : &drawPixelT; }
+
+bool pixelsAreCounted() { return writers != &drawPixelT; }
+
 bool blendingSelected() { return Settings.blend == 1 && Gs.prim->abe == 1; }
 
 void selectPixelWriter() {
-    const PixelWriter tested = drawPixelT[Gs.test->ate == 1 ? Gs.test->atst + 1 : 0];
+    const PixelWriter tested = (*writers)[Gs.test->ate == 1 ? Gs.test->atst + 1 : 0];
     drawPixel = blendingSelected() ? _drawPixelBlend : tested;
     drawPixel2 = tested;
 }

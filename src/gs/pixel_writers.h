@@ -77,4 +77,7 @@ void selectPixelWriter();
 /// Whether pixels of the current primitive go through the blending writer.
 bool blendingSelected();
 
+/// Whether every pixel has to go through its writer, to be counted.
+bool pixelsAreCounted();
+
 }  // namespace tarn

@@ -2,7 +2,9 @@
 #include "gs/primitives.h"
 
 #include "gs/drawing.h"
+#include "gs/gs.h"
 #include "gs/local_memory.h"
+#include "gs/pixel_writers.h"
 
 #include <algorithm>
 #include <limits>
@@ -128,6 +130,7 @@ void primPoint(const GsVertex* vertices) {
     }
     // Points take no part in the pixel pipeline: no alpha test, no depth test.
     fBufUL(static_cast<u32>(point.y) * Gs.gsfb->fbw + static_cast<u32>(point.x)) = Gs.rgba;
+    pixelsWritten += pixelsAreCounted() ? 1 : 0;
 }
 
 void primLine(const GsVertex* vertices) {

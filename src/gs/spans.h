@@ -10,6 +10,7 @@
 //   advance(count)     moves `count` pixels on.
 #pragma once
 
+#include "gs/gs.h"
 #include "gs/local_memory.h"
 #include "gs/pixel_writers.h"
 
@@ -136,6 +137,15 @@ struct StoreColour {
     static void step() {}
 };
 
+struct StoreAndCount {
+    static void start(u32 /*x*/, u32 /*y*/) {}
+    static void write(u32& pixel, u32 colour) {
+        pixel = colour;
+        ++pixelsWritten;
+    }
+    static void step() {}
+};
+
 struct DropColour {
     static void start(u32 /*x*/, u32 /*y*/) {}
     static void write(u32& /*pixel*/, u32 /*colour*/) {}
@@ -155,7 +165,7 @@ struct TestAlpha {
     static void step() {}
 };
 
-/// Whatever writer has been selected; the way of blended pixels.
+/// Whatever writer has been selected; the way of blended and of counted pixels.
 struct CallWriter {
     u32 column = 0;
     u32 row = 0;
@@ -173,7 +183,7 @@ template <class Source, class Draw>
 void withPixelEnd(const Source& source, Draw draw) {
     selectPixelWriter();
     const auto test = Gs.test->ate == 1 ? AlphaTest{Gs.test->atst} : AlphaTest::always;
-    if (blendingSelected()) {
+    if (blendingSelected() || pixelsAreCounted()) {
         draw(CallWriter{});
     } else if constexpr (Source::constantAlpha) {
         if (passesAlphaTest(test, source.alpha(), Gs.test->aref)) {

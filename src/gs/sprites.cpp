@@ -174,7 +174,11 @@ void drawSprite_Z(const GsVertex* vertices) {
             withPixelEnd(source, [&](auto end) { fillRectangle(vertices, source, depth, end); });
         } else {
             // Where depth is compared, a sprite's pixels take no alpha test.
-            fillRectangle(vertices, source, depth, StoreColour{});
+            if (pixelsAreCounted()) {
+                fillRectangle(vertices, source, depth, StoreAndCount{});
+            } else {
+                fillRectangle(vertices, source, depth, StoreColour{});
+            }
         }
     });
 }

@@ -16,6 +16,7 @@ struct MachineCounters {
     u64 driverSteps = 0;  ///< completed ones; a step number names a moment of a run
     u64 verticalBlanks = 0;
     u64 dmaTransfers = 0;  ///< starts of DMA channel 2
+    u64 gifQuadwords = 0;  ///< that channel 2 has taken to the GS
 };
 
 struct Machine {

@@ -1,6 +1,7 @@
 // Decoding, and the pages of decoded instructions: made when code is first run there, and bounded in number.
 #include "r5900/decode_cache.h"
 
+#include "r5900/observed_run.h"
 #include "r5900/operation.h"
 #include "r5900/pairs.h"
 #include "r5900/threaded_interpreter.h"
@@ -50,20 +51,20 @@ CodePage* makePage(u32 number) {
     return slot.page.get();
 }
 
-const Routines& routinesOf(u32 word) {
-    if (word == 0) {
-        return noOperation;
-    }
-    const Operation& operation = operationOf(word);
-    return operation.pausesOn(word) ? plainRoutines : operation.routines;
-}
-
 }  // namespace
 
 CodePage* codePageAt(u64 pc) {
     const auto number = static_cast<u32>(pc / codePageBytes);
     CodePage* page = pageByNumber[number];
     return page != nullptr ? page : makePage(number);
+}
+
+const Routines& routinesOf(u32 word) {
+    if (word == 0) {
+        return noOperation;
+    }
+    const Operation& operation = operationOf(word);
+    return operation.pausesOn(word) ? plainRoutines : operation.routines;
 }
 
 void decode(DecodedInstruction& instruction, u64 words) {
@@ -76,6 +77,17 @@ void decode(DecodedInstruction& instruction, u64 words) {
     instruction.words = words;
     first.setOperands(instruction.operands, firstWord(words));
     second.setOperands(instruction.nextOperands, secondWord(words));
+    if (branchObserver != nullptr) {
+        observe(instruction);
+    }
+}
+
+void dropDecodedInstructions() {
+    for (const KeptPage& slot : kept) {
+        if (slot.page != nullptr) {
+            clearPage(*slot.page);
+        }
+    }
 }
 
 }  // namespace tarn::r5900

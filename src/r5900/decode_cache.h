@@ -84,7 +84,13 @@ using CodePage = std::array<DecodedInstruction, codePageWords + 2>;
 /// Another page's instructions may be given up for it: no pointer to an instruction survives this call.
 CodePage* codePageAt(u64 pc);
 
+/// How the instruction with this word is run.
+const Routines& routinesOf(u32 word);
+
 /// Makes `instruction` what the two words say.
 void decode(DecodedInstruction& instruction, u64 words);
+
+/// Has every instruction decoded again.
+void dropDecodedInstructions();
 
 }  // namespace tarn::r5900

@@ -1,13 +1,14 @@
 // Runs of many steps.
-#include "machine/processor.h"
+#include "r5900/runner.h"
 
+#include "machine/processor.h"
 #include "r5900/interpreter.h"
 #include "r5900/threaded_interpreter.h"
 #include "r5900/trace.h"
 
 #include <algorithm>
 
-namespace tarn {
+namespace tarn::r5900 {
 
 namespace {
 
@@ -17,15 +18,21 @@ constexpr u64 longestRun = 4096;
 
 }  // namespace
 
-u64 MipsRun(u64 limit) {
-    using namespace r5900;
+u64 runDecoded(u64 limit) {
     if (tracing()) {
+        runState.lastStep = {MipsCpu.PC, MipsCpu.cycle};
         MipsUpdateCpu();
         return 1;
     }
-    runState = {std::min(limit, longestRun), 0, MipsCpu.cycle};
+    runState = {std::min(limit, longestRun), 0, MipsCpu.cycle, {}};
     find(MipsCpu.PC, StepBudget::of(runState.limit, MipsCpu.PC), 0, MipsMemory);
     return runState.steps;
 }
+
+}  // namespace tarn::r5900
+
+namespace tarn {
+
+u64 MipsRun(u64 limit) { return r5900::runMethod(limit); }
 
 }  // namespace tarn

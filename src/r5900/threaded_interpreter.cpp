@@ -15,6 +15,7 @@ void leave(u64 pc, StepBudget budget, u64 delaySlots) {
     runState.steps = runState.limit - budget.stepsLeft(pc);
     MipsCpu.cycle = runState.cycleAtStart + runState.steps + delaySlots;
     MipsCpu.PC = pc;
+    runState.lastStep = {pc, MipsCpu.cycle};
 }
 
 }  // namespace
@@ -28,6 +29,7 @@ void stepPlainly(DecodedInstruction*, u64 pc, StepBudget budget, u64 delaySlots,
 void stepSlotPlainly(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots, const u8*,
                      u64 target) {
     leave(pc, budget, delaySlots);
+    runState.lastStep.branchWasSeen = true;
     MipsCpu.opcode = firstWord(at->words);
     MipsCpu.cycle += 1;
     jumpTo(target);

@@ -8,6 +8,7 @@
 #include "memory/main_memory.h"
 #include "memory/memory.h"
 #include "r5900/branch.h"
+#include "r5900/branch_observer.h"
 #include "r5900/decode_cache.h"
 #include "r5900/delay_slot.h"
 #include "r5900/loadstore.h"
@@ -20,9 +21,15 @@ struct RunState {
     u64 limit = 0;         ///< steps
     u64 steps = 0;         ///< that it has taken, known once it is over
     u64 cycleAtStart = 0;  ///< MipsCpu.cycle
+    LastStep lastStep;
 };
 
 inline RunState runState;
+
+/// MipsCpu.cycle before the instruction at `pc`, which is brought up to date only at the end of a run.
+inline u64 cycleAt(u64 pc, StepBudget budget, u64 delaySlots) {
+    return runState.cycleAtStart + runState.limit - budget.stepsLeft(pc) + delaySlots;
+}
 
 constexpr u32 firstWord(u64 words) { return static_cast<u32>(words); }
 constexpr u32 secondWord(u64 words) { return static_cast<u32>(words >> 32); }

@@ -11,6 +11,11 @@
 #include "shell/output_files.h"
 #include "shell/progress_line.h"
 #include "shell/session.h"
+#include "symbols/callgrind_file.h"
+#include "symbols/elf_symbols.h"
+#include "symbols/lcov_file.h"
+#include "symbols/pause_report.h"
+#include "symbols/profiler.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -23,7 +28,15 @@ namespace {
 enum class End { stepLimit, frameLimit, signal, paused, killed, startFailed };
 
 OutputFile traceFile;
+OutputFile profileFile;
+OutputFile coverageFile;
 ProgressLine progress;
+
+/// What the program says of itself, read when it is first asked for.
+const symbols::SymbolTable& programSymbols() {
+    static const symbols::SymbolTable table = symbols::readSymbols(Settings.ElfToExecute);
+    return table;
+}
 
 /// The panes keep no text: EmuOutput's goes to standard error, that of the others to the trace. A text that
 /// ends its own line is not given a second end.
@@ -89,15 +102,6 @@ End runDebugged(gdb::Server& debugger, const RunLimits& limits) {
     }
 }
 
-/// Whether PC is on the current instruction: it has left it after a failed access and after a delay slot, and
-/// has not come to it where nothing can be fetched.
-bool isOnInstruction() {
-    const auto address = static_cast<u32>(MipsCpu.PC);
-    const std::size_t size = sizeof MipsCpu.opcode;
-    return MipsMemory != nullptr && address <= mainMemorySize - size &&
-           std::memcmp(MipsMemory + address, &MipsCpu.opcode, size) == 0;
-}
-
 void reportEnd(End end) {
     switch (end) {
     case End::stepLimit:
@@ -111,7 +115,7 @@ void reportEnd(End end) {
         break;
     case End::paused:
         std::fprintf(stderr, "tarn-headless: the CPU paused at PC 0x%8.8llx, %sinstruction 0x%8.8x (%s)",
-                     MipsCpu.PC, isOnInstruction() ? "" : "last ", MipsCpu.opcode,
+                     MipsCpu.PC, symbols::pausedInstruction() == MipsCpu.PC ? "" : "last ", MipsCpu.opcode,
                      mnemonicOf(MipsCpu.opcode));
         break;
     case End::killed:
@@ -123,6 +127,11 @@ void reportEnd(End end) {
     }
     std::fprintf(stderr, " after %llu steps and %llu vertical blanks\n", machine.counters.driverSteps,
                  machine.counters.verticalBlanks);
+    if (end == End::paused) {
+        for (const std::string& line : symbols::pauseReport(programSymbols())) {
+            std::fprintf(stderr, "tarn-headless: %s\n", line.c_str());
+        }
+    }
 }
 
 int exitStatus(End end) {
@@ -149,6 +158,35 @@ bool writeSnapshot(const std::string& prefix) {
                             Gs.vRam == nullptr ? "there is no GS memory" : std::strerror(errno));
 }
 
+/// Opens the files that are written of what is counted, and has it counted.
+bool beginCounting(const HeadlessOptions& options) {
+    if (options.profile) {
+        profileFile.open(*options.profile);
+    }
+    if (options.coverage) {
+        coverageFile.open(*options.coverage);
+    }
+    if ((options.profile || options.coverage) && !symbols::startCounting(programSymbols())) {
+        std::fprintf(stderr, "tarn-headless: there is no memory for the counts\n");
+        return false;
+    }
+    return true;
+}
+
+/// Writes them; false when one is lost.
+bool writeCounts(const HeadlessOptions& options) {
+    const auto counts = symbols::stopCounting();
+    if (counts && profileFile.isOpen()) {
+        symbols::writeCallgrind(profileFile.stream(), *counts, programSymbols(), Settings.ElfToExecute);
+    }
+    if (counts && coverageFile.isOpen()) {
+        symbols::writeLcov(coverageFile.stream(), *counts, programSymbols());
+    }
+    const bool profiled = !options.profile || profileFile.close();
+    const bool covered = !options.coverage || coverageFile.close();
+    return profiled && covered;
+}
+
 /// Writes every output that is asked for, each whatever becomes of the others; false when one is lost.
 bool writeOutputs(const HeadlessOptions& options) {
     bool complete = true;
@@ -167,6 +205,9 @@ bool writeOutputs(const HeadlessOptions& options) {
     }
     if (options.trace) {
         complete &= traceFile.close();
+    }
+    if (options.profile || options.coverage) {
+        complete &= writeCounts(options);
     }
     return complete;
 }
@@ -187,7 +228,7 @@ int runHeadless(const HeadlessOptions& options) {
 
     End end = End::startFailed;
     gdb::Server debugger;
-    if ((!options.gdbPort || debugger.listen(*options.gdbPort)) && start()) {
+    if ((!options.gdbPort || debugger.listen(*options.gdbPort)) && start() && beginCounting(options)) {
         const RunLimits limits = limitsOf(options);
         end = options.gdbPort ? runDebugged(debugger, limits) : endOf(runUntil(limits, lookAround));
     }

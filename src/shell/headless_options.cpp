@@ -10,7 +10,21 @@
 namespace tarn {
 namespace {
 
-enum Option { steps = 256, frames, picture, snapshot, dumpVram, registers, trace, gdb, quiet, help, version };
+enum Option {
+    steps = 256,
+    frames,
+    picture,
+    snapshot,
+    dumpVram,
+    registers,
+    trace,
+    profile,
+    coverage,
+    gdb,
+    quiet,
+    help,
+    version
+};
 
 constexpr option longOptions[] = {
     {"steps", required_argument, nullptr, steps},
@@ -20,6 +34,8 @@ constexpr option longOptions[] = {
     {"dump-vram", required_argument, nullptr, dumpVram},
     {"registers", no_argument, nullptr, registers},
     {"trace", required_argument, nullptr, trace},
+    {"profile", required_argument, nullptr, profile},
+    {"coverage", required_argument, nullptr, coverage},
     {"gdb", required_argument, nullptr, gdb},
     {"quiet", no_argument, nullptr, quiet},
     {"help", no_argument, nullptr, help},
@@ -54,6 +70,8 @@ const char* const headlessUsage =
     "  --dump-vram FILE    write the raw 4 MB of GS memory\n"
     "  --registers         print the integer and the floating-point registers\n"
     "  --trace FILE        trace every instruction into FILE\n"
+    "  --profile FILE      count every instruction, and write the profile in callgrind's format\n"
+    "  --coverage FILE     write which lines and functions ran, in lcov's format\n"
     "  --gdb PORT          wait for a GDB on this port of the loopback interface (0: any free one) and run\n"
     "                      the machine as it says\n"
     "  --quiet             show no progress line on a terminal\n"
@@ -93,6 +111,12 @@ std::optional<HeadlessOptions> parseHeadlessOptions(int count, char** arguments)
         case trace:
             options.trace = optarg;
             break;
+        case profile:
+            options.profile = optarg;
+            break;
+        case coverage:
+            options.coverage = optarg;
+            break;
         case gdb:
             options.gdbPort = parseNumber<u16>("gdb", optarg);
             usable = usable && options.gdbPort.has_value();
@@ -113,6 +137,10 @@ std::optional<HeadlessOptions> parseHeadlessOptions(int count, char** arguments)
     }
     if (optind < count) {
         std::fprintf(stderr, "tarn-headless: unexpected argument '%s'\n", arguments[optind]);
+        usable = false;
+    }
+    if (options.gdbPort && (options.profile || options.coverage)) {
+        std::fprintf(stderr, "tarn-headless: --profile and --coverage do not count what --gdb runs\n");
         usable = false;
     }
     if (!usable) {

@@ -15,6 +15,8 @@ struct HeadlessOptions {
     std::optional<std::string> snapshot;
     std::optional<std::string> vramDump;
     std::optional<std::string> trace;
+    std::optional<std::string> profile;
+    std::optional<std::string> coverage;
     std::optional<u16> gdbPort;  ///< loopback port to wait for a debugger on; 0 stands for any free one
     bool registers = false;
     bool quiet = false;

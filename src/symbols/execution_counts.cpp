@@ -1,0 +1,149 @@
+// Exact counts of what a program executes: instructions by address, and the calls with what they cost.
+#include "symbols/execution_counts.h"
+
+#include "base/bits.h"
+
+#include <algorithm>
+
+namespace tarn::symbols {
+namespace {
+
+constexpr std::size_t deepestFrame = 1 << 20;
+constexpr std::size_t framesSearched = 256;  // for where a return goes to
+constexpr u32 returnDistance = 8;            // from a call to where it returns
+
+enum class BranchKind { Call, Return, Jump, Inside };
+
+BranchKind kindOf(u32 word) {
+    constexpr u32 special = 0, regimm = 1, j = 2, jal = 3, jr = 8, jalr = 9, returnAddress = 31;
+    const u32 function = bits(word, 0, 6);
+    switch (bits(word, 26, 6)) {
+    case special:
+        if (function == jr) {
+            return bits(word, 21, 5) == returnAddress ? BranchKind::Return : BranchKind::Jump;
+        }
+        return function == jalr ? BranchKind::Call : BranchKind::Inside;
+    case regimm:
+        return bit(word, 20) != 0 ? BranchKind::Call : BranchKind::Inside;  // BGEZAL and its kin
+    case j:
+        return BranchKind::Jump;
+    case jal:
+        return BranchKind::Call;
+    default:
+        return BranchKind::Inside;
+    }
+}
+
+}  // namespace
+
+void ExecutionCounts::branch(u32 word, u64 pc, u64 target, const Costs& now) {
+    const auto site = static_cast<u32>(pc);
+    const auto to = static_cast<u32>(target);
+    switch (kindOf(word)) {
+    case BranchKind::Call:
+        enter(site, to, site + returnDistance, false, now);
+        break;
+    case BranchKind::Return:
+        returnTo(to, now);
+        break;
+    case BranchKind::Jump:
+        // To its own beginning a function may well loop.
+        if (entry[target] && !frames.empty() && allCalls[frames.back().call].target != to) {
+            enter(site, to, frames.back().returnAddress, true, now);
+        }
+        break;
+    case BranchKind::Inside:
+        break;
+    }
+}
+
+u32 ExecutionCounts::callNumber(u32 site, u32 target) {
+    u32* link = &firstCall[site];
+    while (*link != 0) {
+        const u32 number = *link - 1;
+        if (allCalls[number].target == target) {
+            return number;
+        }
+        link = &nextCall[number];
+    }
+    *link = static_cast<u32>(allCalls.size() + 1);
+    nextCall.push_back(0);
+    allCalls.push_back({site, target, 0, {}});
+    return static_cast<u32>(allCalls.size() - 1);
+}
+
+void ExecutionCounts::enter(u32 site, u32 target, u32 returnAddress, bool isJump, const Costs& now) {
+    if (frames.size() == deepestFrame) {
+        ++ignoredFrames;
+        return;
+    }
+    const u32 call = callNumber(site, target);
+    ++allCalls[call].count;
+    ++active[target];
+    frames.push_back({returnAddress, call, isJump, now});
+}
+
+void ExecutionCounts::leave(const Costs& now) {
+    const Frame& frame = frames.back();
+    Call& call = allCalls[frame.call];
+    if (--active[call.target] == 0) {
+        call.inclusive += now - frame.atEntry;
+    }
+    frames.pop_back();
+}
+
+/// Leaves the calls that a return ends: those of the frame with this return address, and above it.
+void ExecutionCounts::returnTo(u32 target, const Costs& now) {
+    if (ignoredFrames > 0) {
+        --ignoredFrames;
+        return;
+    }
+    const auto last = frames.rbegin() + static_cast<std::ptrdiff_t>(std::min(frames.size(), framesSearched));
+    const auto found = std::find_if(frames.rbegin(), last, [&](const Frame& frame) {
+        return frame.returnAddress == target && !frame.isJump;
+    });
+    if (found == last) {
+        return;
+    }
+    for (auto count = found - frames.rbegin() + 1; count > 0; --count) {
+        leave(now);
+    }
+}
+
+void ExecutionCounts::transfer(u64 pc, u64 pixels, u64 words) {
+    const auto address = static_cast<u32>(pc) & ~3U;
+    const auto place = std::ranges::lower_bound(transfers, address, {}, &AddressCosts::address);
+    const Costs costs{0, pixels, words};
+    if (place != transfers.end() && place->address == address) {
+        place->costs += costs;
+    } else {
+        transfers.insert(place, {address, costs});
+    }
+}
+
+void ExecutionCounts::finish(const Costs& now) {
+    while (!frames.empty()) {
+        leave(now);
+    }
+}
+
+std::vector<AddressCosts> ExecutionCounts::byAddress() const {
+    std::vector<AddressCosts> result;
+    auto started = transfers.begin();
+    u32 address = 0;
+    s64 count = 0;
+    for (const s64 change : balance.all()) {
+        count += change;
+        if (count > 0) {
+            Costs costs{static_cast<u64>(count), 0, 0};
+            if (started != transfers.end() && started->address == address) {
+                costs += started++->costs;
+            }
+            result.push_back({address, costs});
+        }
+        address += 4;
+    }
+    return result;
+}
+
+}  // namespace tarn::symbols

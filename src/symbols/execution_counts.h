@@ -1,0 +1,112 @@
+// Exact counts of what a program executes: instructions by address, and the calls with what they cost.
+#pragma once
+
+#include "base/types.h"
+#include "machine/areas.h"
+
+#include <cstdlib>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace tarn::symbols {
+
+/// What is counted, as running totals or as what a part of the run took.
+struct Costs {
+    u64 instructions = 0;
+    u64 pixels = 0;  ///< that the GS wrote
+    u64 words = 0;   ///< of 32 bits that DMA took to the GS
+
+    friend constexpr Costs operator-(const Costs& a, const Costs& b) {
+        return {a.instructions - b.instructions, a.pixels - b.pixels, a.words - b.words};
+    }
+    constexpr Costs& operator+=(const Costs& other) {
+        instructions += other.instructions;
+        pixels += other.pixels;
+        words += other.words;
+        return *this;
+    }
+    constexpr bool operator==(const Costs&) const = default;
+};
+
+/// All calls from one instruction to one function. Addresses are offsets in main memory.
+struct Call {
+    u32 site = 0;
+    u32 target = 0;
+    u64 count = 0;
+    Costs inclusive;  ///< what the function took, without its calls to itself
+};
+
+struct AddressCosts {
+    u32 address = 0;
+    Costs costs;
+};
+
+/// An array with an item for each word of main memory. The host provides only what is touched.
+template <typename Item>
+class PerWord {
+  public:
+    bool exists() const { return items != nullptr; }
+    Item& operator[](u64 address) { return items.get()[address / 4 % count]; }
+    std::span<const Item> all() const { return {items.get(), count}; }
+
+  private:
+    static constexpr std::size_t count = mainMemorySize / 4;
+    struct Freer {
+        void operator()(Item* memory) const { std::free(memory); }
+    };
+    std::unique_ptr<Item, Freer> items{static_cast<Item*>(std::calloc(count, sizeof(Item)))};
+};
+
+class ExecutionCounts {
+  public:
+    /// False when the host has no memory for the counts, and nothing else may be called.
+    bool exist() const { return balance.exists() && firstCall.exists() && active.exists() && entry.exists(); }
+
+    /// A jump to this address, where a function begins, counts as a call; the call that it is made in ends
+    /// along with it.
+    void noteFunction(u32 address) { entry[address] = true; }
+
+    // The program goes in straight lines. One begins at an address, and ends before another one.
+    void begin(u64 pc) { balance[pc] += 1; }
+    void end(u64 pc) { balance[pc] -= 1; }
+
+    /// The branch or jump `word` at `pc` has led to `target`. `now` are the costs until then, its delay slot
+    /// included.
+    void branch(u32 word, u64 pc, u64 target, const Costs& now);
+
+    /// The instruction at `pc` has had the GS do this.
+    void transfer(u64 pc, u64 pixels, u64 words);
+
+    /// Ends the calls that the program is in. Nothing is counted any more.
+    void finish(const Costs& now);
+
+    /// By rising address, for each word that was executed.
+    std::vector<AddressCosts> byAddress() const;
+    const std::vector<Call>& calls() const { return allCalls; }
+
+  private:
+    struct Frame {
+        u32 returnAddress;
+        u32 call;  ///< index in allCalls
+        bool isJump;
+        Costs atEntry;
+    };
+
+    void enter(u32 site, u32 target, u32 returnAddress, bool isJump, const Costs& now);
+    void leave(const Costs& now);
+    void returnTo(u32 target, const Costs& now);
+    u32 callNumber(u32 site, u32 target);
+
+    PerWord<s64> balance;    ///< lines that begin here, less those that end
+    PerWord<u32> firstCall;  ///< from here: 1 + index in allCalls, or 0
+    PerWord<u32> active;     ///< how many frames there are of the function that begins here
+    PerWord<bool> entry;     ///< whether a function begins here
+    std::vector<Call> allCalls;
+    std::vector<u32> nextCall;  ///< from the same instruction, as in firstCall
+    std::vector<Frame> frames;
+    u64 ignoredFrames = 0;  ///< beyond the deepest that are kept
+    std::vector<AddressCosts> transfers;
+};
+
+}  // namespace tarn::symbols

@@ -1,0 +1,136 @@
+// What a person wants to know when the CPU has paused: where in the program, how it got there, what to do.
+#include "symbols/pause_report.h"
+
+#include "kernel/syscall_table.h"
+#include "machine/machine.h"
+#include "memory/main_memory.h"
+#include "memory/width.h"
+#include "r5900/fields.h"
+#include "r5900/operation.h"
+#include "symbols/call_chain.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace tarn::symbols {
+namespace {
+
+template <typename... Values>
+std::string format(const char* form, Values... values) {
+    char text[256];
+    std::snprintf(text, sizeof text, form, values...);
+    return text;
+}
+
+bool isCurrentInstruction(u32 address) {
+    return MipsMemory != nullptr && address <= mainMemorySize - sizeof MipsCpu.opcode &&
+           std::memcmp(MipsMemory + address, &MipsCpu.opcode, sizeof MipsCpu.opcode) == 0;
+}
+
+// Advice.
+
+struct Area {
+    u32 first;
+    u32 last;
+    const char* name;
+    const char* takes;
+};
+
+constexpr std::array areas{
+    Area{mainMemoryFirst, mainMemorySize - 2, "main memory", "any access"},
+    Area{specialAreaFirst, specialAreaFirst + specialAreaSize - 2, "the device registers",
+         "words and doublewords"},
+    Area{0x12000000, 0x12001080, "the registers of the GS", "words and doublewords"},
+    Area{0x1FC00000, 0x1FC00000 + biosMemorySize - 2, "the BIOS image", "loads of words and bytes"},
+};
+
+u32 distance(const Area& area, u32 address) {
+    if (address < area.first) {
+        return area.first - address;
+    }
+    return address > area.last ? address - area.last : 0;
+}
+
+/// For the address of an access that failed.
+std::string adviceForAddress(u32 address) {
+    const u32 physical = foldKernelSegment(address);
+    const Area& nearest =
+        *std::ranges::min_element(areas, {}, [&](const Area& area) { return distance(area, physical); });
+    if (distance(nearest, physical) == 0) {
+        return format("0x%08x is in %s, 0x%08x to 0x%08x: only %s work there", address, nearest.name,
+                      nearest.first, nearest.last, nearest.takes);
+    }
+    return format("nothing is at 0x%08x%s; the nearest is %s, 0x%08x to 0x%08x", address,
+                  physical < nearest.first && physical < 0x1000 ? ", a null pointer" : "", nearest.name,
+                  nearest.first, nearest.last);
+}
+
+/// The number of a kernel call, its name if it has one, and what the program's end means.
+std::string adviceForCall() {
+    constexpr u8 exitNumber = 0x04;
+    const auto number = static_cast<u8>(MipsCpu.GPR[REG_V1].low);
+    if (number == exitNumber) {
+        return format("the program has ended, with result %d",
+                      static_cast<s32>(static_cast<u32>(MipsCpu.GPR[REG_A0].low)));
+    }
+    const std::string_view name = debug_syscall[number];
+    constexpr std::string_view prefix = "SYSCALL_";
+    return format("the kernel call 0x%02x, %s, is not there", number,
+                  name == "SYSCALL_NI" ? "which has no name" : name.substr(prefix.size()).data());
+}
+
+/// A load that has put something else into the register that its address came from.
+bool addressIsLost(u32 word) {
+    const auto fields = r5900::MemoryFields::from(word);
+    return fields.base.number() == fields.rt.number();
+}
+
+std::string advice() {
+    const u32 word = MipsCpu.opcode;
+    const r5900::Operation& operation = r5900::operationOf(word);
+    constexpr u32 syscall = 0x0C;
+    if (static_cast<u32>(MipsCpu.PC) > mainMemorySize - 4) {
+        return "there is no code outside main memory: a wrong function pointer or return address";
+    }
+    if (r5900::majorOpcode(word) == 0 && r5900::functionCode(word) == syscall) {
+        return adviceForCall();
+    }
+    if (operation.accessesMemory() && !(operation.kind == r5900::Kind::Load && addressIsLost(word))) {
+        return adviceForAddress(operation.address(word));
+    }
+    return "";
+}
+
+}  // namespace
+
+std::optional<u32> pausedInstruction() {
+    const auto pc = static_cast<u32>(MipsCpu.PC);
+    for (const u32 address : {pc, pc - 4}) {
+        if (isCurrentInstruction(address)) {
+            return address;
+        }
+    }
+    return std::nullopt;
+}
+
+std::vector<std::string> pauseReport(const SymbolTable& table) {
+    std::vector<std::string> lines;
+    const std::optional<u32> address = pausedInstruction();
+    const u32 place = address.value_or(static_cast<u32>(MipsCpu.PC));
+    if (const std::string text = table.describe(place); !text.empty()) {
+        lines.push_back((address ? "in " : "on its way to ") + text);
+    }
+    if (MipsMemory != nullptr) {
+        for (const u32 site :
+             callersOf(table, MipsMemory, place, MipsCpu.GPR[REG_SP].low, MipsCpu.GPR[REG_RA].low)) {
+            lines.push_back("called from " + table.describe(site));
+        }
+    }
+    if (const std::string text = advice(); !text.empty()) {
+        lines.push_back(text);
+    }
+    return lines;
+}
+
+}  // namespace tarn::symbols

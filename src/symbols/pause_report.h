@@ -1,0 +1,15 @@
+// What a person wants to know when the CPU has paused: where in the program, how it got there, what to do.
+#pragma once
+
+#include "symbols/symbol_table.h"
+
+namespace tarn::symbols {
+
+/// The address of the instruction that paused the CPU: PC has left it after an access that failed. Nothing
+/// when it was in a delay slot or could not be fetched.
+std::optional<u32> pausedInstruction();
+
+/// The lines of the report on the machine as it is, which has paused. None of them for what is not known.
+std::vector<std::string> pauseReport(const SymbolTable& table);
+
+}  // namespace tarn::symbols

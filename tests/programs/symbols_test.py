@@ -1,0 +1,150 @@
+"""What is said of a program in its own words: pauses, profiles and coverage, read with the tools that others use."""
+
+import re
+import subprocess
+
+from tarn_programs import ProgramTest, elf
+
+# Each line ends in how often it runs. Both calls of leaf return to _start by way of work, the second as a jump; the
+# transfer starts in a delay slot, when its function has all but returned.
+SOURCE = """\
+        .set noreorder
+        .macro function name
+        .globl \\name
+        .type \\name, @function
+\\name:
+        .endm
+        function _start
+        li      $16, 3                  # 1
+1:      jal     work                    # 3
+        addiu   $16, $16, -1            # 3
+        bnez    $16, 1b                 # 3
+        nop                             # 3
+        beql    $0, $16, 2f             # 1
+        nop                             # 1
+2:      bnel    $0, $16, 1b             # 1
+        nop                             # 0
+        jal     draw                    # 1
+        li      $4, 5                   # 1
+        li      $3, 4                   # 1
+        syscall                         # 1
+        .size _start, . - _start
+        function work
+        addiu   $sp, $sp, -16           # 3
+        sd      $31, 0($sp)             # 3
+        jal     leaf                    # 3
+        nop                             # 3
+        ld      $31, 0($sp)             # 3
+        j       leaf                    # 3
+        addiu   $sp, $sp, 16            # 3
+        .size work, . - work
+        function leaf
+        jr      $31                     # 6
+        nop                             # 6
+        .size leaf, . - leaf
+        function unused
+        jr      $31                     # 0
+        nop                             # 0
+        .size unused, . - unused
+        function draw
+        lui     $8, 0x1001              # 1
+        lui     $9, %hi(packet)         # 1
+        addiu   $9, $9, %lo(packet)     # 1
+        sw      $9, -0x5FF0($8)         # 1
+        li      $9, 7                   # 1
+        sw      $9, -0x5FE0($8)         # 1
+        li      $9, 0x101               # 1
+        jr      $31                     # 1
+        sw      $9, -0x6000($8)         # 1
+        .size draw, . - draw
+        .data
+        .align 4
+packet: .quad 0x1000000000008006, 0xE, 0x10000, 0x4C, 0x003F0000003F0000, 0x40, 6, 0, 0xFFFFFF, 1, 0, 5, 0x5000A0, 5
+"""
+
+
+class SymbolsTest(ProgramTest):
+    def build(self, source):
+        (self.directory / "count.S").write_text(source)
+        subprocess.run(["mipsel-linux-gnu-gcc", "-march=r5900", "-mabi=n32", "-msingle-float", "-mno-abicalls", "-fno-pic", "-G0", "-g",
+                        "-nostdlib", "-static", "-Wl,--build-id=none,-Ttext=0x100000,-Tdata=0x110000,-e_start", "count.S",
+                        "-o", "count.elf"], cwd=self.directory, check=True)
+        self.configure(self.directory / "count.elf")
+
+    def tool(self, *command):
+        return subprocess.run(command, cwd=self.directory, check=True, capture_output=True, text=True).stdout
+
+    def reported(self, *options):
+        """The lines that follow the one that says where the CPU paused."""
+        messages = self.run_headless(*options, status=3)[1]
+        report = messages[messages.index("the CPU paused"):messages.index("...Stop")]
+        return [line.removeprefix("tarn-headless: ") for line in report.splitlines()[1:]]
+
+    def expected_counts(self):
+        return {number: int(count) for number, line in enumerate(SOURCE.splitlines(), 1)
+                for count in re.findall(r"# (\d+)$", line)}
+
+    def test_profile(self):
+        self.build(SOURCE)
+        messages = self.run_headless("--profile=a.out", "--dump-vram=vram.bin", status=3)[1]
+        drawn = sum(word != 0 for word in self.local_memory())
+        total = sum(self.expected_counts().values())
+        self.assertIn(f"after {total} instructions", messages)
+        self.run_headless("--profile=b.out", "--trace=/dev/null", status=3)
+        self.assertEqual(self.output_file("a.out"), self.output_file("b.out"), "one by one as in runs")
+
+        report = self.tool("callgrind_annotate", "--threshold=100", "--inclusive=yes", "a.out")
+        costs = {name: tuple(int(number) for number in re.sub(r"\(.*?\)", "", line).split())
+                 for line, name in re.findall(r"^( *\d.*) \S*count.S:(\w+)$", report, re.MULTILINE)}
+        self.assertEqual(costs, {"_start": (total, 50, 28), "work": (33, 0, 0), "leaf": (12, 0, 0),
+                                 "draw": (9, 50, 28)})
+        self.assertEqual(drawn, 50)
+        source = self.tool("callgrind_annotate", "--threshold=100", "a.out")
+        for number, count in self.expected_counts().items():
+            text = re.escape(SOURCE.splitlines()[number - 1])
+            self.assertRegex(source, rf"(?m)^ *{count or '[.]'} .*{text}$")
+
+    def test_coverage(self):
+        self.build(SOURCE)
+        self.run_headless("--coverage=once.info", status=3)
+        self.tool("lcov", "-q", "-a", "once.info", "-a", "once.info", "-o", "twice.info")
+        for name, runs in ("once.info", 1), ("twice.info", 2):
+            text = self.output_file(name).decode()
+            counts = {int(line): int(count) for line, count in re.findall(r"^DA:(\d+),(\d+)$", text, re.MULTILINE)}
+            self.assertEqual(counts, {line: count * runs for line, count in self.expected_counts().items()})
+            functions = {name: int(count) for count, name in re.findall(r"^FNDA:(\d+),(\w+)$", text, re.MULTILINE)}
+            self.assertEqual(functions, {"_start": runs, "work": 3 * runs, "leaf": 6 * runs, "unused": 0, "draw": runs})
+        self.assertIn("functions..: 80.0% (4 of 5 functions)", self.tool("genhtml", "-o", "html", "once.info"))
+        self.assertTrue(list((self.directory / "html").rglob("count.S.gcov.html")))
+
+    def test_where_and_how(self):
+        self.build(SOURCE)
+        lines = SOURCE.splitlines()
+        at = {name: lines.index(next(line for line in lines if text in line)) + 1
+              for name, text in (("exit", "syscall"), ("first", "jal     work"), ("second", "jal     leaf"),
+                                 ("jump", "j       leaf"), ("leaf", "jr      $31"))}
+        self.assertEqual(self.reported(), [f"in _start+0x30 (count.S:{at['exit']})",
+                                           "the program has ended, with result 5"])
+        self.build(SOURCE.replace("jr      $31                     # 6", "lw      $2, 0x10($0)"))
+        self.assertEqual(self.reported(), [
+            f"in leaf (count.S:{at['leaf']})", f"called from work+0x8 (count.S:{at['second']})",
+            f"called from _start+0x4 (count.S:{at['first']})",
+            "nothing is at 0x00000010, a null pointer; the nearest is main memory, 0x00100000 to 0x01fffffe"])
+
+    def test_what_to_do(self):
+        for words, advice in (
+                ([0x24030005, 0x0000000C], "the kernel call 0x05, RFU005, is not there"),
+                ([0x2403001A, 0x0000000C], "the kernel call 0x1a, which has no name, is not there"),
+                ([0x3C081200, 0xA1000000],
+                 "0x12000000 is in the registers of the GS, 0x12000000 to 0x12001080: only words and doublewords work "
+                 "there"),
+                ([0x3C087000, 0xAD000000],
+                 "nothing is at 0x70000000; the nearest is the BIOS image, 0x1fc00000 to 0x1ffffffe"),
+                ([0x00000008, 0], None),
+                ([0x3C08E000, 0x01000008, 0],
+                 "there is no code outside main memory: a wrong function pointer or return address")):
+            with self.subTest(advice):
+                program = self.directory / "words.elf"
+                program.write_bytes(elf(words))
+                self.configure(program)
+                self.assertEqual(self.reported() if advice else [advice], [advice])
