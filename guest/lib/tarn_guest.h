@@ -16,6 +16,7 @@ extern "C" {
 #endif
 
 #include "canvas.h"
+#include "console.h"
 #include "gs.h"
 #include "kernel.h"
 #include "memory.h"

@@ -33,6 +33,11 @@ void PrintToEmuOutput(const char* text) { send(Channel::EmuOutput, text); }
 void PrintToOpcodeOutput(const char* text) { send(Channel::Opcodes, text); }
 void PrintToRegistersOutput(const char* text) { send(Channel::CpuRegisters, text); }
 
+void writeToConsole(char character) {
+    const char text[] = {character, '\0'};
+    send(Channel::Console, text);
+}
+
 void PrintfToEmuOutput(const char* format, ...) {
     char text[1024] = {};
     std::va_list arguments;

@@ -1,4 +1,4 @@
-// What the machine says: four channels of text and the news of a changed picture. The program that runs the
+// What the machine says: five channels of text and the news of a changed picture. The program that runs the
 // machine decides where they go.
 #pragma once
 
@@ -8,11 +8,11 @@
 
 namespace tarn {
 
-/// Where a text belongs. StandardOutput takes text as it comes, the others one line a call, without its
-/// newline.
-enum class Channel : u8 { StandardOutput, EmuOutput, Opcodes, CpuRegisters };
+/// Where a text belongs. StandardOutput and Console, on which the guest speaks, take text as it comes, the
+/// others one line a call, without its newline.
+enum class Channel : u8 { StandardOutput, EmuOutput, Opcodes, CpuRegisters, Console };
 
-inline constexpr std::size_t channelCount = 4;
+inline constexpr std::size_t channelCount = 5;
 
 /// Where the channels lead. A null pointer drops what is said.
 struct DiagnosticSinks {
@@ -34,6 +34,9 @@ inline bool paneChanged = false;
 void PrintToEmuOutput(const char* text);
 void PrintToOpcodeOutput(const char* text);
 void PrintToRegistersOutput(const char* text);
+
+/// Passes on one character of what the guest says.
+void writeToConsole(char character);
 
 /// PrintToEmuOutput of a printf-style text (cut at 1023 characters).
 [[gnu::format(printf, 1, 2)]] void PrintfToEmuOutput(const char* format, ...);

@@ -4,6 +4,9 @@
 #include "base/diagnostics.h"
 #include "gui/kogui.h"
 
+#include <string>
+#include <utility>
+
 namespace tarn {
 namespace {
 
@@ -16,6 +19,31 @@ void append(const char* text) {
     if (pane != nullptr && pane->addText != nullptr) {
         pane->addText(pane, text);
     }
+}
+
+/// What the guest has said of a line so far.
+std::string guestLine;
+
+void endGuestLine() { append<paneEmuOutput>(std::exchange(guestLine, {}).c_str()); }
+
+/// Makes lines of it; one that other text interrupts, or that is too long for a pane, ends there.
+void appendGuestText(const char* text) {
+    constexpr std::size_t longest = 1000;
+    for (; *text != '\0'; ++text) {
+        if (*text == '\n' || guestLine.size() == longest) {
+            endGuestLine();
+        }
+        if (*text != '\n') {
+            guestLine += *text;
+        }
+    }
+}
+
+void appendMessage(const char* text) {
+    if (!guestLine.empty()) {
+        endGuestLine();
+    }
+    append<paneEmuOutput>(text);
 }
 
 void markPicture() {
@@ -31,7 +59,8 @@ void connectPanes() {
     const auto lead = [](Channel channel, void (*sink)(const char*)) {
         diagnosticSinks.text[static_cast<std::size_t>(channel)] = sink;
     };
-    lead(Channel::EmuOutput, append<paneEmuOutput>);
+    lead(Channel::EmuOutput, appendMessage);
+    lead(Channel::Console, appendGuestText);
     lead(Channel::Opcodes, append<paneOpcodes>);
     lead(Channel::CpuRegisters, append<paneCpuRegisters>);
     diagnosticSinks.pictureChanged = markPicture;

@@ -12,6 +12,8 @@
 namespace tarn {
 namespace {
 
+constexpr u32 consoleTransmit = 0xF180;  // offset of the serial port's data register
+
 /// Whether an access of this width at `at` stays inside an area of `size` bytes.
 bool holds(const u8* area, u32 size, u32 at, Width width) {
     return area != nullptr && at + bytesOf(width) <= size;
@@ -26,6 +28,10 @@ void refuse(const char* message) {
 
 void MipsSpecialMemWrite(u8* area, GuestValue value, Width width, u64 base, s32 offset) {
     const u32 at = guestAddress(base, offset) & (specialAreaSize - 1);
+    if (at == consoleTransmit && width == Width::Word && Settings.console == 1) {
+        writeToConsole(static_cast<char>(value.low));
+        return;
+    }
     // The DMA controller sees every attempt, also one whose width is refused below.
     if (at >= dmaRegisterBase) {
         Ps2Bios.dmaWritePending = 1;

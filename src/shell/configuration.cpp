@@ -33,6 +33,7 @@ int TarnLoadConfig() {
     Settings.koGUI_MainScreenBPP = size("Video:Bpp", 32);
     Settings.koGUI_MainScreenStretch = size("Video:Stretch", 1);
     Settings.stepsPerPoll = count("General:Steps_per_poll");
+    Settings.console = flag("General:Console");
     Settings.frameRate = count("Video:Frame_rate");
     Settings.blend = flag("Video:Blend");
     return 1;

@@ -25,13 +25,14 @@ struct KnownKey {
 };
 
 /// Every key that is read anywhere.
-constexpr std::array<KnownKey, 12> knownKeys{{
+constexpr std::array<KnownKey, 13> knownKeys{{
     {"General", "Elf", false},
     {"General", "Debug_op"},
     {"General", "Debug_dma"},
     {"General", "Debug_syscall"},
     {"General", "Debug_GS"},
     {"General", "Steps_per_poll"},
+    {"General", "Console"},
     {"Video", "Width"},
     {"Video", "Height"},
     {"Video", "Bpp"},

@@ -1,6 +1,7 @@
 // A run without a window: where its text goes, when it ends, what it leaves behind.
 #include "shell/headless.h"
 
+#include "base/diagnostics.h"
 #include "gdb/server.h"
 #include "gs/gs.h"
 #include "machine/machine.h"
@@ -51,6 +52,15 @@ koGUItextLine* passOnText(koGUIwidget* pane, const char* text) {
         traceFile.write(end, std::strlen(end));
     }
     return nullptr;
+}
+
+/// What the guest says is seen as soon as its line is complete.
+void passOnGuestText(const char* text) {
+    progress.clear();
+    std::fputs(text, stdout);
+    if (*text == '\n') {
+        std::fflush(stdout);
+    }
 }
 
 /// Runs the start-up machine; true when the interpreter is ready to run.
@@ -224,6 +234,7 @@ int runHeadless(const HeadlessOptions& options) {
     }
     createMainScreen();
     addPanes(passOnText);
+    diagnosticSinks.text[static_cast<std::size_t>(Channel::Console)] = passOnGuestText;
     Driver.farewell = 0;
 
     End end = End::startFailed;

@@ -64,7 +64,7 @@ packet: .quad 0x1000000000008006, 0xE, 0x10000, 0x4C, 0x003F0000003F0000, 0x40, 
 
 
 class SymbolsTest(ProgramTest):
-    def build(self, source):
+    def assemble(self, source):
         (self.directory / "count.S").write_text(source)
         subprocess.run(["mipsel-linux-gnu-gcc", "-march=r5900", "-mabi=n32", "-msingle-float", "-mno-abicalls", "-fno-pic", "-G0", "-g",
                         "-nostdlib", "-static", "-Wl,--build-id=none,-Ttext=0x100000,-Tdata=0x110000,-e_start", "count.S",
@@ -85,7 +85,7 @@ class SymbolsTest(ProgramTest):
                 for count in re.findall(r"# (\d+)$", line)}
 
     def test_profile(self):
-        self.build(SOURCE)
+        self.assemble(SOURCE)
         messages = self.run_headless("--profile=a.out", "--dump-vram=vram.bin", status=3)[1]
         drawn = sum(word != 0 for word in self.local_memory())
         total = sum(self.expected_counts().values())
@@ -105,7 +105,7 @@ class SymbolsTest(ProgramTest):
             self.assertRegex(source, rf"(?m)^ *{count or '[.]'} .*{text}$")
 
     def test_coverage(self):
-        self.build(SOURCE)
+        self.assemble(SOURCE)
         self.run_headless("--coverage=once.info", status=3)
         self.tool("lcov", "-q", "-a", "once.info", "-a", "once.info", "-o", "twice.info")
         for name, runs in ("once.info", 1), ("twice.info", 2):
@@ -118,14 +118,14 @@ class SymbolsTest(ProgramTest):
         self.assertTrue(list((self.directory / "html").rglob("count.S.gcov.html")))
 
     def test_where_and_how(self):
-        self.build(SOURCE)
+        self.assemble(SOURCE)
         lines = SOURCE.splitlines()
         at = {name: lines.index(next(line for line in lines if text in line)) + 1
               for name, text in (("exit", "syscall"), ("first", "jal     work"), ("second", "jal     leaf"),
                                  ("jump", "j       leaf"), ("leaf", "jr      $31"))}
         self.assertEqual(self.reported(), [f"in _start+0x30 (count.S:{at['exit']})",
                                            "the program has ended, with result 5"])
-        self.build(SOURCE.replace("jr      $31                     # 6", "lw      $2, 0x10($0)"))
+        self.assemble(SOURCE.replace("jr      $31                     # 6", "lw      $2, 0x10($0)"))
         self.assertEqual(self.reported(), [
             f"in leaf (count.S:{at['leaf']})", f"called from work+0x8 (count.S:{at['second']})",
             f"called from _start+0x4 (count.S:{at['first']})",
