@@ -144,9 +144,12 @@ void reportEnd(End end) {
     }
 }
 
-int exitStatus(End end) {
+int exitStatus(End end, const HeadlessOptions& options) {
     switch (end) {
     case End::paused:
+        if (const auto result = options.exitStatus ? symbols::exitResult() : std::nullopt) {
+            return *result & 0xFF;
+        }
         return 3;
     case End::startFailed:
         return 1;
@@ -245,12 +248,13 @@ int runHeadless(const HeadlessOptions& options) {
     }
     progress.clear();
     reportEnd(end);
+    const int status = exitStatus(end, options);
     const bool complete = writeOutputs(options);
     while (TarnGUI.running == 1) {
         koGUI_TarnEndingProc();
     }
     freeMainScreen();
-    return complete ? exitStatus(end) : 1;
+    return complete ? status : 1;
 }
 
 int finishStandardOutput(int status) {

@@ -17,6 +17,7 @@ enum Option {
     snapshot,
     dumpVram,
     registers,
+    exitStatus,
     trace,
     profile,
     coverage,
@@ -33,6 +34,7 @@ constexpr option longOptions[] = {
     {"snapshot", required_argument, nullptr, snapshot},
     {"dump-vram", required_argument, nullptr, dumpVram},
     {"registers", no_argument, nullptr, registers},
+    {"exit-status", no_argument, nullptr, exitStatus},
     {"trace", required_argument, nullptr, trace},
     {"profile", required_argument, nullptr, profile},
     {"coverage", required_argument, nullptr, coverage},
@@ -69,6 +71,7 @@ const char* const headlessUsage =
     "  --snapshot PREFIX   write the GS memory as PREFIXsnapNNN.bmp, the first free number\n"
     "  --dump-vram FILE    write the raw 4 MB of GS memory\n"
     "  --registers         print the integer and the floating-point registers\n"
+    "  --exit-status       end with the result that the program gives to Exit, 0 to 255\n"
     "  --trace FILE        trace every instruction into FILE\n"
     "  --profile FILE      count every instruction, and write the profile in callgrind's format\n"
     "  --coverage FILE     write which lines and functions ran, in lcov's format\n"
@@ -107,6 +110,9 @@ std::optional<HeadlessOptions> parseHeadlessOptions(int count, char** arguments)
             break;
         case registers:
             options.registers = true;
+            break;
+        case exitStatus:
+            options.exitStatus = true;
             break;
         case trace:
             options.trace = optarg;

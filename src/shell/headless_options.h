@@ -19,6 +19,7 @@ struct HeadlessOptions {
     std::optional<std::string> coverage;
     std::optional<u16> gdbPort;  ///< loopback port to wait for a debugger on; 0 stands for any free one
     bool registers = false;
+    bool exitStatus = false;  ///< the status of the run is the program's own
     bool quiet = false;
     bool help = false;
     bool version = false;

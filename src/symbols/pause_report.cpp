@@ -66,14 +66,18 @@ std::string adviceForAddress(u32 address) {
                   nearest.first, nearest.last);
 }
 
-/// The number of a kernel call, its name if it has one, and what the program's end means.
+bool pausedOnCall() {
+    constexpr u32 syscall = 0x0C;
+    return r5900::majorOpcode(MipsCpu.opcode) == 0 && r5900::functionCode(MipsCpu.opcode) == syscall;
+}
+
+u8 callNumber() { return static_cast<u8>(MipsCpu.GPR[REG_V1].low); }
+
 std::string adviceForCall() {
-    constexpr u8 exitNumber = 0x04;
-    const auto number = static_cast<u8>(MipsCpu.GPR[REG_V1].low);
-    if (number == exitNumber) {
-        return format("the program has ended, with result %d",
-                      static_cast<s32>(static_cast<u32>(MipsCpu.GPR[REG_A0].low)));
+    if (const std::optional<s32> result = exitResult()) {
+        return format("the program has ended, with result %d", *result);
     }
+    const u8 number = callNumber();
     const std::string_view name = debug_syscall[number];
     constexpr std::string_view prefix = "SYSCALL_";
     return format("the kernel call 0x%02x, %s, is not there", number,
@@ -89,11 +93,10 @@ bool addressIsLost(u32 word) {
 std::string advice() {
     const u32 word = MipsCpu.opcode;
     const r5900::Operation& operation = r5900::operationOf(word);
-    constexpr u32 syscall = 0x0C;
     if (static_cast<u32>(MipsCpu.PC) > mainMemorySize - 4) {
         return "there is no code outside main memory: a wrong function pointer or return address";
     }
-    if (r5900::majorOpcode(word) == 0 && r5900::functionCode(word) == syscall) {
+    if (pausedOnCall()) {
         return adviceForCall();
     }
     if (operation.accessesMemory() && !(operation.kind == r5900::Kind::Load && addressIsLost(word))) {
@@ -112,6 +115,14 @@ std::optional<u32> pausedInstruction() {
         }
     }
     return std::nullopt;
+}
+
+std::optional<s32> exitResult() {
+    constexpr u8 exitNumber = 0x04;
+    if (MipsCpu.pause == 0 || !pausedOnCall() || callNumber() != exitNumber) {
+        return std::nullopt;
+    }
+    return static_cast<s32>(static_cast<u32>(MipsCpu.GPR[REG_A0].low));
 }
 
 std::vector<std::string> pauseReport(const SymbolTable& table) {

@@ -9,6 +9,9 @@ namespace tarn::symbols {
 /// when it was in a delay slot or could not be fetched.
 std::optional<u32> pausedInstruction();
 
+/// What the program gave to the kernel call Exit, if that is what the CPU has paused on.
+std::optional<s32> exitResult();
+
 /// The lines of the report on the machine as it is, which has paused. None of them for what is not known.
 std::vector<std::string> pauseReport(const SymbolTable& table);
 

@@ -11,7 +11,7 @@ int main(void) {
         printNumber(numbers[i]);
     printHex(0x0123ABCD);
     print("\\n\\nlast");
-    return 0;
+    return 0x107;
 }
 """
 
@@ -23,7 +23,7 @@ class ConsoleTest(ProgramTest):
             self.assertEqual(built.returncode, 0, built.stderr)
             self.configure(self.directory / "program.elf", general="Console=1")
             if not complete:
-                self.assertEqual(self.run_headless(status=3)[0],
+                self.assertEqual(self.run_headless("--exit-status", status=7)[0],
                                  "numbers: 0 7 -1 2147483647 -2147483648 0123abcd\n\nlast")
                 self.configure(self.directory / "program.elf")
                 self.assertIn("DMA Adress Non-Impl.  1000f180 h (i:", self.run_headless(status=3)[0])
