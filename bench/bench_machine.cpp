@@ -1,4 +1,4 @@
-// Owns the machine as the benchmarks use it.
+// The machine as the benchmarks use it.
 #include "bench_machine.h"
 
 #include "gs/gs.h"
@@ -6,7 +6,7 @@
 #include "gui/kogui.h"
 #include "machine/machine.h"
 #include "machine/settings.h"
-#include "memory/memory.h"
+#include "memory/allocation.h"
 #include "shell/driver.h"
 
 #include <cstdio>

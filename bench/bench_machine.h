@@ -1,4 +1,4 @@
-// Declares the machine as the benchmarks use it: memory, renderer and panes, without a window.
+// The machine as the benchmarks use it: memory, renderer and panes, without a window.
 #pragma once
 
 #include "base/types.h"

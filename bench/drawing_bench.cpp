@@ -1,4 +1,4 @@
-// Owns the renderer's measurements: every triangle routine, sprite and line at three sizes, from packets in
+// Renderer benchmarks: every triangle routine, sprite and line at three sizes, from packets in
 // main memory through the GIF. One item is one pixel drawn; the counter gives the time of a primitive.
 #include "bench_machine.h"
 #include "gif_packet.h"

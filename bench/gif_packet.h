@@ -1,4 +1,4 @@
-// Owns GIF packets under construction in guest memory, as a guest's display lists are.
+// GIF packets built in guest memory, as a guest builds its display lists.
 #pragma once
 
 #include "gs/gs.h"

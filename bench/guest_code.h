@@ -1,4 +1,4 @@
-// Owns the encoding of the few MIPS instructions that the measured programs are written in.
+// The encoding of the few MIPS instructions that the measured programs consist of.
 #pragma once
 
 #include "base/types.h"

@@ -1,4 +1,4 @@
-// Owns the loops that interpreters are measured on, and their form as ELF files.
+// The loops on which interpreters are measured, and their form as ELF files.
 #include "guest_loops.h"
 
 #include "guest_code.h"

@@ -1,4 +1,4 @@
-// Declares the loops that interpreters are measured on. They use only what every MIPS has with the same
+// The loops on which interpreters are measured. They use only instructions that every MIPS has with the same
 // meaning, so that Tarn and a MIPS user-mode emulator run the same words.
 #pragma once
 

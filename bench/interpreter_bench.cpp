@@ -1,4 +1,4 @@
-// Owns the interpreter's measurements: each loop by single instructions, by driver steps and by batches.
+// Interpreter benchmarks: each loop by single instructions, by driver steps and by batches.
 // One item is one turn of the loop, which is also what a MIPS user-mode emulator is measured by.
 #include "bench_machine.h"
 #include "guest_code.h"

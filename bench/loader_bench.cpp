@@ -1,7 +1,8 @@
-// Owns the measurement of loading: an ELF file with a segment of 16 MB.
+// Loader benchmark: an ELF file with a segment of 16 MB.
 #include "bench_machine.h"
 #include "guest_loops.h"
-#include "loader/loader.h"
+#include "loader/copy.h"
+#include "loader/input_files.h"
 #include "machine/machine.h"
 
 #include <benchmark/benchmark.h>

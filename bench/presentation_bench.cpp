@@ -1,4 +1,4 @@
-// Owns the measurements of presentation: a vertical blank at every depth, 1:1 and stretched. One item is one
+// Presentation benchmarks: a vertical blank at every depth, 1:1 and stretched. One item is one
 // pixel of the destination.
 #include "bench_machine.h"
 #include "gs/display.h"

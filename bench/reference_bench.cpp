@@ -1,4 +1,4 @@
-// Owns what the measurements are held against: what the C library, SDL and pixman do at comparable work.
+// What the measurements are compared with: the C library, SDL and pixman at comparable work.
 #include "base/types.h"
 
 #include <SDL.h>

@@ -1,4 +1,4 @@
-// Owns the measurements of image transfers: an upload through the GIF, and a move within local memory.
+// Image transfer benchmarks: an upload through the GIF, and a move within local memory.
 #include "bench_machine.h"
 #include "gif_packet.h"
 

@@ -1,4 +1,4 @@
-// Owns the measurements of the window: appending text, and redrawing everything, on SDL's dummy display.
+// Window benchmarks: appending text, and redrawing everything, on SDL's dummy display.
 #include "base/diagnostics.h"
 #include "bench_machine.h"
 #include "gui/kogui.h"

@@ -15,7 +15,7 @@ constexpr u32 compressions[] = {0, 1, 2, 3, 4, 0xFFFFFFFF};
 constexpr u32 masks[] = {0xFF, 0xFF00, 0xFF0000, 0xFF000000, 0x1F, 0x7E0, 0xF800, 0x10, 0x300};
 constexpr u32 paletteCounts[] = {0, 1, 2, 16, 255, 256, 257, 0x10000, 0xFFFFFFFF};
 
-template <class T>
+template <typename T>
 void put(std::vector<u8>& file, T value) {
     const auto* bytes = reinterpret_cast<const u8*>(&value);
     file.insert(file.end(), bytes, bytes + sizeof value);

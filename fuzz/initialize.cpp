@@ -1,4 +1,4 @@
-// Owns what every target does before its first input.
+// What every fuzz target does before its first input.
 #include "support.h"
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {

@@ -1,5 +1,5 @@
-// Owns what the fuzz targets share: a machine that lives through all inputs, silence on standard output,
-// inputs as files, and the taking apart of inputs.
+// What the fuzz targets share: a machine that lives through all inputs, silence on standard output, inputs as
+// files, and taking values off an input.
 #pragma once
 
 #include "machine/machine.h"
@@ -122,7 +122,7 @@ class Input {
     bool empty() const { return rest.empty(); }
     std::span<const u8> remaining() const { return rest; }
 
-    template <class T>
+    template <typename T>
     T take() {
         T value{};
         const std::size_t size = std::min(sizeof value, rest.size());

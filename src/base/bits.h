@@ -1,4 +1,4 @@
-// Owns the helpers that take fields out of words and widen them.
+// Extraction of bit fields, and sign extension.
 #pragma once
 
 #include "base/types.h"

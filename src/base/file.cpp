@@ -1,4 +1,4 @@
-// Owns the opening of input files.
+// Opening input files.
 #include "base/file.h"
 
 #include <cerrno>

@@ -1,4 +1,4 @@
-// Owns the owning file handle, and declares the opening of input files.
+// An owning file handle, and opening input files.
 #pragma once
 
 #include <cstdio>
@@ -13,8 +13,8 @@ struct FileCloser {
 /// A stdio stream that closes itself; null when nothing is open.
 using FilePtr = std::unique_ptr<std::FILE, FileCloser>;
 
-/// Opens a file for binary reading, at its start. Null with errno set when that fails, and for what is no
-/// file to load from: a directory, or a FIFO, socket or terminal, which has no size and might be waited for.
+/// Opens a file for binary reading, at its start. Null with errno set when that fails, and for
+/// anything that is not a seekable file: a directory, FIFO, socket or terminal.
 FilePtr openInputFile(const char* path);
 
 }  // namespace tarn

@@ -1,4 +1,4 @@
-// Owns the hardened reading of the configuration file.
+// Reading the configuration file.
 #include "base/ini_file.h"
 
 #include "base/file.h"
@@ -12,8 +12,8 @@ namespace {
 // The library compares every key with every other, so a file's size bounds the time that it takes.
 constexpr std::size_t largestFile = 64 * 1024;  // bytes
 
-/// Whether the library may be let loose on the file: it waits for a FIFO, reads a device without end, and
-/// takes a directory for an empty file.
+/// Whether it is safe to pass the file to the library, which would block on a FIFO, read a device forever,
+/// and take a directory for an empty file.
 bool isLoadable(const char* path) {
     const FilePtr file = openInputFile(path);
     std::vector<char> bytes(largestFile + 1);

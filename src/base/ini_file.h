@@ -1,4 +1,4 @@
-// Declares the reading of the configuration file, hardened against what the INI library does not survive.
+// Reading the configuration file, hardened against input that crashes the INI library.
 #pragma once
 
 #include <optional>

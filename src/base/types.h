@@ -1,4 +1,4 @@
-// Owns the fixed-width names and the 128-bit guest value that every subsystem shares.
+// Fixed-width type names and the 128-bit guest value.
 #pragma once
 
 #include <cstddef>

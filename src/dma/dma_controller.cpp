@@ -1,7 +1,8 @@
-// Owns the DMA controller: the registers of channel 2 (GIF) and channel 5 (SIF0) and what starting them does.
+// The DMA controller: the registers of channel 2 (GIF) and channel 5 (SIF0) and what starting them does.
 // A transfer is over before the guest's next instruction, however many steps of the machine it takes.
+#include "dma/dma_controller.h"
 #include "base/diagnostics.h"
-#include "dma/dma.h"
+
 #include "gs/gs.h"
 #include "machine/devices.h"
 #include "machine/machine.h"

@@ -1,4 +1,4 @@
-// Owns the end of the countdown to a vertical blank.
+// The vertical blank at the end of its countdown.
 #include "base/diagnostics.h"
 #include "gs/gs.h"
 #include "machine/devices.h"

@@ -1,4 +1,4 @@
-// Owns the DMA, SIF and GS calls. They reach the devices as a guest would, through the memory map, and run
+// DMA, SIF and GS system calls. They reach the devices as a guest would, through the memory map, and run
 // the DMA controller at once so that a write has taken effect when the call returns.
 #include "base/bits.h"
 #include "base/diagnostics.h"

@@ -1,4 +1,4 @@
-// Owns the list of the kernel's calls: number (low byte of v1), name and family. Both tables, the names in
+// The list of system calls: number (low byte of v1), name and family. Both tables, the names in
 // the code and their declarations expand from it. Numbers that are not listed are unassigned.
 #pragma once
 

@@ -1,4 +1,4 @@
-// Owns the system call table and the table of its names, expanded from one list.
+// The system call table and the table of its names, expanded from one list.
 #include "kernel/syscall_table.h"
 
 #include "kernel/syscalls.h"
@@ -6,7 +6,7 @@
 namespace tarn {
 namespace {
 
-template <class Entry>
+template <typename Entry>
 constexpr std::array<Entry, 256> filledWith(Entry entry) {
     std::array<Entry, 256> table{};
     table.fill(entry);

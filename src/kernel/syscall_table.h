@@ -1,4 +1,4 @@
-// Owns nothing but the declaration of the system call table, through which SYSCALL reaches the kernel.
+// The system call table, through which SYSCALL reaches the kernel.
 #pragma once
 
 #include <array>

@@ -1,4 +1,4 @@
-// Owns the calls that only log, the log lines themselves, and the heap, stack and semaphore calls.
+// System calls that only log, the log lines themselves, and the heap, stack and semaphore calls.
 #include "kernel/syscalls.h"
 
 #include "base/diagnostics.h"

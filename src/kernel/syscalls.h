@@ -1,4 +1,4 @@
-// Declares the kernel calls by name, and what the families of calls that do no work have in common.
+// The system calls by name, and what the families of calls that do no work have in common.
 #pragma once
 
 #include "base/types.h"

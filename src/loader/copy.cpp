@@ -1,7 +1,9 @@
-// Owns the reading of the ELF header tables and the copying of the program and the BIOS image into memory.
-// Nothing that the headers say is trusted: work and memory are bounded by the files and the areas.
+// Reading the ELF header tables, and copying the program and the BIOS image into memory. The headers are not
+// trusted: work and memory are bounded by the files and the areas.
+#include "loader/copy.h"
+
 #include "base/diagnostics.h"
-#include "loader/loader.h"
+#include "loader/input_files.h"
 #include "machine/machine.h"
 
 #include <algorithm>
@@ -26,7 +28,7 @@ void seek(const FilePtr& file, u32 position) {
 }
 
 /// Reads one header; false, and the header as it was, when the file ends before it does.
-template <class Header>
+template <typename Header>
 bool readHeader(Header& header) {
     Header read;
     if (readBytes(Loader.ElfFile, &read, sizeof read) != sizeof read) {
@@ -37,7 +39,7 @@ bool readHeader(Header& header) {
 }
 
 /// Reads a table of `count` headers at a file offset; returns how many were missing or had no room.
-template <class Header>
+template <typename Header>
 u32 readTable(std::span<Header, elfTableEntries> table, u32 position, u32 count) {
     seek(Loader.ElfFile, position);
     u32 errors = count - std::min(count, elfTableEntries);

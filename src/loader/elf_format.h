@@ -1,4 +1,4 @@
-// Owns the layout of the parts of an ELF32 file that the loader reads, little-endian as they lie in the file.
+// The parts of an ELF32 file that the loader reads, little-endian as they lie in the file.
 #pragma once
 
 #include "base/types.h"

@@ -1,4 +1,4 @@
-// Owns the renderer's state record: local memory, decoded registers, transfer, GIF and display state.
+// The state of the Graphics Synthesizer: local memory, decoded registers, transfer, GIF and display.
 #pragma once
 
 #include "base/buffer.h"

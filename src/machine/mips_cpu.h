@@ -1,4 +1,4 @@
-// Owns the CPU record, MipsCpu: registers, program counter and the pause flag of the R5900.
+// The state of the R5900: registers, program counter and the pause flag.
 #pragma once
 
 #include "base/types.h"

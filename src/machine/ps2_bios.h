@@ -1,4 +1,4 @@
-// Owns the kernel record, Ps2Bios: what the system calls and the DMA controller remember.
+// The state of the kernel and of the DMA controller.
 #pragma once
 
 #include "base/types.h"

@@ -1,4 +1,4 @@
-// Owns the record of the process-wide settings that the configuration file sets.
+// The settings that the configuration file makes.
 #pragma once
 
 #include "base/types.h"

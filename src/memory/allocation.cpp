@@ -1,9 +1,9 @@
-// Owns the allocation and the release of the four memory areas.
+// Allocation and release of the four memory areas.
 #include "base/buffer.h"
 
 #include "base/diagnostics.h"
 #include "machine/machine.h"
-#include "memory/memory.h"
+#include "memory/allocation.h"
 
 namespace tarn {
 namespace {

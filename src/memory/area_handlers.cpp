@@ -1,4 +1,4 @@
-// Owns the accesses to the special I/O area, the GS registers and the BIOS image.
+// Accesses to the special I/O area, the GS registers and the BIOS image.
 #include "memory/area_handlers.h"
 
 #include "base/diagnostics.h"

@@ -1,4 +1,4 @@
-// Declares what the dispatchers call for the areas other than main memory.
+// Accesses to the areas other than main memory.
 #pragma once
 
 #include "base/types.h"

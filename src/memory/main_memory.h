@@ -1,4 +1,4 @@
-// Owns the question that every load and store starts with: is it wholly in main memory, and where?
+// Translation of guest addresses to offsets in main memory.
 #pragma once
 
 #include "base/types.h"

@@ -1,5 +1,4 @@
-// Owns the dispatch of the accesses that main memory does not serve, and the messages of those that nothing
-// serves.
+// Accesses outside main memory: dispatch to the other areas, and the messages of those that nothing serves.
 #include "memory/memory.h"
 
 #include "base/diagnostics.h"

@@ -1,5 +1,4 @@
-// Owns the guest's view of memory: the two access functions that every load and store goes through, with
-// the way into main memory inline, and declares the allocation of the areas.
+// The two access functions that every load and store goes through, with the path to main memory inline.
 #pragma once
 
 #include "base/types.h"
@@ -37,14 +36,5 @@ inline void MipsMemoryRead(GuestValue* destination, Width width, u64 base, s32 o
     }
     readOutsideMainMemory(destination, width, base, offset);
 }
-
-/// Each allocates one area, says so in the EmuOutput pane, and returns 1, or 0 when that failed.
-u8 MipsMemoryAlloc();
-u8 MipsSpecialAreaMemoryAlloc();
-u8 MipsGSAreaMemoryAlloc();
-u8 MipsBiosMemoryAlloc();
-
-/// Frees what is allocated of the four areas and says so.
-void FreeAllMemory();
 
 }  // namespace tarn

@@ -1,4 +1,4 @@
-// Owns the width codes by which every caller names the size and the register half of a memory access.
+// Width codes: the size and the register half of a memory access.
 #pragma once
 
 #include "base/types.h"
@@ -15,7 +15,7 @@ enum class Width : u8 {
     HighDoubleword = 32,  ///< 8 bytes from or into bits 64-127 of the register
 };
 
-/// Bytes of guest memory that an access covers; 0 for a code that is none.
+/// Bytes of guest memory that an access covers; 0 for an invalid code.
 constexpr u32 bytesOf(Width width) {
     switch (width) {
     case Width::Quadword:

@@ -1,5 +1,5 @@
-// Owns the copies between a buffer of guest memory and a guest value, one a width. Guest and host are both
-// little-endian and nothing is aligned; bounds are the caller's business.
+// Copies between a buffer of guest memory and a guest value, one for each width. Guest and host are both
+// little-endian, and nothing is aligned. The caller checks bounds.
 #pragma once
 
 #include "base/types.h"
@@ -13,13 +13,13 @@ namespace tarn {
 static_assert(std::endian::native == std::endian::little, "guest memory is copied without swapping bytes");
 
 /// One value of type T at `buffer + offset`.
-template <class T>
+template <typename T>
 T loadFrom(const u8* buffer, u32 offset) {
     T value;
     std::memcpy(&value, buffer + offset, sizeof value);
     return value;
 }
-template <class T>
+template <typename T>
 void storeTo(u8* buffer, u32 offset, T value) {
     std::memcpy(buffer + offset, &value, sizeof value);
 }
@@ -48,7 +48,7 @@ inline void MipsMemoryReadB(GuestValue* destination, const u8* buffer, u32 offse
     destination->low = loadFrom<u8>(buffer, offset);
 }
 
-/// Stores the part of `value` that the width selects; false, and nothing stored, for a code that is none.
+/// Stores the part of `value` that the width selects; false, and nothing stored, for an invalid code.
 inline bool writeWidth(u8* buffer, u32 offset, GuestValue value, Width width) {
     switch (width) {
     case Width::Quadword:
@@ -74,7 +74,7 @@ inline bool writeWidth(u8* buffer, u32 offset, GuestValue value, Width width) {
     return false;
 }
 
-/// Loads what the width selects into `destination`; false, and nothing changed, for a code that is none.
+/// Loads what the width selects into `destination`; false, and nothing changed, for an invalid code.
 inline bool readWidth(GuestValue* destination, const u8* buffer, u32 offset, Width width) {
     switch (width) {
     case Width::Quadword:

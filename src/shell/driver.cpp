@@ -3,11 +3,12 @@
 
 #include "base/diagnostics.h"
 #include "gs/gs.h"
-#include "loader/loader.h"
+#include "loader/copy.h"
+#include "loader/input_files.h"
 #include "machine/machine.h"
 #include "machine/run_loop.h"
 #include "machine/settings.h"
-#include "memory/memory.h"
+#include "memory/allocation.h"
 #include "shell/session.h"
 
 #include <algorithm>

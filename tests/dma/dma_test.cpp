@@ -1,5 +1,5 @@
 // The DMA controller's registers and starts.
-#include "dma/dma.h"
+#include "dma/dma_controller.h"
 #include "gs/registers.h"
 #include "machine/devices.h"
 #include "support/gs_machine.h"

@@ -27,7 +27,7 @@ class RandomDrawing : public GsMachine {
     bool chance(u32 oneIn) { return random(oneIn) == 0; }
 
     /// Draws one primitive of each case, whose type and vertices `prepare` chooses.
-    template <class Prepare>
+    template <typename Prepare>
     void runCases(u32 count, bool hostile, Prepare prepare) {
         const char* only = std::getenv("TARN_CASE");
         const u32 first = only == nullptr ? 0 : static_cast<u32>(std::stoul(only));

@@ -25,7 +25,7 @@ struct Layout {
     std::vector<Field> fields;
 };
 
-template <class Record>
+template <typename Record>
 Layout both(u32 address, const std::array<Record, 2>& records, const std::vector<Field>& fields) {
     return {address, &records, sizeof(Record), fields};
 }

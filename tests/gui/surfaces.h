@@ -1,4 +1,4 @@
-// Owns what the tests of the toolkit draw on: surfaces in memory, fonts of solid glyphs, panes on them.
+// What the toolkit's tests draw on: surfaces in memory, fonts of solid glyphs, panes on them.
 #pragma once
 
 #include "gui/bitmap_font.h"

@@ -1,4 +1,4 @@
-// Owns what the tests of the interpreter share: the encoding of instruction words, and programs of them.
+// Encoding of instruction words and of programs, for the interpreter's tests.
 #pragma once
 
 #include "memory/memory.h"

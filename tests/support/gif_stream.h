@@ -1,4 +1,4 @@
-// Owns the building of GIF packets, for tests and fuzzers.
+// GIF packets under construction, for tests and fuzzers.
 #pragma once
 
 #include "gs/gs.h"

@@ -1,4 +1,4 @@
-// Owns the set-up of the Graphics Synthesizer for tests: a fresh one per test.
+// A fresh Graphics Synthesizer for each test.
 #pragma once
 
 #include "gs/gs.h"

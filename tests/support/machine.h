@@ -1,4 +1,4 @@
-// Owns the machine as tests use it: every record in its start state, the four panes, the memory areas.
+// The machine as tests use it: every record in its start state, the four panes, the memory areas.
 // Header only and free of GoogleTest, so that fuzzers can use it too.
 #pragma once
 
@@ -6,10 +6,12 @@
 #include "gs/gs.h"
 #include "gui/kogui.h"
 #include "gui/pane_sinks.h"
-#include "loader/loader.h"
+#include "loader/copy.h"
+#include "loader/input_files.h"
 #include "machine/machine.h"
 #include "machine/run_loop.h"
 #include "machine/settings.h"
+#include "memory/allocation.h"
 #include "memory/memory.h"
 #include "shell/driver.h"
 

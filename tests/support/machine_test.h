@@ -1,4 +1,4 @@
-// Owns the fixture of the tests that run on the whole machine, and the capturing of standard output.
+// The fixture of tests that run on the whole machine, and capturing standard output.
 #pragma once
 
 #include "support/machine.h"
@@ -12,7 +12,7 @@ namespace tarn::test {
 using Lines = std::vector<std::string>;
 
 /// What `action` prints to standard output.
-template <class Action>
+template <typename Action>
 std::string outputOf(Action action) {
     testing::internal::CaptureStdout();
     action();

@@ -1,4 +1,4 @@
-// Owns a directory of its own for a test, in which relative file names are looked up.
+// A working directory of its own for a test.
 #pragma once
 
 #include <filesystem>

@@ -1,5 +1,4 @@
-// Declares the loading of the guest program and of the BIOS image, one start-up step a function, and owns
-// the record of the open files and the program's header tables.
+// The program's and the BIOS's file, and the program's header tables.
 #pragma once
 
 #include "base/file.h"
@@ -26,16 +25,6 @@ inline LoaderState Loader;
 /// Opens a file and reports its size; 1, or 0 with a message when it cannot be opened.
 u8 ElfOpenFile(const char* path);
 u8 BiosOpenFile(const char* path);
-
-/// Reads the header tables; returns the number of reads that failed (saturating at 255). Headers beyond the
-/// tables count as failed reads.
-u8 ElfLoadHeader();
-
-/// Copy segments, sections and the BIOS image into memory; the result carries nothing. Errors are counted
-/// and reported: one for each missing byte, and one for each part that main memory cannot hold.
-u8 CopyProgramToMemory();
-u8 CopySectionToMemory();
-u8 CopyBiosToMemory();
 
 /// Close and report a file that is open; do nothing otherwise.
 void ElfCloseFile();

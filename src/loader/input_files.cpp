@@ -1,6 +1,7 @@
-// Owns the opening and closing of the program's and the BIOS's file.
+// Opening and closing the program's and the BIOS's file.
+#include "loader/input_files.h"
+
 #include "base/diagnostics.h"
-#include "loader/loader.h"
 
 #include <cerrno>
 #include <cstring>
