@@ -57,7 +57,6 @@ void appendMarker(std::vector<u32>& program) {
 void appendExit(std::vector<u32>& program, s32 call) {
     program.push_back(addiu(a0, zero, 0));
     program.push_back(addiu(v0, zero, call));
-    program.push_back(addiu(v1, zero, 4));  // Tarn's number, which stops it
     program.push_back(syscall());
 }
 
@@ -88,14 +87,14 @@ std::vector<u32> guestProgram(const GuestLoop& loop, u32 iterations, Ending endi
     appendConstant(program, t0, iterations);
     appendConstant(program, a0, guestDataAddress);
     append(program, loop.setup);
-    if (ending == Ending::Console) {
-        appendMarker(program);
-    }
     append(program, loop.body);
     if (ending == Ending::Console) {
         appendMarker(program);
+        program.push_back(beq(zero, zero, -static_cast<s32>(program.size()) - 1));  // from the start
+        program.push_back(nop());
+    } else {
+        appendExit(program, ending == Ending::LinuxN32 ? 6058 : 4001);
     }
-    appendExit(program, ending == Ending::LinuxN32 ? 6058 : 4001);
     return program;
 }
 

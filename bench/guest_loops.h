@@ -26,8 +26,7 @@ extern const std::array<GuestLoop, 3> guestLoops;
 
 /// What follows the loop.
 enum class Ending {
-    Console,   ///< a write to an unknown DMA register before and after the loop (Tarn prints a line), then
-               ///< stop
+    Console,   ///< a write to an unknown DMA register, for which Tarn prints a line, and all over again
     LinuxO32,  ///< the exit call of 32-bit Linux
     LinuxN32,  ///< the exit call of Linux's N32 interface
 };

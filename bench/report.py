@@ -11,10 +11,10 @@ import argparse
 import contextlib
 import json
 import os
+import select
 import shutil
 import signal
 import statistics
-import struct
 import subprocess
 import sys
 import tempfile
@@ -29,9 +29,10 @@ EMULATORS = {  # name in the table: command, interface of the program
     "qemu-mipsn32el": (["qemu-mipsn32el"], "n32"),
     "qemu-mipsn32el -singlestep": (["qemu-mipsn32el", "-singlestep"], "n32"),
 }
+SINGLE_STEP = "-one-insn-per-tb"  # what newer releases call -singlestep
 TURNS = {"alu": 6_000_000, "mixed": 4_000_000, "float": 3_000_000}  # about half a second of single steps
 PROGRAMS = "loop", "bounce"  # run in a window; the first draws nothing
-ENDLESS = 0x7FFFFFFF
+TURNS_PER_LINE = 20_000
 
 
 class Measurements:
@@ -77,6 +78,8 @@ class Measurements:
             if shutil.which(command[0]) is None:
                 print(f"{command[0]} is not installed (Debian package qemu-user): no comparison with it")
                 continue
+            command = [SINGLE_STEP if word == "-singlestep" and has_option(command[0], SINGLE_STEP) else word
+                       for word in command]
             for loop in LOOPS:
                 turns = TURNS[loop] * (1 if len(command) > 1 else 10)
                 program = directory / f"{loop}-{interface}-{turns}"
@@ -92,11 +95,11 @@ class Measurements:
             self.rates[name] = turns / statistics.median(times[name])
 
     def run_programs(self, directory):
-        """Vertical blanks a second of whole programs, without a window and in one, by turns."""
+        """The speed of whole programs, without a window and in one, by turns."""
         if shutil.which("Xvfb") is None:
             print("Xvfb is not installed (Debian package xvfb): no comparison with the window")
             return
-        write_guest(self.build, directory / "loop.elf", "mixed", "console", ENDLESS)
+        write_guest(self.build, directory / "loop.elf", "mixed", "console", TURNS_PER_LINE)
         for name in PROGRAMS:
             elf = directory / "loop.elf" if name == "loop" else self.build / "guest" / f"{name}.elf"
             run = prepare(directory / name, elf)
@@ -104,19 +107,19 @@ class Measurements:
                     Running(self.build / "tarn", run, environment) as window:
                 headless.settle()
                 window.settle()
-                rates = [(headless.blanks_a_second(), window.blanks_a_second()) for _ in range(self.repetitions)]
+                rates = [(headless.rate(), window.rate()) for _ in range(self.repetitions)]
             self.rates[f"program/{name}/headless"] = statistics.median(rate for rate, _ in rates)
             self.rates[f"program/{name}/window"] = statistics.median(rate for _, rate in rates)
 
 
 class Running:
-    """A program that runs only while it is measured."""
+    """A program that runs only while it is measured, and prints lines at a rate that is in step with its work."""
 
     def __init__(self, binary, directory, environment):
+        self.output, terminal = os.openpty()  # on a terminal each line comes at once
         self.process = subprocess.Popen([binary], cwd=directory, env=environment, stdin=subprocess.DEVNULL,
-                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        self.binary = binary
-        self.blanks = None
+                                        stdout=terminal, stderr=subprocess.DEVNULL)
+        os.close(terminal)
 
     def __enter__(self):
         return self
@@ -124,53 +127,41 @@ class Running:
     def __exit__(self, *_):
         self.process.kill()
         self.process.wait()
+        os.close(self.output)
+
+    def lines(self, seconds):
+        """How many lines come within this time; its end is the last one."""
+        start = last = time.monotonic()
+        count = 0
+        while (rest := start + seconds - time.monotonic()) > 0:
+            if not select.select([self.output], [], [], rest)[0]:
+                break
+            count += os.read(self.output, 1 << 16).count(b"\n")
+            last = time.monotonic()
+        return count, last - start
 
     def settle(self):
-        self.blanks = Counter(self.process.pid, self.binary, "_ZN4tarn14verticalBlanksE")
-        while self.blanks.value() < 10:
-            time.sleep(0.01)
-        self.process.send_signal(signal.SIGSTOP)
-
-    def blanks_a_second(self):
-        self.process.send_signal(signal.SIGCONT)
-        time.sleep(0.1)
-        start, before = time.monotonic(), self.blanks.value()
-        time.sleep(0.5)
-        rate = (self.blanks.value() - before) / (time.monotonic() - start)
-        self.process.send_signal(signal.SIGSTOP)
-        return rate
-
-
-class Counter:
-    """A variable of 64 bits in a running process."""
-
-    def __init__(self, pid, binary, symbol):
-        self.memory = Path(f"/proc/{pid}/mem")
-        symbols = subprocess.run(["nm", binary], capture_output=True, text=True, check=True).stdout
-        offset = next(int(line.split()[0], 16) for line in symbols.splitlines() if line.endswith(" " + symbol))
         limit = time.monotonic() + 10
-        while not (base := self.base(pid, binary)):
+        while self.lines(0.1)[0] < 10:
             if time.monotonic() > limit:
-                sys.exit(f"{binary} does not start")
-            time.sleep(0.01)
-        self.address = base + offset
+                sys.exit(f"{self.process.args[0]} does not start")
+        self.process.send_signal(signal.SIGSTOP)
 
-    @staticmethod
-    def base(pid, binary):
-        """Where the program is loaded; None until it is."""
-        for line in Path(f"/proc/{pid}/maps").read_text().splitlines():
-            if line.endswith(str(binary.resolve())):
-                return int(line.split("-")[0], 16)
-        return None
-
-    def value(self):
-        with open(self.memory, "rb") as memory:
-            memory.seek(self.address)
-            return struct.unpack("<Q", memory.read(8))[0]
+    def rate(self):
+        """Lines a second."""
+        self.process.send_signal(signal.SIGCONT)
+        self.lines(0.1)
+        count, seconds = self.lines(0.5)
+        self.process.send_signal(signal.SIGSTOP)
+        return count / seconds
 
 
 def write_guest(build, path, loop, interface, turns):
     subprocess.run([build / "bench" / "tarn-bench-guest", loop, interface, str(turns), path], check=True)
+
+
+def has_option(program, option):
+    return option[1:] in subprocess.run([program, "-help"], capture_output=True, text=True, check=False).stdout
 
 
 def processor_time(command):
@@ -182,12 +173,12 @@ def processor_time(command):
 
 
 def prepare(directory, elf):
-    """A run directory for the program, as fast as it goes."""
+    """A run directory for the program, as fast as it goes, with a line for each write to a register of the GS."""
     (directory / "bios").mkdir(parents=True)
     (directory / "bios" / "scph10000.bin").write_bytes(bytes(1024))
     (directory / "data").symlink_to(SOURCE / "data")
     (directory / "tarn.ini").write_text(
-        f'[General]\nElf = "{elf.resolve()}"\nSteps_per_poll = 8192\n[Video]\nWidth = 320\nHeight = 240\n')
+        f'[General]\nElf = "{elf.resolve()}"\nSteps_per_poll = 8192\nDebug_GS = 1\n[Video]\nWidth = 320\nHeight = 240\n')
     return directory
 
 
