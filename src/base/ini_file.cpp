@@ -44,7 +44,8 @@ int IniFile::number(const char* key, int fallback) const {
 
 std::vector<IniFile::Entry> IniFile::entries() const {
     std::vector<Entry> result;
-    for (int i = 0; i < dictionary->size; ++i) {
+    const auto size = static_cast<std::size_t>(dictionary->size);  // its type differs from release to release
+    for (std::size_t i = 0; i < size; ++i) {
         if (dictionary->key[i] != nullptr) {
             const char* value = dictionary->val[i];
             result.push_back(
