@@ -53,7 +53,8 @@ foreach(cpu described complete)
     endif()
     add_custom_command(
         OUTPUT ${TARN_GUEST_BUILT}/${cpu}.a
-        COMMAND ${CMAKE_COMMAND} -E env ${TARN_GUEST_ENVIRONMENT} TARN_GUEST_LIBRARY_OPTIONS=-Werror
+        COMMAND ${CMAKE_COMMAND} -E env ${TARN_GUEST_ENVIRONMENT}
+                TARN_GUEST_LIBRARY_OPTIONS=$<$<BOOL:${TARN_WERROR}>:-Werror>
                 sh ${TARN_GUEST_BUILD} ${options} --library ${TARN_GUEST_BUILT}
         DEPENDS ${TARN_GUEST_LIBRARY_FILES} ${TARN_GUEST_BUILD}
         COMMENT "Building the guest library for the ${cpu} processor"
@@ -66,7 +67,7 @@ function(tarn_add_guest name)
     set(inputs ${guest_SOURCES})
     list(FILTER inputs EXCLUDE REGEX "\\.h$")
     set(environment ${TARN_GUEST_ENVIRONMENT} TARN_GUEST_BUILT=${TARN_GUEST_BUILT}
-        TARN_GUEST_CHECK=$<TARGET_FILE:guest-check>)
+        TARN_GUEST_CHECK=${CMAKE_BINARY_DIR}/guest/guest-check)
     set(options)
     if(guest_COMPLETE_CPU)
         set(options --complete-cpu)

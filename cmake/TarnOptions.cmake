@@ -1,20 +1,23 @@
-# The compiler options that every target of the project shares (interface library tarn_options).
+# The compiler options that all targets of the project share (interface library tarn_options), and the check that
+# the host can run Tarn. Flags of the user's are kept.
+if(NOT CMAKE_SIZEOF_VOID_P EQUAL 8 OR NOT CMAKE_CXX_BYTE_ORDER STREQUAL LITTLE_ENDIAN)
+    message(FATAL_ERROR "Tarn needs a 64-bit little-endian host, and ${CMAKE_CXX_COMPILER} does not compile for one.")
+endif()
+
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
-set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
-if(NOT CMAKE_BUILD_TYPE)
-    set(CMAKE_BUILD_TYPE Release)
+get_property(multi_config GLOBAL PROPERTY GENERATOR_IS_MULTI_CONFIG)
+if(NOT multi_config AND NOT CMAKE_BUILD_TYPE)
+    set(CMAKE_BUILD_TYPE Release CACHE STRING "Debug, Release, RelWithDebInfo or None" FORCE)
 endif()
-set(CMAKE_CXX_FLAGS_DEBUG "-O0 -g")
-# Aligned loops: otherwise their speed changes by a third with whatever stands in front of them.
-set(CMAKE_CXX_FLAGS_RELEASE "-O3 -DNDEBUG -falign-functions=32 -falign-loops=32")
-set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O1 -g")
 
 add_library(tarn_options INTERFACE)
 # No contraction: guest arithmetic must round the same on every host and at every optimisation level.
-target_compile_options(tarn_options INTERFACE
-    -Wall -Wextra -Wconversion -Wshadow -Werror -ffp-contract=off -fno-strict-overflow)
+target_compile_options(tarn_options INTERFACE -Wall -Wextra -Wconversion -Wshadow -ffp-contract=off)
+if(TARN_WERROR)
+    target_compile_options(tarn_options INTERFACE -Werror)
+endif()
 
 if(TARN_LTO)
     include(CheckIPOSupported)
@@ -31,3 +34,18 @@ if(TARN_FUZZ)
     # every comparison would cost a third of the speed.
     target_compile_options(tarn_options INTERFACE -fsanitize=fuzzer-no-link -fno-sanitize-coverage=trace-cmp)
 endif()
+
+# Puts a program at the top of the current build directory. Of a cross-compiled one a script stands there which runs
+# it in the emulator, so that tests and scripts can start it like any other.
+function(tarn_place_program name)
+    set(directory ${CMAKE_CURRENT_BINARY_DIR})
+    if(NOT CMAKE_CROSSCOMPILING_EMULATOR)
+        set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${directory})
+        return()
+    endif()
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${directory}/bin)
+    list(JOIN CMAKE_CROSSCOMPILING_EMULATOR " " emulator)
+    file(WRITE ${directory}/${name} "#!/bin/sh\nexec ${emulator} ${directory}/bin/${name} \"$@\"\n")
+    file(CHMOD ${directory}/${name}
+        PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+endfunction()

@@ -2,12 +2,11 @@
 #pragma once
 
 #include "gui/kogui.h"
+#include "shell/version.h"
 
 namespace tarn {
 
 inline constexpr const char* programName = "Tarn";
-inline constexpr int versionMajor = 0;
-inline constexpr int versionMinor = 3;
 
 /// The surface of the emulated picture, owned by the program.
 inline SDL_Surface* MainScreen = nullptr;

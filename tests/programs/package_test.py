@@ -1,4 +1,4 @@
-"""The Debian package: built, unpacked, and used from there as it would be from /usr."""
+"""What packagers do: a build with their own flags, the source archive, the Debian package unpacked and used."""
 
 import os
 import shutil
@@ -20,6 +20,43 @@ class ManPagesTest(unittest.TestCase):
             result = subprocess.run(["groff", "-man", "-Tutf8", "-ww", "-z", page], capture_output=True, text=True,
                                     check=True)
             self.assertEqual(result.stderr, "", page)
+
+
+class SourcesTest(unittest.TestCase):
+    def setUp(self):
+        directory = tempfile.TemporaryDirectory(prefix="tarn-test-")
+        self.addCleanup(directory.cleanup)
+        self.directory = Path(directory.name)
+
+    def configure(self, source, *options):
+        return subprocess.run(["cmake", "-S", source, "-B", self.directory / "build", "-DTARN_TESTS=OFF",
+                               "-DCMAKE_EXPORT_COMPILE_COMMANDS=ON", *options], capture_output=True, text=True,
+                              env={**os.environ, "LC_ALL": "C"}, check=False)
+
+    @unittest.skipUnless((SOURCE / ".git").exists(), "the list of files is git's")
+    def test_the_archive_is_the_repository_and_keeps_flags(self):
+        subprocess.run(["cpack", "--config", BUILD / "CPackSourceConfig.cmake", "-B", self.directory / "pack"],
+                       cwd=self.directory, check=True, stdout=subprocess.DEVNULL)
+        archive, = (self.directory / "pack").glob("*.tar.xz")
+        subprocess.run(["tar", "-xf", archive], cwd=self.directory, check=True)
+        source = self.directory / archive.name.removesuffix(".tar.xz")
+        files = subprocess.run(["git", "ls-files", "--cached", "--others", "--exclude-standard"], cwd=SOURCE,
+                               capture_output=True, text=True, check=True).stdout.split("\n")
+        packed = {path.relative_to(source).as_posix() for path in source.rglob("*") if path.is_file()}
+        self.assertEqual(packed ^ {path for path in files if (SOURCE / path).is_file()}, set())
+        result = self.configure(source, "-DCMAKE_CXX_FLAGS=-DPACKAGER", "-DCMAKE_CXX_FLAGS_RELEASE=-O2")
+        self.assertEqual(result.returncode, 0, result.stderr)
+        commands = (self.directory / "build" / "compile_commands.json").read_text()
+        self.assertIn(" -DPACKAGER -O2 ", commands)
+        for flag in "-Werror", "-O3", "-falign":
+            self.assertNotIn(flag, commands)
+
+    @unittest.skipUnless(os.uname().machine == "x86_64", "takes a compiler that has -m32")
+    def test_a_host_that_cannot_work_is_refused(self):
+        result = self.configure(SOURCE, "-DCMAKE_C_FLAGS=-m32", "-DCMAKE_CXX_FLAGS=-m32",
+                                "-DCMAKE_TRY_COMPILE_TARGET_TYPE=STATIC_LIBRARY")
+        self.assertNotEqual(result.returncode, 0)
+        self.assertIn("64-bit little-endian", result.stderr)
 
 
 @unittest.skipUnless(shutil.which("dpkg-shlibdeps"), "dpkg-dev is not installed")
@@ -46,13 +83,20 @@ class PackageTest(unittest.TestCase):
         files = {str(path.relative_to(self.usr)) for path in self.usr.rglob("*") if path.is_file()}
         expected = {"bin/tarn", "share/applications/tarn.desktop", "share/doc/tarn/copyright",
                     "share/tarn/guest/lib/tarn.ld", "share/doc/tarn/examples/picture/main.c",
-                    *(f"share/man/man1/{page.name}" for page in MAN_PAGES)}
+                    "share/doc/tarn/changelog.gz", "share/icons/hicolor/scalable/apps/tarn.svg",
+                    *(f"share/man/man1/{page.name}.gz" for page in MAN_PAGES)}
         self.assertLessEqual(expected, files)
         self.assertEqual([path for path in files if path.endswith((".a", ".o", ".unchecked", ".py"))], [])
         depends = subprocess.run(["dpkg-deb", "-f", self.package, "Depends"], capture_output=True, text=True,
                                  check=True).stdout
-        for library in "libsdl1.2debian", "libiniparser1", "libc6":
+        for library in "libsdl1.2debian", "libiniparser", "libc6":
             self.assertIn(library, depends)
+
+    @unittest.skipUnless(shutil.which("lintian"), "lintian is not installed")
+    def test_lintian_has_nothing_to_say(self):
+        result = subprocess.run(["lintian", "--allow-root", "--fail-on=error,warning", self.package],
+                                capture_output=True, text=True, check=False)
+        self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
 
     @unittest.skipUnless(os.geteuid() == 0, "dpkg wants root")
     def test_it_is_removed_cleanly(self):
@@ -87,6 +131,9 @@ class PackageTest(unittest.TestCase):
             (self.directory / name).touch()
             self.assertIn("cannot hold", self.run_program("tarn-setup", "refused", name, status=1))
         self.assertIn("usage:", self.run_program("tarn-setup", "--walk", status=2))
+        for arguments, complaint in ((odd,), "tarn-setup DIRECTORY"), (("refused", "/bin/sh"), "not a program for"):
+            self.assertIn(complaint, self.run_program("tarn-setup", *arguments, status=1))
+        self.assertFalse((self.directory / "refused").exists())
 
     def test_the_check_comes_with_the_installed_library(self):
         (self.directory / "bad.c").write_text("int main(void) { __asm__(\"nor $2, $3, $4\"); return 0; }\n")
