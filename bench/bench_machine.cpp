@@ -3,7 +3,7 @@
 
 #include "gs/gs.h"
 #include "guest_loops.h"
-#include "gui/kogui.h"
+#include "gui/screen.h"
 #include "machine/machine.h"
 #include "machine/settings.h"
 #include "memory/allocation.h"

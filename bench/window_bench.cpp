@@ -1,7 +1,7 @@
 // Window benchmarks: appending text, and redrawing everything, on SDL's dummy display.
 #include "base/diagnostics.h"
 #include "bench_machine.h"
-#include "gui/kogui.h"
+#include "gui/screen.h"
 #include "machine/settings.h"
 #include "shell/session.h"
 
@@ -68,7 +68,7 @@ void redraw(benchmark::State& state) {
         benchmark::ClobberMemory();
     }
 }
-void dirtyText() { TarnGUI.widgets[paneEmuOutput].dirty = 1; }
+void dirtyText() { TarnGUI.widgets[emuOutputPane].dirty = 1; }
 BENCHMARK(redraw<dirtyText>)->Name("window/redraw/text");
 BENCHMARK(redraw<MarkVideoOutputDirty>)->Name("window/redraw/picture");
 

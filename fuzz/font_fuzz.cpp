@@ -1,6 +1,6 @@
 // Font images through LoadFont, and what is drawn with them. The first byte of an input chooses: a file as
 // it is, or a BMP header whose fields the input changes in front of its pixels.
-#include "gui/bitmap_font.h"
+#include "gui/font_extras.h"
 #include "support.h"
 
 #include <vector>
@@ -72,9 +72,8 @@ void draw(const BitmapFont* font) {
     RightPutStringFont(surface, font, 28, "right");
     JustifiedPutStringFont(surface, font, 5, "a b  c");
     PrintStringFont(surface, font, 3, 3, "%s %d", text.c_str(), 7);
-    if (BitmapFont* coloured = SetFontColor(font, 255, 128, 0)) {
-        PutStringFont(surface, coloured, 0, 0, "coloured");
-        FreeFont(coloured);
+    if (const FontPtr coloured = SetFontColor(font, 255, 128, 0)) {
+        PutStringFont(surface, coloured.get(), 0, 0, "coloured");
     }
 }
 
@@ -86,14 +85,12 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     static const fuzz::MemoryFile file;
     fuzz::Input input({data, size});
     file.assign(input.take<u8>() < 64 ? input.remaining() : buildBmp(input));
-    if (BitmapFont* font = LoadFont(file.path())) {
-        fuzz::require(font->surface != nullptr && GetCurrentFont() == font, "a loaded font is whole");
+    if (const FontPtr font = LoadFont(file.path())) {
+        fuzz::require(font->surface != nullptr && GetCurrentFont() == font.get(), "a loaded font is whole");
         // An image of millions of pixels is legitimate, and slow to recolour.
         if (font->surface->w * font->surface->h < 0x10000) {
-            draw(font);
+            draw(font.get());
         }
-        FreeFont(font);
-        SetCurrentFont(nullptr);
     }
     return 0;
 }

@@ -1,8 +1,9 @@
-// Owns the copying between surfaces and the filling of rectangles: what SDL does, without its general loops
-// where pixels are whole words.
+// Copying between surfaces and filling rectangles: what SDL does, without its general loops where pixels are
+// whole words.
 #include "gui/blits.h"
 
 #include "gui/pixel_access.h"
+#include "gui/surface.h"
 
 #include <algorithm>
 
@@ -59,7 +60,7 @@ bool needsLock(const SDL_Surface* surface) {
 }
 
 /// Gives every row of the area to `copyRow`, as destination, source and number of pixels.
-template <class CopyRow>
+template <typename CopyRow>
 void copyRows(SDL_Surface* source, SDL_Surface* destination, const CopiedArea& area, CopyRow copyRow) {
     const SurfaceLock sourceLock(source, needsLock(source));
     const SurfaceLock destinationLock(destination, needsLock(destination));

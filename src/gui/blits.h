@@ -1,4 +1,4 @@
-// Declares the copying between surfaces and the filling of rectangles.
+// Copying between surfaces and filling rectangles.
 #pragma once
 
 #include "base/types.h"

@@ -1,10 +1,11 @@
-// Owns the reading of BMP files: SDL 1.2's reader trusts sizes that a hostile file can choose.
+// BMP files, checked before reading: SDL 1.2's reader trusts sizes that a hostile file can choose.
 #include "gui/bmp_file.h"
+
+#include "base/file.h"
 
 #include <array>
 #include <bit>
 #include <cstdio>
-#include <memory>
 #include <vector>
 
 namespace tarn {
@@ -28,8 +29,7 @@ u32 little(std::span<const u8> file, std::size_t offset, std::size_t count) {
 /// The file's bytes; nothing when it cannot be read or is too large.
 std::vector<u8> readFile(const char* path) {
     std::vector<u8> bytes;
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
-        std::fopen(path, "rb"), [](std::FILE* open) { return open != nullptr ? std::fclose(open) : 0; });
+    const FilePtr file = openInputFile(path);
     if (file != nullptr) {
         u8 block[4096];
         std::size_t count = 0;
@@ -107,12 +107,12 @@ bool isSaneBmp(std::span<const u8> file) {
            pixelOffset + rowBytes * static_cast<u64>(height) <= file.size();
 }
 
-SDL_Surface* loadBmpFile(const char* path) {
+SurfacePtr loadBmpFile(const char* path) {
     const std::vector<u8> file = readFile(path);
     if (!isSaneBmp(file)) {
         return nullptr;
     }
-    return SDL_LoadBMP_RW(SDL_RWFromConstMem(file.data(), static_cast<int>(file.size())), 1);
+    return SurfacePtr(SDL_LoadBMP_RW(SDL_RWFromConstMem(file.data(), static_cast<int>(file.size())), 1));
 }
 
 }  // namespace tarn

@@ -1,9 +1,9 @@
-// Declares the reading of BMP files, checked before SDL's reader sees them.
+// BMP files, checked before SDL's reader sees them.
 #pragma once
 
 #include "base/types.h"
+#include "gui/surface.h"
 
-#include <SDL.h>
 #include <span>
 
 namespace tarn {
@@ -13,6 +13,6 @@ namespace tarn {
 bool isSaneBmp(std::span<const u8> file);
 
 /// Loads a BMP file; null when it cannot be read or is not sane.
-SDL_Surface* loadBmpFile(const char* path);
+SurfacePtr loadBmpFile(const char* path);
 
 }  // namespace tarn

@@ -1,8 +1,9 @@
-// Owns what all panes share: set-up, frame and title bar, image and plain bodies, the hit test.
-#include "gui/kogui.h"
+// What all panes share: set-up, frame and title bar, image and plain bodies, the hit test.
+#include "gui/pane.h"
 
 #include "gui/blits.h"
 #include "gui/line_drawing.h"
+#include "gui/screen.h"
 
 #include <algorithm>
 #include <cstring>
@@ -24,7 +25,7 @@ SDL_Rect rectangle(s32 x, s32 y, u32 w, u32 h) {
 
 }  // namespace
 
-void koGUIwidget_init(koGUIwidget* pane, u8 kind, s32 x, s32 y, u32 w, u32 h, const char* title) {
+void koGUIwidget_init(koGUIwidget* pane, PaneKind kind, s32 x, s32 y, u32 w, u32 h, const char* title) {
     pane->kind = kind;
     pane->x = x;
     pane->y = y;
@@ -34,21 +35,22 @@ void koGUIwidget_init(koGUIwidget* pane, u8 kind, s32 x, s32 y, u32 w, u32 h, co
     std::memcpy(pane->title, title, std::min(std::strlen(title), sizeof pane->title - 1));
     pane->external_draw = koGUIwidget_external_draw;
     pane->dirty = 1;
-    pane->state = paneOpen;
+    pane->state = PaneState::Open;
     pane->isClick_TitleBar = koGUIwidget_isClick_TitleBar;
     pane->image = nullptr;
     pane->attachImage = nullptr;
     pane->textLines = nullptr;
-    pane->sentinel = nullptr;
+    pane->lines = nullptr;
     switch (kind) {
-    case imagePane:
+    case PaneKind::Image:
         pane->internal_draw = koGUIwidget_image_internal_draw;
         pane->attachImage = koGUIwidget_attachImage;
         break;
-    case textPane:
+    case PaneKind::Text:
         pane->internal_draw = koGUIwidget_text_internal_draw;
         pane->addText = koGUIwidget_addText;
-        startTextLines(pane);
+        pane->lines = std::make_shared<TextLines>();
+        pane->textLines = pane->lines->head();
         pane->firstLine = 0;
         pane->maxLines = (h - titleBarHeight) / textLineHeight;
         break;
@@ -61,7 +63,7 @@ void koGUIwidget_init(koGUIwidget* pane, u8 kind, s32 x, s32 y, u32 w, u32 h, co
 void koGUIwidget_attachImage(koGUIwidget* pane, SDL_Surface* image) { pane->image = image; }
 
 void koGUIwidget_external_draw(koGUIwidget* pane, koGUIscreen* screen) {
-    SDL_Surface* surface = screen->surface;
+    SDL_Surface* surface = screen->surface.get();
     const u32 colour = SDL_MapRGB(surface->format, frameColour.r, frameColour.g, frameColour.b);
     const auto line = [&](s32 x1, s32 y1, s32 x2, s32 y2) {
         SDL_drawLine_Kq(surface, x1, y1, x2, y2, colour, 0, 0);
@@ -77,7 +79,7 @@ void koGUIwidget_external_draw(koGUIwidget* pane, koGUIscreen* screen) {
     line(left, edge(top, titleBarHeight - 1), edge(left, pane->w - 2), edge(top, titleBarHeight - 1));
 
     fillRectangle(screen, rectangle(edge(left, 1), edge(top, 1), pane->w - 2, 20), titleBarColour);
-    PrintStringFont(surface, screen->font1, edge(left, 2), edge(top, 2), "%s", pane->title);
+    PrintStringFont(surface, screen->font1.get(), edge(left, 2), edge(top, 2), "%s", pane->title);
     fillRectangle(screen, rectangle(edge(left, pane->w - 22), edge(top, 3), 16, 16), shadeBoxColour);
 }
 
@@ -91,7 +93,7 @@ void koGUIwidget_image_internal_draw(koGUIwidget* pane, koGUIscreen* screen) {
                           pane->image->format->BytesPerPixel <= 4;
     if (drawable) {
         SDL_Rect body = bodyRectangle(pane);
-        blit(pane->image, nullptr, screen->surface, &body);
+        blit(pane->image, nullptr, screen->surface.get(), &body);
     }
 }
 
@@ -99,14 +101,14 @@ void koGUIwidget_default_internal_draw(koGUIwidget* pane, koGUIscreen* screen) {
     fillRectangle(screen, bodyRectangle(pane), plainBodyColour);
 }
 
-int koGUIwidget_isClick_TitleBar(koGUIwidget* pane, koGUIscreen* /*screen*/, s32 mx, s32 my) {
+PaneHit koGUIwidget_isClick_TitleBar(koGUIwidget* pane, koGUIscreen* /*screen*/, s32 mx, s32 my) {
     const u32 right = static_cast<u32>(pane->x) + pane->w;
     const u32 column = static_cast<u32>(mx);
     const bool inBar = pane->x < mx && column < right && pane->y < my && my < s64{pane->y} + titleBarHeight;
     if (!inBar) {
-        return hitNothing;
+        return PaneHit::Nothing;
     }
-    return column <= right - 20 ? hitTitleBar : hitShadeZone;
+    return column <= right - 20 ? PaneHit::TitleBar : PaneHit::ShadeZone;
 }
 
 }  // namespace tarn

@@ -2,7 +2,7 @@
 #include "gui/pane_sinks.h"
 
 #include "base/diagnostics.h"
-#include "gui/kogui.h"
+#include "gui/screen.h"
 
 #include <string>
 #include <utility>
@@ -11,9 +11,9 @@ namespace tarn {
 namespace {
 
 /// The pane of that index, or null as long as it has not been added.
-koGUIwidget* paneAt(PaneIndex index) { return index < TarnGUI.nbWidgets ? &TarnGUI.widgets[index] : nullptr; }
+koGUIwidget* paneAt(u32 index) { return index < TarnGUI.nbWidgets ? &TarnGUI.widgets[index] : nullptr; }
 
-template <PaneIndex index>
+template <u32 index>
 void append(const char* text) {
     koGUIwidget* pane = paneAt(index);
     if (pane != nullptr && pane->addText != nullptr) {
@@ -24,7 +24,7 @@ void append(const char* text) {
 /// What the guest has said of a line so far.
 std::string guestLine;
 
-void endGuestLine() { append<paneEmuOutput>(std::exchange(guestLine, {}).c_str()); }
+void endGuestLine() { append<emuOutputPane>(std::exchange(guestLine, {}).c_str()); }
 
 /// Makes lines of it; one that other text interrupts, or that is too long for a pane, ends there.
 void appendGuestText(const char* text) {
@@ -43,11 +43,11 @@ void appendMessage(const char* text) {
     if (!guestLine.empty()) {
         endGuestLine();
     }
-    append<paneEmuOutput>(text);
+    append<emuOutputPane>(text);
 }
 
 void markPicture() {
-    if (koGUIwidget* pane = paneAt(paneVideoOutput)) {
+    if (koGUIwidget* pane = paneAt(videoOutputPane)) {
         pane->dirty = 1;
         paneChanged = true;
     }
@@ -61,8 +61,8 @@ void connectPanes() {
     };
     lead(Channel::EmuOutput, appendMessage);
     lead(Channel::Console, appendGuestText);
-    lead(Channel::Opcodes, append<paneOpcodes>);
-    lead(Channel::CpuRegisters, append<paneCpuRegisters>);
+    lead(Channel::Opcodes, append<opcodesPane>);
+    lead(Channel::CpuRegisters, append<cpuRegistersPane>);
     diagnosticSinks.pictureChanged = markPicture;
 }
 

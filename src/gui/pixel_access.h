@@ -1,4 +1,4 @@
-// Owns the addressing of a surface's pixels, and the loads and stores by pixel size.
+// Addressing of a surface's pixels, and loads and stores by pixel size.
 #pragma once
 
 #include "base/types.h"
@@ -7,24 +7,6 @@
 #include <cstring>
 
 namespace tarn {
-
-/// Locks a surface for as long as the object lives, when SDL requires it, or only when `needed` holds.
-class SurfaceLock {
-  public:
-    explicit SurfaceLock(SDL_Surface* surface) : SurfaceLock(surface, SDL_MUSTLOCK(surface)) {}
-    SurfaceLock(SDL_Surface* surface, bool needed)
-        : locked(needed && SDL_LockSurface(surface) == 0 ? surface : nullptr) {}
-    ~SurfaceLock() {
-        if (locked != nullptr) {
-            SDL_UnlockSurface(locked);
-        }
-    }
-    SurfaceLock(const SurfaceLock&) = delete;
-    SurfaceLock& operator=(const SurfaceLock&) = delete;
-
-  private:
-    SDL_Surface* locked;
-};
 
 /// The address of the pixel at (x, y), or null where that is not wholly inside the pixel buffer. Beyond a
 /// row's end lies the next row.

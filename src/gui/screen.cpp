@@ -1,7 +1,7 @@
-// Owns the toolkit's screen: its surface and fonts, the table of panes, the main loop.
-#include "base/diagnostics.h"
-#include "gui/kogui.h"
+// The toolkit's screen: its surface and fonts, the table of panes, the main loop.
+#include "gui/screen.h"
 
+#include "base/diagnostics.h"
 #include "gui/blits.h"
 
 #include <algorithm>
@@ -18,8 +18,8 @@ constexpr SDL_Color backgroundColour{0, 105, 153, 0};
 /// Between two looks at input, and two pictures that nothing comes with; no display shows more of them.
 constexpr std::chrono::milliseconds quickInterval{1};
 
-BitmapFont* loadFontOrExit(const char* path, const char* complaint) {
-    BitmapFont* font = LoadFont(path);
+FontPtr loadFontOrExit(const char* path, const char* complaint) {
+    FontPtr font = LoadFont(path);
     if (font == nullptr) {
         printDiagnostic("%s", complaint);
         std::exit(1);
@@ -56,7 +56,7 @@ void update(SDL_Surface* video, const SDL_Rect& place) {
 /// Shows a part of the off-screen surface in the window; all of it if the rectangle is null.
 void show(koGUIscreen* screen, SDL_Surface* video, const SDL_Rect* rectangle) {
     SDL_Rect place = rectangle != nullptr ? *rectangle : SDL_Rect{};
-    blit(screen->surface, rectangle, video, &place);
+    blit(screen->surface.get(), rectangle, video, &place);
     if (video != nullptr) {
         update(video, place);
     }
@@ -68,7 +68,7 @@ void redraw(koGUIscreen* screen, SDL_Surface* video) {
     for (u32 i = 0; i < screen->nbWidgets; ++i) {
         koGUIwidget* pane = &screen->widgets[i];
         pane->external_draw(pane, screen);
-        if (pane->state == paneOpen) {
+        if (pane->state == PaneState::Open) {
             pane->internal_draw(pane, screen);
         }
         pane->dirty = 0;
@@ -83,10 +83,10 @@ void redraw(koGUIscreen* screen, SDL_Surface* video) {
 bool mayDrawOn(const koGUIscreen* screen, const koGUIwidget& pane, const SDL_Rect& rectangle) {
     using Limits = std::numeric_limits<Sint16>;
     const s64 right = s64{pane.x} + pane.w + 1;
-    const s64 lines = s64{pane.maxLines} * FontHeight(screen->font2);
+    const s64 lines = s64{pane.maxLines} * FontHeight(screen->font2.get());
     const s64 bottom =
         std::max(s64{pane.y} + pane.h + 1,
-                 s64{pane.y} + titleBarHeight + std::max(lines, s64{FontHeight(screen->font1)}));
+                 s64{pane.y} + titleBarHeight + std::max(lines, s64{FontHeight(screen->font1.get())}));
     const bool fits = pane.x >= Limits::min() && pane.y >= Limits::min() && right <= Limits::max() &&
                       bottom <= Limits::max();
     return !fits ||
@@ -98,7 +98,7 @@ bool mayDrawOn(const koGUIscreen* screen, const koGUIwidget& pane, const SDL_Rec
 bool onlyPictureChanges(const koGUIscreen* screen, const SDL_Rect& picture) {
     for (u32 i = 0; i < screen->nbWidgets; ++i) {
         const koGUIwidget& pane = screen->widgets[i];
-        const bool isPicture = i == paneVideoOutput;
+        const bool isPicture = i == videoOutputPane;
         if (pane.drawnPlace != placeOf(pane) || (pane.dirty == 1) != isPicture ||
             (!isPicture && mayDrawOn(screen, pane, picture))) {
             return false;
@@ -110,9 +110,9 @@ bool onlyPictureChanges(const koGUIscreen* screen, const SDL_Rect& picture) {
 /// The redraw of a frame's picture alone, when that is allowed and nothing else has changed; false otherwise.
 /// One that is not due stays dirty.
 bool redrawPicture(koGUIscreen* screen, SDL_Surface* video, bool due) {
-    koGUIwidget* pane = &screen->widgets[paneVideoOutput];
+    koGUIwidget* pane = &screen->widgets[videoOutputPane];
     if (screen->quickPicture != 1 || pane->internal_draw != koGUIwidget_image_internal_draw ||
-        pane->image == nullptr || pane->state != paneOpen) {
+        pane->image == nullptr || pane->state != PaneState::Open) {
         return false;
     }
     SDL_Rect picture = bodyRectangle(pane);
@@ -145,26 +145,27 @@ int koGUI_Init(koGUIscreen* screen) {
     screen->nbWidgets = 0;
 
     const SDL_Surface* video = SDL_GetVideoSurface();
-    screen->surface = video != nullptr ? SDL_CreateRGBSurface(SDL_SWSURFACE, video->w, video->h, 32,
-                                                              0x000000FF, 0x0000FF00, 0x00FF0000, 0xFF000000)
-                                       : nullptr;
+    screen->surface.reset(video != nullptr
+                              ? SDL_CreateRGBSurface(SDL_SWSURFACE, video->w, video->h, 32, 0x000000FF,
+                                                     0x0000FF00, 0x00FF0000, 0xFF000000)
+                              : nullptr);
     if (screen->surface == nullptr) {
         printDiagnostic("CreateRGBSurface failed: %s\n", SDL_GetError());
         return 0;
     }
     // A surface with an alpha channel would be blended into the window, which costs and rounds; it is opaque.
-    SDL_SetAlpha(screen->surface, 0, SDL_ALPHA_OPAQUE);
+    SDL_SetAlpha(screen->surface.get(), 0, SDL_ALPHA_OPAQUE);
     screen->font1 = loadFontOrExit("data/font_1.bmp", "Couldnt load Font1\n");
     screen->font2 = loadFontOrExit("data/font_2.bmp", "Couldnt load Font2\n");
-    AdaptFont(screen->font1, screen->surface);
-    AdaptFont(screen->font2, screen->surface);
+    AdaptFont(screen->font1.get(), screen->surface.get());
+    AdaptFont(screen->font2.get(), screen->surface.get());
     screen->running = 1;
     koGUI_ClearScreen(screen);
     return 1;
 }
 
 void fillRectangle(koGUIscreen* screen, SDL_Rect rectangle, SDL_Color colour) {
-    fill(screen->surface, rectangle, SDL_MapRGB(screen->surface->format, colour.r, colour.g, colour.b));
+    fill(screen->surface.get(), rectangle, SDL_MapRGB(screen->surface->format, colour.r, colour.g, colour.b));
 }
 
 void koGUI_ClearScreen(koGUIscreen* screen) {
@@ -208,14 +209,12 @@ void koGUI_MainLoop(koGUIscreen* screen) {
 
 void koGUI_Destroy(koGUIscreen* screen) {
     printDiagnostic("Destroy koGUI\n");
-    FreeFont(screen->font1);
-    FreeFont(screen->font2);
-    SDL_FreeSurface(screen->surface);
     screen->font1 = nullptr;
     screen->font2 = nullptr;
     screen->surface = nullptr;
-    for (u32 i = 0; i < screen->nbWidgets; ++i) {
-        freeTextLines(&screen->widgets[i]);
+    for (koGUIwidget& pane : screen->widgets) {
+        pane.textLines = nullptr;
+        pane.lines = nullptr;
     }
 }
 

@@ -1,7 +1,7 @@
-// Owns the reaction to input: closing, dragging and shading panes, the keys.
+// The reaction to input: closing, dragging and shading panes, the keys.
 #include "shell/event_filter.h"
 
-#include "gui/kogui.h"
+#include "gui/screen.h"
 #include "machine/machine.h"
 #include "machine/settings.h"
 #include "shell/driver.h"
@@ -43,13 +43,13 @@ void drag(const SDL_MouseMotionEvent& motion) {
 
 /// Does not mark the pane dirty: the new height shows at the next redraw.
 void toggleShade(koGUIwidget& pane) {
-    if (pane.state == paneOpen) {
+    if (pane.state == PaneState::Open) {
         pane.savedH = pane.h;
         pane.h = titleBarHeight;
-        pane.state = paneShaded;
+        pane.state = PaneState::Shaded;
     } else {
         pane.h = pane.savedH;
-        pane.state = paneOpen;
+        pane.state = PaneState::Open;
     }
 }
 
@@ -58,11 +58,11 @@ void press(const SDL_MouseButtonEvent& button) {
     EventFilter.WidgetID_Click = -1;
     for (u32 i = 0; i < TarnGUI.nbWidgets; ++i) {
         koGUIwidget& pane = TarnGUI.widgets[i];
-        const int hit = pane.isClick_TitleBar(&pane, &TarnGUI, button.x, button.y);
-        if (hit == hitTitleBar) {
+        const PaneHit hit = pane.isClick_TitleBar(&pane, &TarnGUI, button.x, button.y);
+        if (hit == PaneHit::TitleBar) {
             EventFilter.DragAndDrop = 1;
             EventFilter.WidgetID_Click = static_cast<s32>(i);
-        } else if (hit == hitShadeZone) {
+        } else if (hit == PaneHit::ShadeZone) {
             toggleShade(pane);
         }
     }

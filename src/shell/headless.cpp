@@ -45,7 +45,7 @@ koGUItextLine* passOnText(koGUIwidget* pane, const char* text) {
     const std::size_t length = std::strlen(text);
     const char* const end = length > 0 && text[length - 1] == '\n' ? "" : "\n";
     progress.clear();
-    if (pane->id == paneEmuOutput) {
+    if (pane->id == emuOutputPane) {
         std::fprintf(stderr, "%s%s", text, end);
     } else {
         traceFile.write(text, length);

@@ -54,12 +54,12 @@ void addPanes(AddTextOperation addText) {
     const s32 below = static_cast<s32>(height) + 42;
 
     koGUIwidget pane;
-    koGUIwidget_init(&pane, imagePane, 10, 10, width + 2, height + 22, "VideoOutput");
+    koGUIwidget_init(&pane, PaneKind::Image, 10, 10, width + 2, height + 22, "VideoOutput");
     pane.attachImage(&pane, MainScreen);
     koGUI_AddWidget(&TarnGUI, &pane);
 
     const auto addTextPane = [&](s32 x, s32 y, u32 w, u32 h, const char* title) {
-        koGUIwidget_init(&pane, textPane, x, y, w, h, title);
+        koGUIwidget_init(&pane, PaneKind::Text, x, y, w, h, title);
         pane.addText = addText;
         koGUI_AddWidget(&TarnGUI, &pane);
     };

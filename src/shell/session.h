@@ -1,7 +1,7 @@
 // Declares what both programs set up around the machine: version, MainScreen, the panes, signals.
 #pragma once
 
-#include "gui/kogui.h"
+#include "gui/screen.h"
 #include "shell/version.h"
 
 namespace tarn {

@@ -1,5 +1,6 @@
-// Tests bitmap fonts: glyph markers, text and its placement, recolouring, pixel access, unusable images.
+// Bitmap fonts: glyph markers, text and its placement, recolouring, pixel access, unusable images.
 #include "gui/bmp_file.h"
+#include "gui/font_extras.h"
 #include "support/machine_test.h"
 #include "support/run_directory.h"
 #include "surfaces.h"
@@ -73,12 +74,12 @@ TEST(Font, TextIsPlaced) {
 
 TEST(Font, RecolouringScalesAllButTheKey) {
     const FontPtr font = makeFont(10, 4, {{2, 3}});
-    FontPtr coloured(nullptr, FreeFont);
-    EXPECT_EQ(outputOf([&] { coloured.reset(SetFontColor(font.get(), 255, 128, 0)); }),
+    FontPtr coloured;
+    EXPECT_EQ(outputOf([&] { coloured = SetFontColor(font.get(), 255, 128, 0); }),
               "looking...\nunlooking...\n");
-    EXPECT_EQ(pixelOf(coloured->surface, 3, 1), u32{0xD0} | 0xC8 * 128 / 255 << 8);
-    EXPECT_EQ(pixelOf(coloured->surface, 7, 1), keyColour);
-    EXPECT_EQ(pixelOf(font->surface, 3, 1), inkColour);
+    EXPECT_EQ(pixelOf(coloured->surface.get(), 3, 1), u32{0xD0} | 0xC8 * 128 / 255 << 8);
+    EXPECT_EQ(pixelOf(coloured->surface.get(), 7, 1), keyColour);
+    EXPECT_EQ(pixelOf(font->surface.get(), 3, 1), inkColour);
     EXPECT_EQ(GetCurrentFont(), font.get()) << "recolouring is not loading";
 }
 
@@ -106,7 +107,7 @@ TEST(Font, LoadsOnlySaneImages) {
     SDL_SaveBMP(makeStrip(500, 11, steppedGlyphs(94)).get(), "font.bmp");
     const std::string contents = RunDirectory::read("font.bmp");
     const std::vector<u8> sane{contents.begin(), contents.end()};
-    const FontPtr font(LoadFont("font.bmp"), FreeFont);
+    const FontPtr font = LoadFont("font.bmp");
     EXPECT_EQ(CharWidth(font.get(), '~'), 93 % 3 + 1);
     for (const char* path : {static_cast<const char*>(nullptr), "/nonexistent.bmp", "/tmp"}) {
         EXPECT_EQ(LoadFont(path), nullptr);
@@ -153,7 +154,7 @@ TEST(Font, LoadsImagesWrittenInOtherWays) {
     const RunDirectory directory;
     for (const Way& way : ways) {
         directory.write("font.bmp", imageOf(way.headerSize, way.depth, way.compression, way.masks));
-        const FontPtr loaded(LoadFont("font.bmp"), FreeFont);
+        const FontPtr loaded = LoadFont("font.bmp");
         ASSERT_EQ(loaded != nullptr, way.isSane) << way.headerSize << ' ' << way.depth;
         EXPECT_TRUE(!way.isSane || CharWidth(loaded.get(), '"') == 2) << way.headerSize << ' ' << way.depth;
     }

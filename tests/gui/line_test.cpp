@@ -1,5 +1,6 @@
-// Tests lines and single pixels on surfaces of every pixel size.
+// Lines and single pixels on surfaces of every pixel size.
 #include "gui/line_drawing.h"
+#include "gui/toolkit_extras.h"
 #include "surfaces.h"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
-// Holds the quick ways of drawing against the plain ones, pixel by pixel: blits against SDL's, an adapted
+// The quick ways of drawing against the plain ones, pixel by pixel: blits against SDL's, an adapted
 // font against the one it is made from, the redraw of the picture alone against that of everything.
 #include "base/diagnostics.h"
 #include "gui/blits.h"
-#include "gui/kogui.h"
+#include "gui/screen.h"
 #include "surfaces.h"
 
 #include <chrono>
@@ -46,8 +46,7 @@ constexpr Format formats[] = {
 
 SurfacePtr makeSurface(int width, int height, const Format& format) {
     SurfacePtr surface(SDL_CreateRGBSurface(SDL_SWSURFACE, width, height, format.depth, format.red,
-                                            format.green, format.blue, format.alpha),
-                       SDL_FreeSurface);
+                                            format.green, format.blue, format.alpha));
     SDL_SetAlpha(surface.get(), 0, SDL_ALPHA_OPAQUE);
     return surface;
 }
@@ -100,7 +99,7 @@ TEST(Redraw, CopiesAndFillsAreSdls) {
 TEST(Redraw, AnAdaptedFontLooksTheSame) {
     for (const char* path : {"font_1.bmp", "font_2.bmp"}) {
         const std::string file = std::string(TARN_SOURCE_DIRECTORY "/data/") + path;
-        const FontPtr plain(LoadFont(file.c_str()), FreeFont), adapted(LoadFont(file.c_str()), FreeFont);
+        const FontPtr plain = LoadFont(file.c_str()), adapted = LoadFont(file.c_str());
         ASSERT_NE(plain, nullptr);
         const SurfacePtr one = makeSurface(300, 40, formats[0]), other = makeSurface(300, 40, formats[0]);
         AdaptFont(adapted.get(), other.get());
@@ -127,10 +126,10 @@ class Window : public ToolkitTest {
         EXPECT_NE(SDL_SetVideoMode(400, 300, 32, SDL_SWSURFACE), nullptr);
         TarnGUI.ClearScreen = koGUI_ClearScreen;
         TarnGUI.quickPicture = 1;
-        TarnGUI.font1 = makeFont(500, 17, steppedGlyphs(94)).release();
-        add(imagePane, 10, 10, 122, 112).image = picture.get();
-        add(textPane, 10, 150, 150, 90);
-        add(textPane, 180, 20, 150, 90);
+        TarnGUI.font1 = makeFont(500, 17, steppedGlyphs(94));
+        add(PaneKind::Image, 10, 10, 122, 112).image = picture.get();
+        add(PaneKind::Text, 10, 150, 150, 90);
+        add(PaneKind::Text, 180, 20, 150, 90);
     }
     ~Window() override { SDL_Quit(); }
 
@@ -172,7 +171,7 @@ TEST_F(Window, RedrawingThePictureAloneIsRedrawingEverything) {
             pane.dirty = 1;
             break;
         case 1:  // shaded or opened, which marks nothing
-            pane.state = pane.state == paneOpen ? paneShaded : paneOpen;
+            pane.state = pane.state == PaneState::Open ? PaneState::Shaded : PaneState::Open;
             std::swap(pane.h, pane.savedH = pane.savedH != 0 ? pane.savedH : 22);
             break;
         case 2:
@@ -193,7 +192,7 @@ TEST_F(Window, RedrawingThePictureAloneIsRedrawingEverything) {
 }
 
 TEST_F(Window, TextBelowItsPaneStaysOnThePicture) {
-    FreeFont(std::exchange(TarnGUI.font2, makeFont(500, 24, steppedGlyphs(94)).release()));
+    TarnGUI.font2 = makeFont(500, 24, steppedGlyphs(94));
     TarnGUI.widgets[0].y = 130;
     TarnGUI.widgets[1].y = 0;
     for (int line = 0; line < 6; ++line) {

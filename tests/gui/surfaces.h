@@ -5,7 +5,6 @@
 #include "gui/pixel_access.h"
 #include "support/machine_test.h"
 
-#include <memory>
 #include <utility>
 #include <vector>
 
@@ -14,15 +13,11 @@ namespace tarn::test {
 constexpr u32 keyColour = 0xFF00FF;
 constexpr u32 inkColour = 0xC0C8D0;
 
-using SurfacePtr = std::unique_ptr<SDL_Surface, decltype(&SDL_FreeSurface)>;
-using FontPtr = std::unique_ptr<BitmapFont, decltype(&FreeFont)>;
-
 /// A black surface with red in the lowest bits.
 inline SurfacePtr makeSurface(int width, int height, int depth = 32) {
     const bool wide = depth >= 24;
-    return {SDL_CreateRGBSurface(SDL_SWSURFACE, width, height, depth, wide ? 0xFF : 0x001F,
-                                 wide ? 0xFF00 : 0x07E0, wide ? 0xFF0000 : 0xF800, 0),
-            SDL_FreeSurface};
+    return SurfacePtr(SDL_CreateRGBSurface(SDL_SWSURFACE, width, height, depth, wide ? 0xFF : 0x001F,
+                                           wide ? 0xFF00 : 0x07E0, wide ? 0xFF0000 : 0xF800, 0));
 }
 
 inline u32 pixelOf(const SDL_Surface* surface, s32 x, s32 y) {
@@ -45,7 +40,7 @@ inline SurfacePtr makeStrip(int width, int height, const Runs& glyphs) {
     return strip;
 }
 inline FontPtr makeFont(int width, int height, const Runs& glyphs) {
-    return {LoadFontFromSurface(makeStrip(width, height, glyphs).release()), FreeFont};
+    return LoadFontFromSurface(makeStrip(width, height, glyphs));
 }
 
 /// Glyphs from "!" up, of the widths 1, 2, 3, 1, 2, ...
@@ -78,19 +73,16 @@ class ToolkitTest : public testing::Test {
   protected:
     explicit ToolkitTest(SurfacePtr surface) {
         resetMachine();
-        for (koGUIwidget& pane : TarnGUI.widgets) {
-            freeTextLines(&pane);
-        }
         TarnGUI = {};
-        TarnGUI.surface = surface.release();
-        TarnGUI.font2 = makeFont(500, 11, steppedGlyphs(94)).release();
+        TarnGUI.surface = std::move(surface);
+        TarnGUI.font2 = makeFont(500, 11, steppedGlyphs(94));
     }
     ~ToolkitTest() override {
         EXPECT_EQ(outputOf([] { koGUI_Destroy(&TarnGUI); }), "Destroy koGUI\n");
         resetMachine();
     }
 
-    static koGUIwidget& add(u8 kind, s32 x, s32 y, u32 w, u32 h) {
+    static koGUIwidget& add(PaneKind kind, s32 x, s32 y, u32 w, u32 h) {
         koGUIwidget pane;
         koGUIwidget_init(&pane, kind, x, y, w, h, "");
         koGUI_AddWidget(&TarnGUI, &pane);

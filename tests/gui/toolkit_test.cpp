@@ -1,5 +1,6 @@
-// Tests the toolkit: text panes and their lines, hits, the table of panes.
-#include "gui/kogui.h"
+// The toolkit: text panes and their lines, hits, the table of panes.
+#include "gui/screen.h"
+#include "gui/toolkit_extras.h"
 #include "surfaces.h"
 
 #include <ctime>
@@ -15,7 +16,7 @@ class Toolkit : public ToolkitTest {
 };
 
 TEST_F(Toolkit, TextPanesShowTheNewestLines) {
-    koGUIwidget& pane = add(textPane, 0, 0, width, 22 + 4 * 11 + 10);  // room for 4 lines
+    koGUIwidget& pane = add(PaneKind::Text, 0, 0, width, 22 + 4 * 11 + 10);  // room for 4 lines
     struct Step {
         const char* text;
         u32 firstLine;
@@ -27,12 +28,13 @@ TEST_F(Toolkit, TextPanesShowTheNewestLines) {
     };
     for (const Step& step : steps) {
         pane.dirty = 0;
-        EXPECT_EQ(pane.addText(&pane, step.text), pane.sentinel);
+        const koGUItextLine* end = pane.addText(&pane, step.text);
+        EXPECT_EQ(end, pane.lines->sentinel());
         EXPECT_EQ(pane.firstLine, step.firstLine) << step.text;
         EXPECT_EQ(pane.dirty, 1);
         pane.internal_draw(&pane, &TarnGUI);
         for (int line = 0; line < 5; ++line) {
-            const Runs runs = inkRuns(TarnGUI.surface, 22 + 11 * line);
+            const Runs runs = inkRuns(TarnGUI.surface.get(), 22 + 11 * line);
             const int expected = step.widths[static_cast<std::size_t>(line)];
             EXPECT_EQ(runs, expected != 0 ? (Runs{{3, expected}}) : Runs()) << step.text << line;
         }
@@ -53,7 +55,7 @@ TEST_F(Toolkit, TextPanesShowTheNewestLines) {
 TEST_F(Toolkit, LinesAreCountedFromTheHeightAndScrollingIsFast) {
     const std::clock_t start = std::clock();
     for (const auto& [h, maxLines] : {std::pair{170U, 13U}, {400U, 34U}, {32U, 0U}}) {
-        koGUIwidget& pane = add(textPane, 0, 0, 100, h);
+        koGUIwidget& pane = add(PaneKind::Text, 0, 0, 100, h);
         EXPECT_EQ(pane.maxLines, maxLines);
         for (u32 lines = 1; lines <= 400000; ++lines) {
             pane.addText(&pane, "");
@@ -67,15 +69,16 @@ TEST_F(Toolkit, LinesAreCountedFromTheHeightAndScrollingIsFast) {
 }
 
 TEST_F(Toolkit, Hits) {
-    koGUIwidget& pane = add(0, 100, 50, 200, 80);
+    koGUIwidget& pane = add(PaneKind::Plain, 100, 50, 200, 80);
     struct Case {
         s32 x, y;
-        int hit;
+        PaneHit hit;
     };
     const Case cases[] = {
-        {100, 60, hitNothing},   {101, 60, hitTitleBar}, {280, 60, hitTitleBar},  {281, 60, hitShadeZone},
-        {299, 60, hitShadeZone}, {300, 60, hitNothing},  {150, 50, hitNothing},   {150, 51, hitTitleBar},
-        {150, 71, hitTitleBar},  {150, 72, hitNothing},  {65535, 60, hitNothing},
+        {100, 60, PaneHit::Nothing},   {101, 60, PaneHit::TitleBar},  {280, 60, PaneHit::TitleBar},
+        {281, 60, PaneHit::ShadeZone}, {299, 60, PaneHit::ShadeZone}, {300, 60, PaneHit::Nothing},
+        {150, 50, PaneHit::Nothing},   {150, 51, PaneHit::TitleBar},  {150, 71, PaneHit::TitleBar},
+        {150, 72, PaneHit::Nothing},   {65535, 60, PaneHit::Nothing},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(pane.isClick_TitleBar(&pane, &TarnGUI, c.x, c.y), c.hit) << c.x << ',' << c.y;
@@ -86,7 +89,7 @@ TEST_F(Toolkit, TheTableHolds256Panes) {
     koGUI_AddWidget(&TarnGUI, nullptr);
     EXPECT_EQ(TarnGUI.nbWidgets, 0U);
     koGUIwidget pane;
-    koGUIwidget_init(&pane, 0, 1, 2, 300, 400, std::string(100, 'x').c_str());
+    koGUIwidget_init(&pane, PaneKind::Plain, 1, 2, 300, 400, std::string(100, 'x').c_str());
     pane.savedH = 77;
     for (int i = 0; i < 257; ++i) {
         koGUI_AddWidget(&TarnGUI, &pane);

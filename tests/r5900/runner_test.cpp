@@ -219,7 +219,7 @@ class Machine {
         MipsCpu.pause = 0;
         makePanes();
         steps = runSteps(program.nextLimit());
-        lines = paneLines(paneEmuOutput);
+        lines = paneLines(emuOutputPane);
         exchange(records);
         std::swap(SpecialAreaMemory, specialArea);
         MipsMemory.giveUp();

@@ -64,7 +64,7 @@ TEST_F(MachineTest, EveryInstructionHasItsLine) {
         MipsCpu.FPR128[t1].low = 0x87654321;
         setProgram({word});
         outputOf(MipsUpdateCpu);
-        EXPECT_EQ(paneLines(paneOpcodes)[0], std::string("00100000: ") + line);
+        EXPECT_EQ(paneLines(opcodesPane)[0], std::string("00100000: ") + line);
     }
 }
 
@@ -75,8 +75,8 @@ TEST_F(MachineTest, DelaySlotsShowTwice) {
     setProgram({immediate(20, r0, r0, 3), immediate(9, 0, v0, 5)});
     MipsUpdateCpu();
     const std::string slot = "00100004: addiu v0,r0,   5";
-    EXPECT_EQ(paneLines(paneOpcodes), (Lines{"00100000: beql r0,r0,100010", slot, slot}));
-    const Lines registers = paneLines(paneCpuRegisters);
+    EXPECT_EQ(paneLines(opcodesPane), (Lines{"00100000: beql r0,r0,100010", slot, slot}));
+    const Lines registers = paneLines(cpuRegistersPane);
     EXPECT_TRUE(registers.size() == 68 && registers[2] == "v0 : 0000000000000005");
 }
 
@@ -89,8 +89,8 @@ TEST_F(MachineTest, InstructionsWithoutLineRepeatTheOneBefore) {
         MipsUpdateCpu();
         Settings.debug_op = 1;
         outputOf(MipsUpdateCpu);
-        EXPECT_EQ(paneLines(paneOpcodes), Lines{"00100000: SYNC"});
-        EXPECT_EQ(paneLines(paneCpuRegisters).size(), 34U);
+        EXPECT_EQ(paneLines(opcodesPane), Lines{"00100000: SYNC"});
+        EXPECT_EQ(paneLines(cpuRegistersPane).size(), 34U);
     }
 }
 
@@ -149,7 +149,7 @@ TEST_F(MachineTest, RegisterDisplays) {
     EXPECT_TRUE(floats.starts_with(" fp0 :      -0.5000  |  fp1 :      -0.5000 |  fp2 :     -0.5000  | \n"));
     EXPECT_TRUE(floats.ends_with("\nfp30 :       1.0000  | fp31 :      -0.5000 | \n"));
     MipsCpuPrintRegtoOutput();
-    EXPECT_EQ(paneLines(paneCpuRegisters).back(), "lo : 0000000000000000");
+    EXPECT_EQ(paneLines(cpuRegistersPane).back(), "lo : 0000000000000000");
 }
 
 TEST_F(MachineTest, OpcodeDisplay) {

@@ -49,7 +49,7 @@ TEST_F(DriverTest, StartsInTwelveSteps) {
     EXPECT_EQ(start(), 12U);
     EXPECT_TRUE(TarnGUI.running == 1 && TarnGUI.IdleProc == &koGUI_TarnProc);
     for (const char* fact : {"Tarn", "0.3", "2002", "20021004"}) {
-        EXPECT_NE(paneLines(paneEmuOutput).front().find(fact), std::string::npos) << fact;
+        EXPECT_NE(paneLines(emuOutputPane).front().find(fact), std::string::npos) << fact;
     }
     EXPECT_TRUE(MipsCpu.pause == 0 && MipsCpu.cycle == 0 && MipsCpu.PC == entry);
     EXPECT_EQ(Ps2Bios.vsyncCountdown, 0x6FFFU);

@@ -4,8 +4,8 @@
 
 #include "base/buffer.h"
 #include "gs/gs.h"
-#include "gui/kogui.h"
 #include "gui/pane_sinks.h"
+#include "gui/screen.h"
 #include "loader/copy.h"
 #include "loader/input_files.h"
 #include "machine/machine.h"
@@ -25,14 +25,13 @@ namespace tarn::test {
 inline void makePanes() {
     connectPanes();
     for (koGUIwidget& pane : std::span(TarnGUI.widgets).first(TarnGUI.nbWidgets)) {
-        freeTextLines(&pane);
         pane = {};
     }
     TarnGUI.nbWidgets = 0;
     for (const char* title : {"VideoOutput", "EmuOutput", "Opcodes", "CpuRegisters"}) {
         koGUIwidget pane;
-        koGUIwidget_init(&pane, TarnGUI.nbWidgets == paneVideoOutput ? imagePane : textPane, 0, 0, 500, 170,
-                         title);
+        koGUIwidget_init(&pane, TarnGUI.nbWidgets == videoOutputPane ? PaneKind::Image : PaneKind::Text, 0, 0,
+                         500, 170, title);
         koGUI_AddWidget(&TarnGUI, &pane);
     }
 }
@@ -64,11 +63,11 @@ inline void allocateMachine() {
 }
 
 /// The lines of a text pane so far, first to last.
-inline std::vector<std::string> paneLines(PaneIndex index) {
+inline std::vector<std::string> paneLines(u32 index) {
     std::vector<std::string> lines;
     for (const koGUItextLine* line = TarnGUI.widgets[index].textLines; line->next != nullptr;
          line = line->next) {
-        lines.emplace_back(line->text);
+        lines.emplace_back(line->text.get());
     }
     return lines;
 }

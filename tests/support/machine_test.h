@@ -53,7 +53,7 @@ class MachineTest : public testing::Test {
         resetMachine();
         allocateMachine();
     }
-    static Lines emuOutput() { return paneLines(paneEmuOutput); }
+    static Lines emuOutput() { return paneLines(emuOutputPane); }
     /// What a guest's doubleword load sees.
     static u64 doublewordAt(u64 address) {
         GuestValue value;

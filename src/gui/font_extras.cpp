@@ -1,11 +1,12 @@
-// Owns the drawing of text with a bitmap font.
-#include "gui/bitmap_font.h"
+// The part of the font module that no program here calls.
+#include "gui/font_extras.h"
 
-#include "gui/blits.h"
+#include "base/diagnostics.h"
+#include "gui/toolkit_extras.h"
 
 #include <algorithm>
-#include <cstdarg>
-#include <cstdio>
+#include <new>
+#include <utility>
 
 namespace tarn {
 namespace {
@@ -14,14 +15,49 @@ s32 width(const SDL_Surface* surface) { return surface != nullptr ? surface->w :
 
 }  // namespace
 
-const char* formatText(const char* format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    if (std::vsnprintf(bfont_buffer, sizeof bfont_buffer, format, arguments) < 0) {
-        bfont_buffer[0] = 0;
+BitmapFont* GetCurrentFont() { return CurrentFont; }
+void SetCurrentFont(BitmapFont* font) { CurrentFont = font; }
+void SetFontHeight(BitmapFont* font, s32 height) { font->height = height; }
+
+FontPtr SetFontColor(const BitmapFont* font, u8 red, u8 green, u8 blue) {
+    FontPtr coloured(new (std::nothrow) BitmapFont);
+    if (coloured == nullptr) {
+        return nullptr;
     }
-    va_end(arguments);
-    return bfont_buffer;
+    coloured->height = font->height;
+    coloured->glyphs = font->glyphs;
+    SDL_Surface* source = font->surface.get();
+    SurfacePtr copy(source != nullptr ? SDL_ConvertSurface(source, source->format, source->flags) : nullptr);
+    if (copy == nullptr) {
+        return coloured;
+    }
+    u32 key = 0;
+    {
+        const SurfaceLock sourceLock(source);
+        const SurfaceLock copyLock(copy.get());
+        key = keyColour(copy.get());
+        printDiagnostic("looking...\n");
+        for (s32 y = 0; y < source->h; ++y) {
+            for (s32 x = 0; x < source->w; ++x) {
+                const u32 pixel = GetPixel(source, x, y);
+                if (pixel == key) {
+                    continue;
+                }
+                SDL_Color colour{};
+                SDL_GetRGB(pixel, source->format, &colour.r, &colour.g, &colour.b);
+                const auto scaled = [](u8 channel, u8 factor) {
+                    return static_cast<Uint8>(channel * factor / 255);
+                };
+                PutPixel(copy.get(), x, y,
+                         SDL_MapRGB(copy->format, scaled(colour.r, red), scaled(colour.g, green),
+                                    scaled(colour.b, blue)));
+            }
+        }
+        printDiagnostic("unlooking...\n");
+    }
+    SDL_SetColorKey(copy.get(), SDL_SRCCOLORKEY, key);
+    coloured->surface = std::move(copy);
+    return coloured;
 }
 
 s32 TextWidth(std::string_view text) { return TextWidthFont(CurrentFont, text); }
@@ -32,28 +68,6 @@ s32 TextWidthFont(const BitmapFont* font, std::string_view text) {
         sum += CharWidth(font, character);
     }
     return sum;
-}
-
-s32 PutCharFont(SDL_Surface* surface, const BitmapFont* font, s32 x, s32 y, int character) {
-    if (font == nullptr) {
-        return 0;
-    }
-    SDL_Rect destination{static_cast<Sint16>(x), static_cast<Sint16>(y), font->glyphs[' '].w,
-                         static_cast<Uint16>(font->height)};
-    if (character != ' ') {
-        const SDL_Rect& glyph = font->glyphs[static_cast<unsigned char>(character)];
-        blit(font->surface, &glyph, surface, &destination);  // leaves the width it has drawn
-    }
-    return destination.w;
-}
-
-s32 PutStringFont(SDL_Surface* surface, const BitmapFont* font, s32 x, s32 y, std::string_view text) {
-    s32 advance = 0;
-    for (const char character : text) {
-        advance = PutCharFont(surface, font, x, y, character);
-        x += advance;
-    }
-    return advance;
 }
 
 s32 LeftPutStringFont(SDL_Surface* surface, const BitmapFont* font, s32 y, std::string_view text) {
@@ -75,7 +89,8 @@ s32 JustifiedPutStringFont(SDL_Surface* surface, const BitmapFont* font, s32 y, 
         return PutStringFont(surface, font, 0, y, text);
     }
     const s32 each = extra / blanks;
-    // One more than the remainder, so the last word ends a pixel further right when there are blanks enough.
+    // Intentional: one more than the remainder, so with enough blanks the last word ends a pixel further
+    // right.
     s32 widerGaps = extra % blanks + 1;
     s32 x = 0;
     for (std::size_t blank = 0; (blank = text.find(' ')) != std::string_view::npos;) {
@@ -89,8 +104,6 @@ s32 JustifiedPutStringFont(SDL_Surface* surface, const BitmapFont* font, s32 y, 
     }
     return PutStringFont(surface, font, x, y, text);
 }
-
-// The current-font twins.
 
 s32 PutChar(SDL_Surface* surface, s32 x, s32 y, int character) {
     return PutCharFont(surface, CurrentFont, x, y, character);

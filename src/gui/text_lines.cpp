@@ -1,0 +1,17 @@
+// Appending to the lines of a text pane.
+#include "gui/text_lines.h"
+
+#include <cstring>
+
+namespace tarn {
+
+void TextLines::append(const char* text) {
+    koGUItextLine* line = sentinel();
+    const std::size_t size = std::strlen(text) + 1;
+    line->text = std::make_unique<char[]>(size);
+    std::memcpy(line->text.get(), text, size);
+    line->next = &nodes.emplace_back();
+    line->next->prev = line;
+}
+
+}  // namespace tarn
