@@ -249,6 +249,14 @@ int snprintf(char* text, size_t bytes, const char* format, ...) {
     return count;
 }
 
+int sprintf(char* text, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    int count = vsnprintf(text, 0x7FFFFFFF, format, arguments);
+    va_end(arguments);
+    return count;
+}
+
 int puts(const char* text) { return printf("%s\n", text); }
 
 int putchar(int character) {

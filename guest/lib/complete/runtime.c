@@ -81,9 +81,22 @@ u64 __bswapdi2(u64 value) { return (u64)__bswapsi2((u32)value) << 32 | __bswapsi
 
 // 64-bit products and quotients: the processor multiplies and divides words.
 
+/// The product of two words. In C it would be a call of __muldi3.
+static inline u64 multiplyWords(u32 a, u32 b) {
+    u64 low;
+    u64 high;
+    __asm__("multu %2, %3\n\t"
+            "mflo %0\n\t"
+            "mfhi %1"
+            : "=&r"(low), "=r"(high)
+            : "r"(a), "r"(b)
+            : "hi", "lo");
+    return high << 32 | (u32)low;
+}
+
 u64 __muldi3(u64 a, u64 b) {
     u32 crosswise = (u32)(a >> 32) * (u32)b + (u32)a * (u32)(b >> 32);
-    return (u64)(u32)a * (u32)b + ((u64)crosswise << 32);
+    return multiplyWords((u32)a, (u32)b) + ((u64)crosswise << 32);
 }
 
 /// Stops the processor, as dividing words by zero does.
@@ -170,13 +183,15 @@ u128 __ashrti3(s128 value, s32 count) { return shiftRight((u128)value, count, va
 u128 __multi3(u128 a, u128 b) {
     Halves left = {(s128)a};
     Halves right = {(s128)b};
-    u64 low = (u64)(u32)left.low * (u32)right.low;
-    u64 first = (left.low >> 32) * (u32)right.low + (low >> 32);
-    u64 second = (u64)(u32)left.low * (right.low >> 32) + (u32)first;
+    u32 x[2] = {(u32)left.low, (u32)(left.low >> 32)};
+    u32 y[2] = {(u32)right.low, (u32)(right.low >> 32)};
+    u64 low = multiplyWords(x[0], y[0]);
+    u64 first = multiplyWords(x[1], y[0]) + (low >> 32);
+    u64 second = multiplyWords(x[0], y[1]) + (u32)first;
     Halves product;
     product.low = second << 32 | (u32)low;
-    product.high = (left.low >> 32) * (right.low >> 32) + (first >> 32) + (second >> 32) +
-                   left.low * right.high + left.high * right.low;
+    product.high = multiplyWords(x[1], y[1]) + (first >> 32) + (second >> 32) + left.low * right.high +
+                   left.high * right.low;
     return (u128)product.value;
 }
 

@@ -26,6 +26,13 @@ char* strcpy(char* destination, const char* source) {
     return memcpy(destination, source, strlen(source) + 1);
 }
 
+char* strncpy(char* destination, const char* source, size_t count) {
+    for (char* to = destination; count != 0; count--, to++)
+        if ((*to = *source) != 0)
+            source++;
+    return destination;
+}
+
 char* strcat(char* destination, const char* source) {
     strcpy(destination + strlen(destination), source);
     return destination;
@@ -36,6 +43,22 @@ char* strchr(const char* text, int character) {
         if (*text == 0)
             return 0;
     return (char*)text;
+}
+
+char* strrchr(const char* text, int character) {
+    const char* last = 0;
+    do
+        if (*text == (char)character)
+            last = text;
+    while (*text++ != 0);
+    return (char*)last;
+}
+
+void* memchr(const void* memory, int byte, size_t bytes) {
+    for (const u8* at = memory; bytes != 0; bytes--, at++)
+        if (*at == (u8)byte)
+            return (void*)at;
+    return 0;
 }
 
 void exit(int status) { Exit(status); }

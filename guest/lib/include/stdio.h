@@ -19,6 +19,7 @@ int printf(const char* format, ...) __attribute__((format(printf, 1, 2)));
 int vprintf(const char* format, va_list arguments);
 int snprintf(char* text, size_t bytes, const char* format, ...) __attribute__((format(printf, 3, 4)));
 int vsnprintf(char* text, size_t bytes, const char* format, va_list arguments);
+int sprintf(char* text, const char* format, ...) __attribute__((format(printf, 2, 3)));
 int puts(const char* text);
 int putchar(int character);
 

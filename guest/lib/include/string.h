@@ -17,8 +17,11 @@ size_t strlen(const char* text);
 int strcmp(const char* a, const char* b);
 int strncmp(const char* a, const char* b, size_t count);
 char* strcpy(char* destination, const char* source);
+char* strncpy(char* destination, const char* source, size_t count);
 char* strcat(char* destination, const char* source);
 char* strchr(const char* text, int character);
+char* strrchr(const char* text, int character);
+void* memchr(const void* memory, int byte, size_t bytes);
 #endif
 
 #ifdef __cplusplus
