@@ -8,6 +8,17 @@
 
 namespace tarn {
 
+/// Why an instruction of the complete processor stopped.
+enum class Stop : u8 {
+    None,
+    NoInstruction,
+    NotSupported,
+    IntegerOverflow,
+    Trap,
+    Break,
+    UnalignedAddress,
+};
+
 /// The state of the interpreted CPU. Zero at program start; start-up sets what the guest expects.
 ///
 /// A register is read as its low doubleword; only LQ, LDL, SQ, SDL (general-purpose registers) and
@@ -22,10 +33,15 @@ struct MipsCpuRecord {
     std::array<GuestValue, 32> FPR128{};       ///< bit images (low doubleword) of the FPU registers
     std::array<f32, 32> FPR32{};               ///< their single-precision values
     std::array<u64, 32> FCR{};                 ///< only bit 23 of entry 31, the condition bit, is used
+    u32 ACC = 0;                               ///< floating-point accumulator, as a bit image (complete only)
+    u64 SA = 0;                                ///< funnel shift amount in bytes (complete only)
     u64 cycle = 0;                             ///< MipsUpdateCpu calls so far, delay slots included
     u64 PC = 0;                                ///< byte address of the instruction word
     u32 entry = 0;                             ///< entry point from the ELF header
     u32 delaySlotDepth = 0;                    ///< delay slots being executed, 0 between steps
+    u64 delaySlots = 0;                        ///< how many of `cycle` were delay slots
+    u64 stopCycle = 0;                         ///< `cycle` when an instruction stopped, because of `stop`
+    Stop stop = Stop::None;
 
     /// What the bit image of FPU register `number` is as a value.
     f32 FPR128Ptr(u8 number) const { return std::bit_cast<f32>(static_cast<u32>(FPR128[number].low)); }

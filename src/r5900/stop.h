@@ -1,0 +1,39 @@
+// How an instruction of the complete processor stops: where the console would raise an exception.
+#pragma once
+
+#include "r5900/mips_cpu.h"
+
+namespace tarn::r5900 {
+
+/// Pauses, with PC on the instruction, and records why for the report.
+[[gnu::cold]] inline void stopWith(Stop reason) {
+    MipsCpu.stop = reason;
+    MipsCpu.stopCycle = MipsCpu.cycle;
+    MipsCpu.pause = 1;
+}
+
+/// Why the last instruction stopped; None when it did not, or paused for a reason that it has printed.
+inline Stop stopReason() { return MipsCpu.stopCycle == MipsCpu.cycle ? MipsCpu.stop : Stop::None; }
+
+/// The same in words; null for None.
+constexpr const char* textOf(Stop reason) {
+    switch (reason) {
+    case Stop::None:
+        break;
+    case Stop::NoInstruction:
+        return "no such instruction";
+    case Stop::NotSupported:
+        return "instruction not supported";
+    case Stop::IntegerOverflow:
+        return "integer overflow";
+    case Stop::Trap:
+        return "trap taken";
+    case Stop::Break:
+        return "breakpoint instruction";
+    case Stop::UnalignedAddress:
+        return "unaligned address";
+    }
+    return nullptr;
+}
+
+}  // namespace tarn::r5900
