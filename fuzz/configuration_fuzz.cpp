@@ -11,7 +11,7 @@ namespace {
 // clang-format off
 constexpr const char* pieces[] = {
     "[General]\n", "[Video]\n", "Elf=", "Debug_op = ", "Debug_dma=", "Debug_syscall =", "Debug_GS=",
-    "Width=", "Height=", "Bpp = ", "Stretch=", "Steps_per_poll=", "Frame_rate=", "Blend=",
+    "Width=", "Height=", "Bpp = ", "Stretch=", "Steps_per_poll=", "Complete_cpu=", "Frame_rate=", "Blend=",
     "[General:Debug_op]\n", "[Video:Width]\n", "; comment\n", "# comment\n", "\\\n", "\"", "'", "=", "[",
     "]", "\n", "0x7FFFFFFF\n", "-1\n", "4294967296\n", "99999999999999999999\n", "012\n", "[]\n", "=\n",
     "[General", "\r\n", "\t"};

@@ -1,10 +1,12 @@
 // Checks the code of a guest program: that the emulated processor has every instruction in it, and that
 // none is one of those which it has but which do not do what a compiler means by them. Exit status 1 and a
 // line for each offending instruction; with --every-instruction, for a program that tries them all, for each
-// instruction of the processor that does not occur, and those that mislead compilers are fine.
+// instruction of the processor that does not occur, and those that mislead compilers are fine. With
+// --complete-cpu the processor is the complete one, which does what compilers mean.
 #include "base/bits.h"
 #include "base/types.h"
 #include "r5900/interpreter.h"
+#include "r5900/operation.h"
 
 #include <cstdio>
 #include <cstring>
@@ -149,12 +151,15 @@ unsigned reportMissing(const std::vector<Code>& sections) {
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
-    const bool everyInstruction = argumentCount == 3 && std::strcmp(arguments[1], "--every-instruction") == 0;
-    if (argumentCount != 2 && !everyInstruction) {
-        std::fprintf(stderr, "usage: guest-check [--every-instruction] FILE.elf\n");
+    const bool hasOption = argumentCount == 3;
+    const bool everyInstruction = hasOption && std::strcmp(arguments[1], "--every-instruction") == 0;
+    const bool completeCpu = hasOption && std::strcmp(arguments[1], "--complete-cpu") == 0;
+    if (argumentCount != 2 && !everyInstruction && !completeCpu) {
+        std::fprintf(stderr, "usage: guest-check [--every-instruction | --complete-cpu] FILE.elf\n");
         return 2;
     }
     const char* const path = arguments[argumentCount - 1];
+    r5900::chooseProcessor(completeCpu);
     const std::vector<Code> sections = executableSections(readFile(path));
     if (sections.empty()) {
         std::fprintf(stderr, "%s: no code found\n", path);
@@ -163,9 +168,9 @@ int main(int argumentCount, char** arguments) {
     unsigned faults = everyInstruction ? reportMissing(sections) : 0;
     for (const Code& code : sections) {
         const auto faultAt = [&](std::size_t i) {
-            return !isImplemented(code.words[i]) ? "stops the processor"
-                   : everyInstruction            ? nullptr
-                                                 : surpriseIn(code.words, i);
+            return !isImplemented(code.words[i])     ? "stops the processor"
+                   : everyInstruction || completeCpu ? nullptr
+                                                     : surpriseIn(code.words, i);
         };
         for (std::size_t i = 0; i < code.words.size(); i++)
             if (const char* const fault = faultAt(i)) {

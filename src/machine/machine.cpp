@@ -37,6 +37,7 @@ void setStartState(Machine& target, u32 entry) {
     target.cpu.CP0[cp0Status][0] = startStatus;
     target.cpu.CP0[cp0PRId][0] = processorId;
     target.cpu.cycle = 0;
+    target.cpu.delaySlots = 0;
     target.cpu.PC = entry;
     target.counters = {};
 }

@@ -21,6 +21,7 @@ struct TarnSettings {
     u32 stepsPerPoll = 0;  ///< "General:Steps_per_poll": more than 1 batches driver steps
     u32 frameRate = 0;     ///< "Video:Frame_rate": vertical blanks shown per second at most
     u8 console = 0;        ///< "General:Console": 1 passes on what the guest writes to its serial port
+    u8 completeCpu = 0;    ///< "General:Complete_cpu": 1 chooses the complete processor
     u8 blend = 0;          ///< "Video:Blend": 1 sends primitives with ABE through the blender
 };
 

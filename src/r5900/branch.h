@@ -47,4 +47,24 @@ inline u64 JALR(RegisterFields f, u64 pc) {
     return target;
 }
 
+/// r0 is 0 in the delay slot, too.
+inline u64 JALR_complete(RegisterFields f, u64 pc) {
+    const u64 target = JALR(f, pc);
+    MipsCpu.GPR[0] = {};
+    return target;
+}
+
+// Branches that link, whether or not they are taken. Only the complete processor has them.
+
+inline bool BLTZAL(ZeroBranchFields f, u64 pc) {
+    const bool taken = BLTZ(f);
+    link(returnAddress, pc);
+    return taken;
+}
+inline bool BGEZAL(ZeroBranchFields f, u64 pc) {
+    const bool taken = BGEZ(f);
+    link(returnAddress, pc);
+    return taken;
+}
+
 }  // namespace tarn::r5900

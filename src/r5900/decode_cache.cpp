@@ -4,6 +4,7 @@
 #include "r5900/observed_run.h"
 #include "r5900/operation.h"
 #include "r5900/pairs.h"
+#include "r5900/tables.h"
 #include "r5900/threaded_interpreter.h"
 
 #include <memory>
@@ -64,7 +65,10 @@ const Routines& routinesOf(u32 word) {
         return noOperation;
     }
     const Operation& operation = operationOf(word);
-    return operation.pausesOn(word) ? plainRoutines : operation.routines;
+    if (operation.pausesOn(word)) {
+        return plainRoutines;
+    }
+    return processor->isComplete && operation.namesR0(word) ? operation.routinesIntoR0 : operation.routines;
 }
 
 void decode(DecodedInstruction& instruction, u64 words) {

@@ -17,6 +17,7 @@ enum class DelaySlot : u8 { Executed, Skipped };
 /// Executes the instruction at PC as the delay slot of the current one. One that is nested too deeply is
 /// refused as a fetch outside memory is: it counts in `cycle`, and pauses.
 inline void executeDelaySlot() {
+    MipsCpu.delaySlots += 1;
     if (MipsCpu.delaySlotDepth == maximumDelaySlotDepth) [[unlikely]] {
         MipsCpu.cycle += 1;
         MipsCpu.pause = 1;

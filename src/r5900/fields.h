@@ -42,7 +42,8 @@ struct NoFields {
     static constexpr NoFields from(u32) { return {}; }
 };
 
-// Immediates and offsets stay raw here, as trace lines show them; the semantics extend them.
+// Immediates and offsets stay raw here, as trace lines show them; the semantics extend them. `destination` is
+// the register that the format has for a result, whether or not the instruction writes it.
 
 struct ImmediateFields {
     Gpr rs, rt;
@@ -50,6 +51,7 @@ struct ImmediateFields {
     static constexpr ImmediateFields from(u32 word) {
         return {gpr21To25(word), gpr16To20(word), bits0To15(word)};
     }
+    constexpr Gpr destination() const { return rt; }
 };
 
 struct RegisterFields {
@@ -57,6 +59,7 @@ struct RegisterFields {
     static constexpr RegisterFields from(u32 word) {
         return {gpr21To25(word), gpr16To20(word), gpr11To15(word)};
     }
+    constexpr Gpr destination() const { return rd; }
 };
 
 struct ShiftFields {
@@ -65,6 +68,7 @@ struct ShiftFields {
     static constexpr ShiftFields from(u32 word) {
         return {gpr16To20(word), gpr11To15(word), bits6To10(word)};
     }
+    constexpr Gpr destination() const { return rd; }
 };
 
 struct MemoryFields {
@@ -73,6 +77,7 @@ struct MemoryFields {
     static constexpr MemoryFields from(u32 word) {
         return {gpr21To25(word), gpr16To20(word), bits0To15(word)};
     }
+    constexpr Gpr destination() const { return rt; }
 };
 
 /// A branch that compares two registers.
@@ -102,6 +107,7 @@ struct Cop0Fields {
     static constexpr Cop0Fields from(u32 word) {
         return {gpr16To20(word), bits11To15(word), field(word, 0, 3)};
     }
+    constexpr Gpr destination() const { return rt; }
 };
 
 struct FpuFields {
@@ -116,6 +122,7 @@ struct FpuMoveFields {
     Gpr rt;
     u8 fs;
     static constexpr FpuMoveFields from(u32 word) { return {gpr16To20(word), bits11To15(word)}; }
+    constexpr Gpr destination() const { return rt; }
 };
 
 struct FpuMemoryFields {

@@ -1,16 +1,35 @@
-// The form of the list of instructions. The rows are in integer_list.h and fpu_list.h; the dispatch tables,
-// the mnemonic tables and everything that is known of an instruction word are made from them.
+// The form of the list of instructions. The rows are in integer_list.h, fpu_list.h and multimedia_list.h; the
+// dispatch tables, the mnemonic tables and everything that is known of an instruction word are made from
+// them, once for the described processor and once for the complete one.
 #pragma once
 
 #include "r5900/fields.h"
-#include "r5900/operation.h"
+#include "r5900/operation_makers.h"
 #include "r5900/trace.h"
 
 namespace tarn::r5900 {
 
 /// The dispatch tables, each named by what leads to it.
-enum class Table : u8 { Normal, Special, Regimm, Cop0, C0, Special2, Cop1, Bc1, Cop1S, Cop1D, Cop1W };
-inline constexpr std::size_t tableCount = 11;
+enum class Table : u8 {
+    Normal,
+    Special,
+    Regimm,
+    Cop0,
+    C0,
+    Special2,
+    Cop1,
+    Bc1,
+    Cop1S,
+    Cop1D,
+    Cop1W,
+    Mmi,
+    Mmi0,
+    Mmi1,
+    Mmi2,
+    Mmi3,
+    Pmfhl,  // of the complete processor only
+};
+inline constexpr std::size_t tableCount = 17;
 
 /// The field of a word that is the index in the table.
 constexpr u32 indexIn(Table table, u32 word) {
@@ -24,29 +43,52 @@ constexpr u32 indexIn(Table table, u32 word) {
         return coprocessorCode(word);
     case Table::Bc1:
         return conditionBranchCode(word);
+    case Table::Mmi0:
+    case Table::Mmi1:
+    case Table::Mmi2:
+    case Table::Mmi3:
+    case Table::Pmfhl:
+        return bits6To10(word);
     default:
         return functionCode(word);
     }
 }
 
-/// A place of a table, or several in a row: a name, and what is there.
+enum class Processors : u8 { Both, Described, Complete };
+
+/// A place of a table, or several in a row: a name, and what is there. Where the processors differ, a row
+/// names the operation of each, or has a row of the other kind next to it.
 struct Row {
     Table table;
     u8 first, last;
     const char* mnemonic;
     TraceLine line;                        ///< none: the line before is shown again
-    const Operation* operation = nullptr;  ///< null where another table decides
+    const Operation* described = nullptr;  ///< null where another table decides
+    const Operation* complete = nullptr;
     Table next{};
+    Processors processors = Processors::Both;
 
     constexpr Row(Table in, u8 index, const char* name, const char* format, TraceOperands operands,
-                  const Operation& does)
-        : table(in), first(index), last(index), mnemonic(name), line(format, operands), operation(&does) {}
-    constexpr Row(Table in, u8 index, const char* name, const Operation& does)
-        : table(in), first(index), last(index), mnemonic(name), operation(&does) {}
+                  Operations does)
+        : table(in), first(index), last(index), mnemonic(name), line(format, operands),
+          described(does.described), complete(does.complete) {}
+    constexpr Row(Table in, u8 index, const char* name, const char* format, TraceOperands operands,
+                  Operations ofDescribed, Operations ofComplete)
+        : Row(in, index, name, format, operands, {*ofDescribed.described, *ofComplete.complete}) {}
+    constexpr Row(Table in, u8 index, const char* name, Operations does)
+        : table(in), first(index), last(index), mnemonic(name), described(does.described),
+          complete(does.complete) {}
     constexpr Row(Table in, u8 index, const char* name, Table leadsTo)
         : Row(in, index, index, name, leadsTo) {}
     constexpr Row(Table in, u8 firstIndex, u8 lastIndex, const char* name, Table leadsTo)
         : table(in), first(firstIndex), last(lastIndex), mnemonic(name), next(leadsTo) {}
 };
+
+constexpr Row onlyFor(Processors processors, Row row) {
+    row.processors = processors;
+    return row;
+}
+constexpr Row onlyDescribed(Row row) { return onlyFor(Processors::Described, row); }
+constexpr Row onlyComplete(Row row) { return onlyFor(Processors::Complete, row); }
 
 }  // namespace tarn::r5900

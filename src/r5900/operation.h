@@ -25,6 +25,11 @@ struct Operation {
     Kind kind = Kind::Stop;
     Handler step = NI;
     Routines routines;
+
+    /// For the complete processor: whether the result goes to r0, and how the instruction is run then.
+    bool (*namesR0)(u32 word) = [](u32) { return false; };
+    Routines routinesIntoR0{};
+
     /// Whether the instruction, although implemented, only pauses for this word.
     bool (*pausesOn)(u32 word) = [](u32) { return false; };
 
@@ -40,7 +45,13 @@ struct Operation {
     bool hasDelaySlot() const { return leaves != nullptr; }
 };
 
-/// What the CPU does for an instruction word.
+/// What the processor that runs does for an instruction word.
 const Operation& operationOf(u32 word);
+
+/// Chooses the processor that runs: the described one, or the complete R5900. For the time between runs.
+void chooseProcessor(bool complete);
+
+/// Whether a processor, chosen or not, implements an instruction word.
+bool isImplementedBy(bool complete, u32 word);
 
 }  // namespace tarn::r5900

@@ -1,24 +1,68 @@
-// Makes the record of an operation from its semantics.
+// Makes the records of operations from their semantics, for both processors.
 #pragma once
 
+#include "r5900/loadstore_complete.h"
 #include "r5900/operation.h"
 #include "r5900/system.h"
 #include "r5900/threaded_interpreter.h"
 
 namespace tarn::r5900 {
 
+/// What an instruction is for the described processor and for the complete one.
+struct Operations {
+    const Operation* described;
+    const Operation* complete;
+
+    constexpr Operations(const Operation& both) : described(&both), complete(&both) {}
+    constexpr Operations(const Operation& first, const Operation& second)
+        : described(&first), complete(&second) {}
+};
+
+// Instructions that stop.
+
+inline constexpr Operation pauseOnly{.routines = plainRoutines};
+template <Stop reason>
+inline constexpr Operation stopFor{.step = stopAlways<reason>, .routines = plainRoutines};
+
+inline constexpr Operations stop{pauseOnly, stopFor<Stop::NoInstruction>};
+/// Exceptions, address translation and the vector unit.
+inline constexpr Operations unsupported{pauseOnly, stopFor<Stop::NotSupported>};
+inline constexpr Operations breakpoint{pauseOnly, stopFor<Stop::Break>};
+
+// Instructions without branches.
+
 template <typename Fields>
 bool pausesOnCondition(u32 word) {
     return namesOtherCondition(Fields::from(word));
 }
 
-inline constexpr Operation stop{.routines = plainRoutines};
+/// What is said of a straight-line instruction, from the way it is run.
+template <typename Decoded>
+constexpr Operation straightOperation(Kind kind, Handler step) {
+    using Fields = typename Decoded::Fields;
+    return {.kind = kind,
+            .step = step,
+            .routines = routines<Decoded>,
+            .namesR0 = namesR0<Fields>,
+            .routinesIntoR0 = routines<IntoR0<Decoded>>,
+            .pausesOn = pausesOnCondition<Fields>};
+}
 
 template <auto semantics>
-inline constexpr Operation computation{.kind = Kind::Computation,
-                                       .step = stepStraight<semantics>,
-                                       .routines = routines<Computation<semantics>>,
-                                       .pausesOn = pausesOnCondition<FieldsOf<semantics>>};
+inline constexpr Operation computation = straightOperation<Computation<semantics>>(Kind::Computation,
+                                                                                   stepStraight<semantics>);
+
+/// A computation that stops, with nothing changed, where `stops` says so.
+template <auto semantics, auto stops, Stop reason>
+inline constexpr Operation unlessStopped = straightOperation<UnlessStopped<semantics, stops>>(
+    Kind::Computation, stepUnlessStopped<semantics, stops, reason>);
+template <auto semantics, auto overflows>
+inline constexpr const Operation& unlessOverflow = unlessStopped<semantics, overflows, Stop::IntegerOverflow>;
+
+template <typename Fields>
+void nothing(Fields) {}
+template <auto condition>
+inline constexpr const Operation& trapIf = unlessStopped<nothing<FieldsOf<condition>>, condition, Stop::Trap>;
 
 /// What touches more than registers is left to single steps.
 template <auto semantics>
@@ -28,34 +72,67 @@ inline constexpr Operation system{
 /// The kernel's handler moves PC, or leaves it and pauses.
 inline constexpr Operation systemCall{.kind = Kind::System, .step = SYSCALL, .routines = plainRoutines};
 
-template <typename Fields>
+// Loads and stores.
+
+template <Width unit, typename Fields>
 u32 addressIn(u32 word) {
-    return addressOf(Fields::from(word));
+    return addressOf(Fields::from(word)) & ~(bytesOf(unit) - 1);
 }
+
+template <typename Decoded, Width width, Width unit>
+constexpr Operation accessOperation(Kind kind, Handler step) {
+    Operation made = straightOperation<Decoded>(kind, step);
+    made.width = width;
+    made.address = addressIn<unit, typename Decoded::Fields>;
+    return made;
+}
+
+constexpr Access accessOf(Kind kind) { return kind == Kind::Load ? Access::Load : Access::Store; }
+
+template <Kind kind, auto semantics, Width width>
+inline constexpr Operation
+    anyAccess = accessOperation<MemoryAccess<accessOf(kind), width, semantics>, width, Width::Byte>(
+        kind, stepStraight<semantics>);
+template <Kind kind, auto semantics, Width width>
+inline constexpr Operation
+    alignedAccess = accessOperation<AlignedAccess<accessOf(kind), width, semantics>, width, Width::Byte>(
+        kind, stepUnlessStopped<semantics, isUnaligned<width, FieldsOf<semantics>>, Stop::UnalignedAddress>);
+template <Kind kind, auto semantics, Width width>
+inline constexpr Operation
+    surroundingAccess = accessOperation<SurroundingAccess<accessOf(kind), width, semantics>, width, width>(
+        kind, stepStraight<semantics>);
+
+/// At any address for the described processor; the complete one asks for alignment.
 template <auto semantics, Width width>
-inline constexpr Operation load{.kind = Kind::Load,
-                                .step = stepStraight<semantics>,
-                                .routines = routines<MemoryAccess<Access::Load, width, semantics>>,
-                                .width = width,
-                                .address = addressIn<FieldsOf<semantics>>};
+inline constexpr Operations load{anyAccess<Kind::Load, semantics, width>,
+                                 alignedAccess<Kind::Load, semantics, width>};
 template <auto semantics, Width width>
-inline constexpr Operation store{.kind = Kind::Store,
-                                 .step = stepStraight<semantics>,
-                                 .routines = routines<MemoryAccess<Access::Store, width, semantics>>,
-                                 .width = width,
-                                 .address = addressIn<FieldsOf<semantics>>};
+inline constexpr Operations store{anyAccess<Kind::Store, semantics, width>,
+                                  alignedAccess<Kind::Store, semantics, width>};
+
+/// The complete processor's variants that cover the aligned unit around their address.
+template <auto semantics, Width width>
+inline constexpr const Operation& loadAround = surroundingAccess<Kind::Load, semantics, width>;
+template <auto semantics, Width width>
+inline constexpr const Operation& storeAround = surroundingAccess<Kind::Store, semantics, width>;
+
+// Branches and jumps.
 
 template <auto condition>
-bool isTaken(u32 word) {
+bool leavesIf(u32 word) {
     const auto fields = FieldsOf<condition>::from(word);
-    return !namesOtherCondition(fields) && condition(fields);
+    return !namesOtherCondition(fields) && isTaken<condition>(fields, MipsCpu.PC);
 }
 template <auto condition, Kind kind, DelaySlot whenNotTaken>
 inline constexpr Operation branchOperation{.kind = kind,
                                            .step = stepBranch<condition, whenNotTaken>,
                                            .routines = branchRoutines<condition, whenNotTaken>,
                                            .pausesOn = pausesOnCondition<FieldsOf<condition>>,
-                                           .leaves = isTaken<condition>};
+                                           .leaves = leavesIf<condition>,
+                                           .links = requires(FieldsOf<condition> fields){condition(fields, 0);
+}  // namespace tarn::r5900
+}
+;
 template <auto condition>
 inline constexpr const Operation& branch = branchOperation<condition, Kind::Branch, DelaySlot::Executed>;
 template <auto condition>
@@ -79,5 +156,14 @@ template <auto targetOf>
 inline constexpr const Operation& jump = jumpOperation<targetOf, false>;
 template <auto targetOf>
 inline constexpr const Operation& jumpAndLink = jumpOperation<targetOf, true>;
+
+/// Into r0 it is JR.
+inline constexpr Operation jumpAndLinkComplete{.kind = Kind::Jump,
+                                               .step = stepJump<JALR_complete>,
+                                               .routines = jumpRoutines<JALR>,
+                                               .namesR0 = namesR0<RegisterFields>,
+                                               .routinesIntoR0 = jumpRoutines<JR>,
+                                               .leaves = jumps<JALR_complete, true>,
+                                               .links = true};
 
 }  // namespace tarn::r5900

@@ -2,8 +2,9 @@
 // saves the way from one to the next. Stores come second only: they might change the one behind them.
 #include "r5900/pairs.h"
 
-#include "r5900/integer.h"
+#include "r5900/integer_complete.h"
 #include "r5900/loadstore.h"
+#include "r5900/tables.h"
 #include "r5900/threaded_interpreter.h"
 
 #include <algorithm>
@@ -15,19 +16,29 @@ namespace {
 template <typename... Operations>
 struct List {};
 
-template <auto semantics, Width width>
-using Load = MemoryAccess<Access::Load, width, semantics>;
-template <auto semantics, Width width>
-using Store = MemoryAccess<Access::Store, width, semantics>;
-
-using OftenFirst =
+/// The instructions on which both processors agree.
+template <typename... Operations>
+using WithCommon =
     List<NoOperation, Computation<ADDIU>, Computation<LUI>, Computation<ANDI>, Computation<ORI>,
          Computation<ADDU>, Computation<SUBU>, Computation<AND>, Computation<OR>, Computation<XOR>,
-         Computation<DADDU>, Computation<SLT>, Computation<SLTU>, Computation<SLL>, Computation<SRL>,
-         Computation<SRA>, Load<LW, Width::Word>, Load<LBU, Width::Byte>, Load<LHU, Width::Halfword>,
-         Load<LD, Width::Doubleword>>;
-using OftenSecondOnly = List<Store<SW, Width::Word>, Store<SB, Width::Byte>, Store<SH, Width::Halfword>,
-                             Store<SD, Width::Doubleword>>;
+         Computation<DADDU>, Computation<SLTU>, Computation<SLL>, Computation<SRL>, Operations...>;
+
+/// What a processor executes often: first of two, and second only.
+template <template <Access, Width, auto> typename MemoryAccess, auto slt, auto sra>
+struct Often {
+    template <auto semantics, Width width>
+    using Load = MemoryAccess<Access::Load, width, semantics>;
+    template <auto semantics, Width width>
+    using Store = MemoryAccess<Access::Store, width, semantics>;
+
+    using First = WithCommon<Computation<slt>, Computation<sra>, Load<LW, Width::Word>,
+                             Load<LBU, Width::Byte>, Load<LHU, Width::Halfword>, Load<LD, Width::Doubleword>>;
+    using SecondOnly = List<Store<SW, Width::Word>, Store<SB, Width::Byte>, Store<SH, Width::Halfword>,
+                            Store<SD, Width::Doubleword>>;
+};
+
+using OftenInDescribed = Often<MemoryAccess, SLT, SRA>;
+using OftenInComplete = Often<AlignedAccess, SLT_complete, SRA_complete>;
 
 /// Executes an instruction and the one behind it, which `First` must not be able to change.
 template <typename First, typename Second>
@@ -57,12 +68,11 @@ constexpr auto pairsOf(List<Operations...>, List<More...>) {
     return std::array{pairsWith<Operations>(List<Operations..., More...>{})...};
 }
 
-constexpr auto pairs = pairsOf(OftenFirst{}, OftenSecondOnly{});
+template <typename Often>
+constexpr auto pairs = pairsOf(typename Often::First{}, typename Often::SecondOnly{});
 
-}  // namespace
-
-Routine pairOf(Routine first, Routine second) {
-    for (const auto& row : pairs) {
+Routine pairAmong(const auto& rows, Routine first, Routine second) {
+    for (const auto& row : rows) {
         if (row.front().first == first) {
             const auto* found =
                 std::find_if(row.begin(), row.end(), [&](const Pair& pair) { return pair.second == second; });
@@ -70,6 +80,13 @@ Routine pairOf(Routine first, Routine second) {
         }
     }
     return first;
+}
+
+}  // namespace
+
+Routine pairOf(Routine first, Routine second) {
+    return processor->isComplete ? pairAmong(pairs<OftenInComplete>, first, second)
+                                 : pairAmong(pairs<OftenInDescribed>, first, second);
 }
 
 }  // namespace tarn::r5900

@@ -24,7 +24,7 @@ u64 runDecoded(u64 limit) {
         MipsUpdateCpu();
         return 1;
     }
-    runState = {std::min(limit, longestRun), 0, MipsCpu.cycle, {}};
+    runState = {std::min(limit, longestRun), 0, MipsCpu.cycle, MipsCpu.delaySlots, {}};
     find(MipsCpu.PC, StepBudget::of(runState.limit, MipsCpu.PC), 0, MipsMemory);
     return runState.steps;
 }

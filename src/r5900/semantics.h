@@ -28,4 +28,24 @@ constexpr bool namesOtherCondition(const Fields& fields) {
     }
 }
 
+/// Whether a branch at `pc` is taken. Those that link have to know where they are.
+template <auto condition>
+inline bool isTaken(const FieldsOf<condition>& fields, u64 pc) {
+    if constexpr (requires { condition(fields, pc); }) {
+        return condition(fields, pc);
+    } else {
+        return condition(fields);
+    }
+}
+
+/// Whether an instruction of the format with these operands writes its result to r0.
+template <typename Fields>
+constexpr bool namesR0(u32 word) {
+    if constexpr (requires(Fields fields) { fields.destination(); }) {
+        return Fields::from(word).destination().number() == 0;
+    } else {
+        return false;
+    }
+}
+
 }  // namespace tarn::r5900

@@ -6,6 +6,7 @@
 #include "r5900/branch.h"
 #include "r5900/delay_slot.h"
 #include "r5900/semantics.h"
+#include "r5900/stop.h"
 #include "r5900/trace.h"
 
 namespace tarn::r5900 {
@@ -42,6 +43,36 @@ void stepStraight() {
     MipsCpu.PC += 4;
 }
 
+/// The handler of an instruction that the complete processor stops at under a condition.
+template <auto semantics, auto stops, Stop reason>
+void stepUnlessStopped() {
+    traceIfOn();
+    const auto fields = FieldsOf<semantics>::from(MipsCpu.opcode);
+    if (stops(fields)) [[unlikely]] {
+        stopWith(reason);
+        return;
+    }
+    semantics(fields);
+    MipsCpu.PC += 4;
+}
+
+/// The handler of what the complete processor does not do.
+template <Stop reason>
+void stopAlways() {
+    stopWith(reason);
+}
+
+/// What every instruction of the complete processor goes through in a single step: r0 is 0 afterwards.
+template <Handler handler>
+void stepWithR0() {
+    if (MipsCpu.PC % 4 != 0) [[unlikely]] {
+        stopWith(Stop::UnalignedAddress);
+        return;
+    }
+    handler();
+    MipsCpu.GPR[0] = {};
+}
+
 /// The handler of a branch. With another condition code it pauses on the branch.
 template <auto condition, DelaySlot whenNotTaken>
 void stepBranch() {
@@ -49,7 +80,7 @@ void stepBranch() {
     const auto fields = FieldsOf<condition>::from(MipsCpu.opcode);
     if (namesOtherCondition(fields)) [[unlikely]] {
         pauseOnOtherCondition();
-    } else if (condition(fields)) {
+    } else if (isTaken<condition>(fields, MipsCpu.PC)) {
         jumpTo(branchTarget(MipsCpu.PC, fields.offset));
     } else {
         MipsCpu.PC += whenNotTaken == DelaySlot::Executed ? 4 : 8;

@@ -1,16 +1,12 @@
 // How an instruction of the complete processor stops: where the console would raise an exception.
 #pragma once
 
-#include "r5900/mips_cpu.h"
+#include "machine/machine.h"
 
 namespace tarn::r5900 {
 
-/// Pauses, with PC on the instruction, and records why for the report.
-[[gnu::cold]] inline void stopWith(Stop reason) {
-    MipsCpu.stop = reason;
-    MipsCpu.stopCycle = MipsCpu.cycle;
-    MipsCpu.pause = 1;
-}
+/// Pauses, with PC on the instruction, and says why: one line in the EmuOutput pane.
+[[gnu::cold]] void stopWith(Stop reason);
 
 /// Why the last instruction stopped; None when it did not, or paused for a reason that it has printed.
 inline Stop stopReason() { return MipsCpu.stopCycle == MipsCpu.cycle ? MipsCpu.stop : Stop::None; }

@@ -5,6 +5,7 @@
 #include "r5900/fpu_list.h"
 #include "r5900/integer_list.h"
 #include "r5900/interpreter.h"
+#include "r5900/multimedia_list.h"
 
 #include <span>
 #include <utility>
@@ -17,10 +18,11 @@ namespace {
 
 /// The table among `all` of a processor's.
 constexpr auto tableIn(auto& all, Table table) {
-    auto& [normal, special, regimm, cop0, c0, special2, cop1, bc1, cop1S, cop1D, cop1W] = all;
+    auto& [normal, special, regimm, cop0, c0, special2, cop1, bc1, cop1S, cop1D, cop1W, mmi, mmi0, mmi1, mmi2,
+           mmi3, pmfhl] = all;
     using Entry = std::remove_reference_t<decltype(normal[0])>;
-    const std::span<Entry> tables[] = {normal, special, regimm, cop0,  c0,   special2,
-                                       cop1,   bc1,     cop1S,  cop1D, cop1W};
+    const std::span<Entry> tables[] = {normal, special, regimm, cop0, c0,   special2, cop1, bc1,  cop1S,
+                                       cop1D,  cop1W,   mmi,    mmi0, mmi1, mmi2,     mmi3, pmfhl};
     return tables[static_cast<std::size_t>(table)];
 }
 
@@ -37,15 +39,21 @@ constexpr auto dispatchersOf(std::index_sequence<tables...>) {
 }
 
 template <const Processor& processor>
-constexpr Processor processorOf(std::initializer_list<std::span<const Row>> lists) {
+constexpr Processor processorOf(Processors kind, std::initializer_list<std::span<const Row>> lists) {
     constexpr auto dispatchers = dispatchersOf<processor>(std::make_index_sequence<tableCount>());
+    const bool complete = kind == Processors::Complete;
     Processor made{};
+    made.isComplete = complete;
     for (std::size_t table = 0; table < tableCount; ++table) {
-        std::ranges::fill(tableIn(made.handlers, static_cast<Table>(table)), NI);
+        std::ranges::fill(tableIn(made.handlers, static_cast<Table>(table)),
+                          complete ? stopAlways<Stop::NoInstruction> : NI);
         std::ranges::fill(tableIn(made.mnemonics, static_cast<Table>(table)), "NI");
     }
     for (const std::span<const Row> list : lists) {
         for (const Row& row : list) {
+            if (row.processors != Processors::Both && row.processors != kind) {
+                continue;
+            }
             for (std::size_t index = row.first; index <= row.last; ++index) {
                 const Row*& place = made.rows[static_cast<std::size_t>(row.table)][index];
                 if (place != nullptr) {
@@ -53,9 +61,9 @@ constexpr Processor processorOf(std::initializer_list<std::span<const Row>> list
                 }
                 place = &row;
                 tableIn(made.mnemonics, row.table)[index] = row.mnemonic;
+                const Operation* operation = complete ? row.complete : row.described;
                 tableIn(made.handlers, row.table)[index] =
-                    row.operation != nullptr ? row.operation->step
-                                             : dispatchers[static_cast<std::size_t>(row.next)];
+                    operation != nullptr ? operation->step : dispatchers[static_cast<std::size_t>(row.next)];
             }
         }
     }
@@ -65,24 +73,61 @@ constexpr Processor processorOf(std::initializer_list<std::span<const Row>> list
 constexpr Row noInstruction{Table::Normal, 0, "NI", stop};
 
 /// The row for a word, through as many tables as it takes.
-const Row& rowOf(u32 word) {
+const Row& rowOf(const Processor& of, u32 word) {
     const Row* row = nullptr;
     Table table = Table::Normal;
     do {
-        row = processor->rows[static_cast<std::size_t>(table)][indexIn(table, word)];
+        row = of.rows[static_cast<std::size_t>(table)][indexIn(table, word)];
         table = row != nullptr ? row->next : table;
-    } while (row != nullptr && row->operation == nullptr);
+    } while (row != nullptr && row->described == nullptr);
     return row != nullptr ? *row : noInstruction;
+}
+
+const Operation& operationOf(const Processor& of, u32 word) {
+    const Row& row = rowOf(of, word);
+    return of.isComplete ? *row.complete : *row.described;
+}
+
+/// The complete processor's tables as its rows have them.
+extern const Processor completeRows;
+constexpr Processor completeRows =
+    processorOf<completeRows>(Processors::Complete, {integerList, fpuList, multimediaList});
+
+/// The same, but every instruction passes stepWithR0.
+template <std::size_t... indices>
+constexpr Processor withR0(std::index_sequence<indices...>) {
+    Processor made = completeRows;
+    made.handlers.normal_opc = {stepWithR0<completeRows.handlers.normal_opc[indices]>...};
+    return made;
 }
 
 }  // namespace
 
-constexpr Processor describedProcessor = processorOf<describedProcessor>({integerList, fpuList});
+constexpr Processor describedProcessor =
+    processorOf<describedProcessor>(Processors::Described, {integerList, fpuList});
+constexpr Processor completeProcessor = withR0(std::make_index_sequence<64>());
 
-const Operation& operationOf(u32 word) { return *rowOf(word).operation; }
+void chooseProcessor(bool complete) {
+    processor = complete ? &completeProcessor : &describedProcessor;
+    dropDecodedInstructions();
+}
+
+const Operation& operationOf(u32 word) { return operationOf(*processor, word); }
+
+bool isImplementedBy(bool complete, u32 word) {
+    return operationOf(complete ? completeProcessor : describedProcessor, word).kind != Kind::Stop;
+}
+
+void stopWith(Stop reason) {
+    MipsCpu.stop = reason;
+    MipsCpu.stopCycle = MipsCpu.cycle;
+    MipsCpu.pause = 1;
+    PrintfToEmuOutput("Stop at %8.8llx, %s (%8.8lx): %s", MipsCpu.PC, mnemonicOf(MipsCpu.opcode),
+                      static_cast<unsigned long>(MipsCpu.opcode), textOf(reason));
+}
 
 void traceInstruction() {
-    const TraceLine& line = rowOf(MipsCpu.opcode).line;
+    const TraceLine& line = rowOf(*processor, MipsCpu.opcode).line;
     if (line.write != nullptr) {
         line.write(line.format, MipsCpu.opcode);
     }
@@ -97,7 +142,7 @@ void pauseOnOtherCondition() {
 
 namespace tarn {
 
-const char* mnemonicOf(u32 word) { return r5900::rowOf(word).mnemonic; }
+const char* mnemonicOf(u32 word) { return r5900::rowOf(*r5900::processor, word).mnemonic; }
 
 bool isImplemented(u32 word) { return r5900::operationOf(word).kind != r5900::Kind::Stop; }
 

@@ -23,6 +23,14 @@ struct DispatchTables {
     std::array<Handler, 64> cop1_s_opc;    // bits 0-5
     std::array<Handler, 64> cop1_d_opc;    // bits 0-5
     std::array<Handler, 64> cop1_W_L_opc;  // bits 0-5
+
+    // Of the complete processor only.
+    std::array<Handler, 64> mmi_opc;    // bits 0-5
+    std::array<Handler, 32> mmi0_opc;   // bits 6-10
+    std::array<Handler, 32> mmi1_opc;   // bits 6-10
+    std::array<Handler, 32> mmi2_opc;   // bits 6-10
+    std::array<Handler, 32> mmi3_opc;   // bits 6-10
+    std::array<Handler, 32> pmfhl_opc;  // bits 6-10
 };
 
 struct MnemonicTables {
@@ -37,18 +45,26 @@ struct MnemonicTables {
     std::array<const char*, 64> debug_cop1_s_opc;
     std::array<const char*, 64> debug_cop1_d_opc;
     std::array<const char*, 64> debug_cop1_W_L_opc;
+    std::array<const char*, 64> debug_mmi_opc;
+    std::array<const char*, 32> debug_mmi0_opc;
+    std::array<const char*, 32> debug_mmi1_opc;
+    std::array<const char*, 32> debug_mmi2_opc;
+    std::array<const char*, 32> debug_mmi3_opc;
+    std::array<const char*, 32> debug_pmfhl_opc;
 };
 
 /// What a processor makes of instruction words.
 struct Processor {
     DispatchTables handlers;
     MnemonicTables mnemonics;
-    std::array<std::array<const Row*, 64>, 11> rows;  ///< by Table and index, those without a row null
+    std::array<std::array<const Row*, 64>, 17> rows;  ///< by Table and index, those without a row null
+    bool isComplete;
 };
 
 extern const Processor describedProcessor;
+extern const Processor completeProcessor;
 
-/// The one that runs.
+/// The one that runs: chosen at start-up.
 inline const Processor* processor = &describedProcessor;
 
 }  // namespace tarn::r5900

@@ -14,6 +14,7 @@ constexpr u64 codeEnd = mainMemorySize - codePageBytes;
 void leave(u64 pc, StepBudget budget, u64 delaySlots) {
     runState.steps = runState.limit - budget.stepsLeft(pc);
     MipsCpu.cycle = runState.cycleAtStart + runState.steps + delaySlots;
+    MipsCpu.delaySlots = runState.delaySlotsAtStart + delaySlots;
     MipsCpu.PC = pc;
     runState.lastStep = {pc, MipsCpu.cycle};
 }
@@ -45,7 +46,8 @@ void interrupted(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlo
 }
 
 void find(u64 pc, StepBudget budget, u64 delaySlots, const u8* memory) {
-    const bool isCode = pc < codeEnd && memory != nullptr;
+    // Rotated, an address that is not aligned is none of code, either.
+    const bool isCode = std::rotr(pc, 2) < codeEnd / 4 && memory != nullptr;
     CodePage* page = isCode ? codePageAt(pc) : nullptr;
     if (page == nullptr) {
         return stepPlainly(nullptr, pc, budget, delaySlots, memory);

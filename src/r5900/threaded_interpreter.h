@@ -14,13 +14,17 @@
 #include "r5900/loadstore.h"
 #include "r5900/semantics.h"
 
+#include <algorithm>
+#include <bit>
+
 namespace tarn::r5900 {
 
 /// What a run is measured by.
 struct RunState {
-    u64 limit = 0;         ///< steps
-    u64 steps = 0;         ///< that it has taken, known once it is over
-    u64 cycleAtStart = 0;  ///< MipsCpu.cycle
+    u64 limit = 0;              ///< steps
+    u64 steps = 0;              ///< that it has taken, known once it is over
+    u64 cycleAtStart = 0;       ///< MipsCpu.cycle
+    u64 delaySlotsAtStart = 0;  ///< MipsCpu.delaySlots
     LastStep lastStep;
 };
 
@@ -120,6 +124,86 @@ struct MemoryAccess {
     }
 };
 
+// The complete processor's accesses: those that stop when they are not aligned, and those that cover the
+// whole unit around their address.
+
+/// Address and alignment take one comparison: the low bits, moved to the top, put the address out of range.
+template <Access access, Width width, auto semantics>
+struct AlignedAccess {
+    using Fields = FieldsOf<semantics>;
+    static constexpr u32 bytes = bytesOf(width);
+    static bool fast(const Fields& fields) {
+        if (MipsMemory == nullptr) {
+            __builtin_unreachable();  // code is being run from it
+        }
+        constexpr int shift = std::countr_zero(bytes);
+        const u32 unit = std::rotr(usualOffset(addressOf(fields)) - mainMemoryFirst, shift);
+        if (unit > (mainMemorySize - mainMemoryFirst - std::max(bytes, 2U)) >> shift) [[unlikely]] {
+            return false;
+        }
+        semantics(fields);
+        return true;
+    }
+    static bool slow(const Fields& fields) {
+        const u32 address = addressOf(fields);
+        if (address % bytes != 0 || mainMemoryOffset<access>(address, bytes) == notMainMemory) {
+            return false;
+        }
+        semantics(fields);
+        return true;
+    }
+};
+
+template <Access access, Width width, auto semantics>
+struct SurroundingAccess {
+    using Fields = FieldsOf<semantics>;
+    static constexpr u32 bytes = bytesOf(width);
+    static bool fast(const Fields& fields) {
+        if (!inMainMemory(usualOffset(addressOf(fields)) & ~(bytes - 1), bytes)) [[unlikely]] {
+            return false;
+        }
+        semantics(fields);
+        return true;
+    }
+    static bool slow(const Fields& fields) {
+        if (mainMemoryOffset<access>(addressOf(fields) & ~(bytes - 1), bytes) == notMainMemory) {
+            return false;
+        }
+        semantics(fields);
+        return true;
+    }
+};
+
+/// What stops under a condition, which the single step then finds again.
+template <auto semantics, auto stops>
+struct UnlessStopped {
+    using Fields = FieldsOf<semantics>;
+    static bool fast(const Fields& fields) {
+        if (stops(fields)) [[unlikely]] {
+            return false;
+        }
+        semantics(fields);
+        return true;
+    }
+    static bool slow(const Fields& fields) { return fast(fields); }
+};
+
+/// The complete processor's instructions whose result goes to r0, which stays 0.
+template <typename Operation>
+struct IntoR0 {
+    using Fields = typename Operation::Fields;
+    static bool fast(const Fields& fields) {
+        const bool done = Operation::fast(fields);
+        MipsCpu.GPR[0] = {};
+        return done;
+    }
+    static bool slow(const Fields& fields) {
+        const bool done = Operation::slow(fields);
+        MipsCpu.GPR[0] = {};
+        return done;
+    }
+};
+
 template <typename Operation>
 [[gnu::noinline]] void runSlowly(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots,
                                  const u8* memory) {
@@ -162,7 +246,7 @@ template <auto condition, DelaySlot whenNotTaken>
 [[gnu::flatten]] void runBranch(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots,
                                 const u8* memory) {
     const auto& fields = at->operands.get<FieldsOf<condition>>();
-    if (condition(fields)) {
+    if (isTaken<condition>(fields, pc)) {
         return at->runInSlot(at, pc, budget, delaySlots, memory, branchTarget(pc, fields.offset));
     }
     if constexpr (whenNotTaken == DelaySlot::Skipped) {

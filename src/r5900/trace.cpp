@@ -75,6 +75,36 @@ void traceRdOnly(const char* format, u32 word) {
     traceText(format, gprName(f.rd));
 }
 
+void traceRsOnly(const char* format, u32 word) {
+    const auto f = RegisterFields::from(word);
+    traceText(format, gprName(f.rs));
+}
+
+void traceRdRs(const char* format, u32 word) {
+    const auto f = RegisterFields::from(word);
+    traceText(format, gprName(f.rd), gprName(f.rs));
+}
+
+void traceRdRt(const char* format, u32 word) {
+    const auto f = RegisterFields::from(word);
+    traceText(format, gprName(f.rd), gprName(f.rt));
+}
+
+void traceRsImmediate(const char* format, u32 word) {
+    const auto f = ImmediateFields::from(word);
+    traceText(format, gprName(f.rs), raw(f.imm));
+}
+
+void traceFdFt(const char* format, u32 word) {
+    const auto f = FpuFields::from(word);
+    traceText(format, fprName(f.fd), fprName(f.ft));
+}
+
+void traceFsFt(const char* format, u32 word) {
+    const auto f = FpuFields::from(word);
+    traceText(format, fprName(f.fs), fprName(f.ft));
+}
+
 void traceRdRtSa(const char* format, u32 word) {
     const auto f = ShiftFields::from(word);
     traceText(format, gprName(f.rd), gprName(f.rt), f.sa);

@@ -35,6 +35,7 @@ int TarnLoadConfig() {
     Settings.stepsPerPoll = count("General:Steps_per_poll");
     Settings.console = flag("General:Console");
     Settings.frameRate = count("Video:Frame_rate");
+    Settings.completeCpu = flag("General:Complete_cpu");
     Settings.blend = flag("Video:Blend");
     return 1;
 }

@@ -25,7 +25,7 @@ struct KnownKey {
 };
 
 /// Every key that is read anywhere.
-constexpr std::array<KnownKey, 13> knownKeys{{
+constexpr std::array<KnownKey, 14> knownKeys{{
     {"General", "Elf", false},
     {"General", "Debug_op"},
     {"General", "Debug_dma"},
@@ -33,6 +33,7 @@ constexpr std::array<KnownKey, 13> knownKeys{{
     {"General", "Debug_GS"},
     {"General", "Steps_per_poll"},
     {"General", "Console"},
+    {"General", "Complete_cpu"},
     {"Video", "Width"},
     {"Video", "Height"},
     {"Video", "Bpp"},

@@ -9,6 +9,7 @@
 #include "machine/run_loop.h"
 #include "machine/settings.h"
 #include "memory/allocation.h"
+#include "r5900/operation.h"
 #include "shell/session.h"
 
 #include <algorithm>
@@ -96,6 +97,7 @@ void koGUI_TarnInitProc() {
         openRenderer();
         break;
     case 10:
+        r5900::chooseProcessor(Settings.completeCpu == 1);
         setStartState(machine, MipsCpu.entry);
         break;
     case 11:

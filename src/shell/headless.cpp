@@ -231,6 +231,7 @@ int runHeadless(const HeadlessOptions& options) {
     // A debugger's user sees where the machine is, and its output must not wait for the line.
     progress.begin(!options.quiet && !options.gdbPort);
     TarnLoadConfig();
+    Settings.completeCpu = options.completeCpu ? 1 : Settings.completeCpu;
     if (options.trace) {
         traceFile.open(*options.trace);
         Settings.debug_op = traceFile.isOpen() ? 1 : Settings.debug_op;

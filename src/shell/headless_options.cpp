@@ -22,6 +22,7 @@ enum Option {
     profile,
     coverage,
     gdb,
+    completeCpu,
     quiet,
     help,
     version
@@ -39,6 +40,7 @@ constexpr option longOptions[] = {
     {"profile", required_argument, nullptr, profile},
     {"coverage", required_argument, nullptr, coverage},
     {"gdb", required_argument, nullptr, gdb},
+    {"complete-cpu", no_argument, nullptr, completeCpu},
     {"quiet", no_argument, nullptr, quiet},
     {"help", no_argument, nullptr, help},
     {"version", no_argument, nullptr, version},
@@ -77,6 +79,7 @@ const char* const headlessUsage =
     "  --coverage FILE     write which lines and functions ran, in lcov's format\n"
     "  --gdb PORT          wait for a GDB on this port of the loopback interface (0: any free one) and run\n"
     "                      the machine as it says\n"
+    "  --complete-cpu      run on the complete processor, whatever tarn.ini says\n"
     "  --quiet             show no progress line on a terminal\n"
     "  --help              print this help and exit\n"
     "  --version           print the version and exit\n"
@@ -126,6 +129,9 @@ std::optional<HeadlessOptions> parseHeadlessOptions(int count, char** arguments)
         case gdb:
             options.gdbPort = parseNumber<u16>("gdb", optarg);
             usable = usable && options.gdbPort.has_value();
+            break;
+        case completeCpu:
+            options.completeCpu = true;
             break;
         case quiet:
             options.quiet = true;

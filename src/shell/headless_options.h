@@ -20,6 +20,7 @@ struct HeadlessOptions {
     std::optional<u16> gdbPort;  ///< loopback port to wait for a debugger on; 0 stands for any free one
     bool registers = false;
     bool exitStatus = false;  ///< the status of the run is the program's own
+    bool completeCpu = false;
     bool quiet = false;
     bool help = false;
     bool version = false;

@@ -1,6 +1,7 @@
 // Holds the interpreter against an independent processor: random programs of instructions that a MIPS64 has
 // with the same meaning run here and in qemu's user mode, and must leave the same registers and memory.
 #include "r5900/instruction.h"
+#include "r5900/operation.h"
 #include "support/run_directory.h"
 
 #include <algorithm>
@@ -38,6 +39,7 @@ struct Group {
     std::string fields;
     Condition condition;
     std::vector<u32> words;
+    enum : u8 { Both, Described, Complete } processor = Both;
 };
 
 constexpr u32 major(u32 code) { return code << 26; }
@@ -52,20 +54,32 @@ const std::vector<Group> straight = {
     // SLLV MOVZ MOVN AND OR XOR SLTU DADDU; SLRV SRAV ADDU SUBU SLT DSUBU
     {"std", any, {4, 10, 11, 36, 37, 38, 43, 45}}, {"std", words, {6, 7, 33, 35, 42, 47}},
     // SLL DSLL DSRL DSLL32 DSRL32 DSRA32; SRL SRA; DMULTU; MULT DIV DIVU
-    {"tda", any, {0, 56, 58, 60, 62, 63}}, {"tda", words, {2, 3}}, {"st", any, {29}},
+    {"tda", any, {0, 56, 58, 60, 62, 63}}, {"tda", words, {2, 3}}, {"st", any, {29}, Group::Described},
     {"st", quotient, {24, 26, 27}},
     // LB LBU SB; LH LHU SH; LW LWU SW; LD SD; LWC1; SWC1
     {"t1", any, {major(32), major(36), major(40)}}, {"t2", any, {major(33), major(37), major(41)}},
     {"t4", any, {major(35), major(39), major(43)}}, {"t8", any, {major(55), major(63)}},
-    {"T4", trial, {major(49)}}, {"T4", any, {major(57)}},
+    // On the complete processor: MTHI MTLO; DSLLV DSRLV DSRAV NOR SLT DSUBU; DADD DSUB; DADDI; DSRA; MULTU;
+    // LWL LWR SWL SWR LDL LDR SDL SDR
+    {"s", any, {17, 19}, Group::Complete}, {"std", any, {20, 22, 23, 39, 42, 47}, Group::Complete},
+    {"std", words, {44, 46}, Group::Complete}, {"sti", words, {major(24)}, Group::Complete},
+    {"tda", any, {59}, Group::Complete}, {"st", words, {25}, Group::Complete},
+    {"t1", any, {major(34), major(38), major(42), major(46)}, Group::Complete},
+    {"t1", any, {major(26), major(27), major(44), major(45)}, Group::Complete},
+    // On the described one:
+    {"T4", trial, {major(49)}, Group::Described}, {"T4", any, {major(57)}, Group::Described},
     // MTC1; ADD_S SUB_S MUL_S DIV_S; MOV_S NEG_S; C_EQ_S C_OLT_S
-    {"tS", trial, {coprocessor1(4, 0, 0)}}, {"TSD", trial, {fpu(0), fpu(1), fpu(2), fpu(3)}},
-    {"SD", any, {fpu(6), fpu(7)}}, {"TS", any, {fpu(50), fpu(52)}}};
+    {"tS", trial, {coprocessor1(4, 0, 0)}, Group::Described},
+    {"TSD", trial, {fpu(0), fpu(1), fpu(2), fpu(3)}, Group::Described},
+    {"SD", any, {fpu(6), fpu(7)}, Group::Described}, {"TS", any, {fpu(50), fpu(52)}, Group::Described}};
 const std::vector<Group> branches = {
     // BEQ BNE BEQL BNEL; BLEZ BGTZ BLEZL; BLTZ BGEZ BLTZL BGEZL; BC1F BC1T BC1TL
     {"st", any, {major(4), major(5), major(20), major(21)}}, {"s", any, {major(6), major(7), major(22)}},
     {"s", any, {regimm(0, 0, 0), regimm(1, 0, 0), regimm(2, 0, 0), regimm(3, 0, 0)}},
-    {"", any, {coprocessor1(8, 0, 0), coprocessor1(8, 1, 0), coprocessor1(8, 3, 0)}}};
+    {"", any, {coprocessor1(8, 0, 0), coprocessor1(8, 1, 0), coprocessor1(8, 3, 0)}},
+    // BGTZL; BLTZAL BGEZAL BLTZALL BGEZALL; BC1FL
+    {"s", any, {major(23), regimm(16, 0, 0), regimm(17, 0, 0), regimm(18, 0, 0), regimm(19, 0, 0)}, Group::Complete},
+    {"", any, {coprocessor1(8, 2, 0)}, Group::Complete}};
 // clang-format on
 
 /// Where a field is and what it may be. Integer registers leave out r0 and the reserved ones; digits are
@@ -81,7 +95,7 @@ constexpr Position positions[] = {{'s', 21, 1, 25}, {'t', 16, 1, 25}, {'d', 11, 
 /// values that it meets; `image` is the program as it was before it ran.
 class Program {
   public:
-    explicit Program(u64 seed) : random(seed) {
+    Program(u64 seed, bool onComplete) : random(seed), complete(onComplete) {
         makeData();
         MipsCpu.PC = origin;
         loadAddress(window, windowAddress + windowSize / 2);
@@ -187,9 +201,19 @@ class Program {
                                    [](f32 value) { return std::isnan(value); });
     }
 
+    /// A group of those that the processor has.
+    const Group& anyOf(const std::vector<Group>& groups) {
+        for (;;) {
+            const Group& group = groups[below(groups.size())];
+            if (group.processor == Group::Both || (group.processor == Group::Complete) == complete) {
+                return group;
+            }
+        }
+    }
+
     u32 suitableWord() {
         for (;;) {
-            const Group& group = straight[below(straight.size())];
+            const Group& group = anyOf(straight);
             const u32 word = wordOf(group);
             const u64 left = gpr(r5900::gpr21To25(word));
             const u64 right = group.fields.ends_with('i') ? signExtend16(word) : gpr(r5900::gpr16To20(word));
@@ -208,13 +232,14 @@ class Program {
         const u32 target = here() + 12;
         const u32 slots[] = {suitableWord(), wordOf({"sti", any, {major(25)}})};
         put(here() + 4, slots, sizeof slots);
-        execute(wordOf(branches[below(branches.size())]) | 2);
+        execute(wordOf(anyOf(branches)) | 2);
         for (u32 steps = 0; here() != target && steps < 2; ++steps) {
             step();
         }
     }
 
     std::mt19937_64 random;
+    const bool complete;
     std::string image = std::string(windowAddress + windowSize - origin, '\0');
 };
 
@@ -234,9 +259,12 @@ TEST_F(MachineTest, RandomProgramsLeaveTheSameRegistersAndMemoryInQemu) {
     if (std::system("command -v qemu-mips64el > /dev/null") != 0) {
         GTEST_SKIP() << "qemu-mips64el is not installed (Debian: apt install qemu-user)";
     }
-    for (u64 seed = 1; seed < 5; ++seed) {
+    for (u64 seed = 1; seed < 9; ++seed) {
+        const bool complete = seed > 4;
         restart();
-        const Program program(seed);
+        r5900::chooseProcessor(complete);
+        const Program program(seed, complete);
+        r5900::chooseProcessor(false);
         ASSERT_EQ(MipsCpu.pause, 0) << "seed " << seed << ", at " << hex(MipsCpu.PC);
         EXPECT_GE(MipsCpu.cycle, blockCount * blockLength);
         const std::string expected = outputInQemu(program.elf());

@@ -36,23 +36,24 @@ Values numbers() {
             s.koGUI_MainScreenStretch,
             s.stepsPerPoll,
             s.frameRate,
-            s.blend};
+            s.blend,
+            s.completeCpu};
 }
 
 TEST_F(Configuration, Values) {
-    const Values defaults = {0, 0, 0, 0, 320, 240, 32, 1, 0, 0, 0};
+    const Values defaults = {0, 0, 0, 0, 320, 240, 32, 1, 0, 0, 0, 0};
     const std::tuple<const char*, std::string, Values> cases[] = {
         {"", "", defaults},
         {"[General]\nElf=\"a b;#.elf\"\n"
-         "Debug_op=1\nDebug_dma=2\nDebug_syscall=3\nDebug_GS=4\nSteps_per_poll=5\n"
+         "Debug_op=1\nDebug_dma=2\nDebug_syscall=3\nDebug_GS=4\nSteps_per_poll=5\nComplete_cpu=1\n"
          "[Video]\nWidth=640\nHeight=480\nBpp=16\nStretch=0\nFrame_rate=60\nBlend=1",
          "a b;#.elf",
-         {1, 2, 3, 4, 640, 480, 16, 0, 5, 60, 1}},
+         {1, 2, 3, 4, 640, 480, 16, 0, 5, 60, 1, 1}},
         {"[general]\nelf = x ; comment\nDEBUG_OP = 0x101\nDebug_dma = 010\nDebug_GS = -1\nSteps_per_poll"
          "= -1\n"
          "[VIDEO]\nWidth = 65536\nHeight = -1\nBpp = text\nStretch = 99999999999999999999\nFrame_rate = -60",
          "x",
-         {1, 8, 0, 255, 0, 65535, 0, 65535, 0, 0, 0}},
+         {1, 8, 0, 255, 0, 65535, 0, 65535, 0, 0, 0, 0}},
         // Sections named like keys, which the library's own conversions do not survive.
         {"[General:Debug_op]\n[General:Elf]\n[Video:Width]\n[Video:Bpp]\nElf=x", "", defaults},
         {"Elf=outside\n[Other]\nElf=other\nWidth=5", "", defaults},
