@@ -3,6 +3,7 @@
 
 #include "machine/machine.h"
 #include "r5900/interpreter.h"
+#include "r5900/stop.h"
 #include "r5900/trace.h"
 
 namespace tarn::r5900 {
@@ -30,14 +31,16 @@ inline void executeDelaySlot() {
 
 /// What a taken branch and every jump does once its trace line is written. The line is shown at once: the
 /// delay slot writes its own, which is shown twice, by its step and by the one that began with the branch.
-/// PC is the target in the end, whatever the delay slot made of it.
+/// PC is the target in the end, whatever the delay slot made of it, unless that has stopped.
 inline void jumpTo(u64 target) {
     if (tracing()) [[unlikely]] {
         showTraceLine();
     }
     MipsCpu.PC += 4;
     executeDelaySlot();
-    MipsCpu.PC = target;
+    if (stopReason() == Stop::None) [[likely]] {
+        MipsCpu.PC = target;
+    }
 }
 
 }  // namespace tarn::r5900

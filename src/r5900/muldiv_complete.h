@@ -10,9 +10,6 @@
 
 namespace tarn::r5900 {
 
-/// Undoes the writing of r0 by an instruction that has other results than that.
-inline void keepZero() { MipsCpu.GPR[0] = {}; }
-
 /// The halves of LO and HI that a pipeline uses.
 struct FirstPipeline {
     static u64& lo() { return MipsCpu.LO.low; }
@@ -47,7 +44,6 @@ template <typename Pipeline>
 inline void setProduct(Gpr rd, u64 product) {
     setHiLo<Pipeline>(product, product >> 32);
     setDoubleword(rd, Pipeline::lo());
-    keepZero();
 }
 
 template <typename Pipeline, typename Word>

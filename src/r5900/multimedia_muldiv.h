@@ -17,11 +17,6 @@ inline void setHiLo(const Lanes<u32>& lo, const Lanes<u32>& hi) {
 /// The lower word of each doubleword of LO and, above it, that of HI: as rd has all products.
 inline GuestValue evenWords() { return picked<u32, 0, 4, 2, 6>(MipsCpu.LO, MipsCpu.HI); }
 
-inline void setEvenWords(Gpr rd) {
-    wholeGpr(rd) = evenWords();
-    keepZero();
-}
-
 // Words: the lower one of each doubleword, the product going to that doubleword of HI and LO.
 
 template <typename Word, typename Combine>
@@ -32,7 +27,7 @@ inline void multiplyWords(RegisterFields f, Combine combine) {
     const u64 high = combine(accumulated<SecondPipeline>(), wordProduct<Word>(left.high, right.high));
     setHiLo<FirstPipeline>(low, low >> 32);
     setHiLo<SecondPipeline>(high, high >> 32);
-    setEvenWords(f.rd);
+    wholeGpr(f.rd) = evenWords();
 }
 
 // How a product goes into what HI and LO hold.
@@ -70,7 +65,7 @@ inline void multiplyHalfwords(RegisterFields f, Combine combine) {
         hi[i] = combine(hi[i], products[product + 2]);
     }
     setHiLo(lo, hi);
-    setEvenWords(f.rd);
+    wholeGpr(f.rd) = evenWords();
 }
 
 inline void PMULTH(RegisterFields f) { multiplyHalfwords(f, productOnly); }
@@ -88,7 +83,7 @@ inline void combineNeighbours(RegisterFields f, Combine combine) {
         hi[i] = combine(products[i * 2 + 3], products[i * 2 + 2]);
     }
     setHiLo(lo, hi);
-    setEvenWords(f.rd);
+    wholeGpr(f.rd) = evenWords();
 }
 
 inline void PHMADH(RegisterFields f) { combineNeighbours(f, sumWithProduct); }

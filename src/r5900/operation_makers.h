@@ -129,10 +129,7 @@ inline constexpr Operation branchOperation{.kind = kind,
                                            .routines = branchRoutines<condition, whenNotTaken>,
                                            .pausesOn = pausesOnCondition<FieldsOf<condition>>,
                                            .leaves = leavesIf<condition>,
-                                           .links = requires(FieldsOf<condition> fields){condition(fields, 0);
-}  // namespace tarn::r5900
-}
-;
+                                           .links = knowsPc<condition>};
 template <auto condition>
 inline constexpr const Operation& branch = branchOperation<condition, Kind::Branch, DelaySlot::Executed>;
 template <auto condition>

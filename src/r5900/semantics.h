@@ -28,10 +28,16 @@ constexpr bool namesOtherCondition(const Fields& fields) {
     }
 }
 
-/// Whether a branch at `pc` is taken. Those that link have to know where they are.
+/// Whether the condition of a branch takes its address too, as those that link do.
+template <auto condition>
+inline constexpr bool knowsPc = requires(FieldsOf<condition> fields, u64 pc) {
+    condition(fields, pc);
+};
+
+/// Whether a branch at `pc` is taken; links.
 template <auto condition>
 inline bool isTaken(const FieldsOf<condition>& fields, u64 pc) {
-    if constexpr (requires { condition(fields, pc); }) {
+    if constexpr (knowsPc<condition>) {
         return condition(fields, pc);
     } else {
         return condition(fields);

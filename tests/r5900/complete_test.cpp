@@ -90,6 +90,9 @@ TEST_F(CompleteProcessor, StopsOnTheInstructionAndSaysWhy) {
         EXPECT_TRUE(MipsCpu.pause == 1 && MipsCpu.PC == programStart && MipsCpu.GPR[out].low == 0x5555);
         const Lines lines = paneLines(paneEmuOutput);
         ASSERT_EQ(lines.size(), 1U);
+        start({jump(2, 0x100), word});
+        MipsUpdateCpu();
+        EXPECT_TRUE(MipsCpu.pause == 1 && MipsCpu.PC == programStart + 4) << "in a delay slot";
         EXPECT_TRUE(lines[0].starts_with("Stop at 00100000, ") && lines[0].ends_with(reason)) << lines[0];
     }
 }
