@@ -45,6 +45,9 @@ class Case {
         MipsCpu.GPR[jumpPointer].low = codeAddress + below(codeWords) * 4 + (oneIn(30) ? below(4) : 0);
         MipsCpu.GPR[instructionHolder].low = instruction();
         MipsCpu.GPR[r0].low = oneIn(4) ? number64() : 0;
+        if (r5900::processor->isComplete) {
+            MipsCpu.GPR[r0] = {};
+        }
         for (u8 i = 0; i < 32; ++i) {
             MipsCpu.FPR32[i] = std::bit_cast<f32>(oneIn(4) ? random() : 0x3F800000 + below(0x3000000));
             MipsCpu.FPR128[i].low = MipsCpu.FPR32Ptr(i);
