@@ -8,7 +8,11 @@
 namespace tarn::symbols {
 namespace {
 
+// Real programs stay far below these; one that is made to use the host's memory up does not.
 constexpr std::size_t deepestFrame = 1 << 20;
+constexpr std::size_t mostCalls = 1 << 20;
+constexpr u32 mostTargets = 256;  // of one instruction
+
 constexpr std::size_t framesSearched = 256;  // for where a return goes to
 constexpr u32 returnDistance = 8;            // from a call to where it returns
 
@@ -57,14 +61,16 @@ void ExecutionCounts::branch(u32 word, u64 pc, u64 target, const Costs& now) {
     }
 }
 
-u32 ExecutionCounts::callNumber(u32 site, u32 target) {
+std::optional<u32> ExecutionCounts::callNumber(u32 site, u32 target) {
     u32* link = &firstCall[site];
-    while (*link != 0) {
-        const u32 number = *link - 1;
-        if (allCalls[number].target == target) {
-            return number;
+    u32 targets = 0;
+    for (; *link != 0; link = &nextCall[*link - 1], ++targets) {
+        if (allCalls[*link - 1].target == target) {
+            return *link - 1;
         }
-        link = &nextCall[number];
+    }
+    if (targets == mostTargets || allCalls.size() == mostCalls) {
+        return std::nullopt;
     }
     *link = static_cast<u32>(allCalls.size() + 1);
     nextCall.push_back(0);
@@ -72,15 +78,17 @@ u32 ExecutionCounts::callNumber(u32 site, u32 target) {
     return static_cast<u32>(allCalls.size() - 1);
 }
 
+/// A call for which there is no room is ignored until it returns, with the calls in it.
 void ExecutionCounts::enter(u32 site, u32 target, u32 returnAddress, bool isJump, const Costs& now) {
-    if (frames.size() == deepestFrame) {
-        ++ignoredFrames;
+    const bool hasRoom = ignoredFrames == 0 && frames.size() < deepestFrame;
+    const std::optional<u32> call = hasRoom ? callNumber(site, target) : std::nullopt;
+    if (!call) {
+        ignoredFrames += isJump ? 0 : 1;  // a jump has no return of its own
         return;
     }
-    const u32 call = callNumber(site, target);
-    ++allCalls[call].count;
+    ++allCalls[*call].count;
     ++active[target];
-    frames.push_back({returnAddress, call, isJump, now});
+    frames.push_back({returnAddress, *call, isJump, now});
 }
 
 void ExecutionCounts::leave(const Costs& now) {
@@ -111,14 +119,7 @@ void ExecutionCounts::returnTo(u32 target, const Costs& now) {
 }
 
 void ExecutionCounts::transfer(u64 pc, u64 pixels, u64 words) {
-    const auto address = static_cast<u32>(pc) & ~3U;
-    const auto place = std::ranges::lower_bound(transfers, address, {}, &AddressCosts::address);
-    const Costs costs{0, pixels, words};
-    if (place != transfers.end() && place->address == address) {
-        place->costs += costs;
-    } else {
-        transfers.insert(place, {address, costs});
-    }
+    transfers[static_cast<u32>(pc) & ~3U] += {0, pixels, words};
 }
 
 void ExecutionCounts::finish(const Costs& now) {
@@ -136,8 +137,8 @@ std::vector<AddressCosts> ExecutionCounts::byAddress() const {
         count += change;
         if (count > 0) {
             Costs costs{static_cast<u64>(count), 0, 0};
-            if (started != transfers.end() && started->address == address) {
-                costs += started++->costs;
+            if (started != transfers.end() && started->first == address) {
+                costs += started++->second;
             }
             result.push_back({address, costs});
         }

@@ -5,7 +5,9 @@
 #include "machine/areas.h"
 
 #include <cstdlib>
+#include <map>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -96,7 +98,8 @@ class ExecutionCounts {
     void enter(u32 site, u32 target, u32 returnAddress, bool isJump, const Costs& now);
     void leave(const Costs& now);
     void returnTo(u32 target, const Costs& now);
-    u32 callNumber(u32 site, u32 target);
+    /// The index of a call in allCalls; nothing when there is no room for a new one.
+    std::optional<u32> callNumber(u32 site, u32 target);
 
     PerWord<s64> balance;    ///< lines that begin here, less those that end
     PerWord<u32> firstCall;  ///< from here: 1 + index in allCalls, or 0
@@ -105,8 +108,8 @@ class ExecutionCounts {
     std::vector<Call> allCalls;
     std::vector<u32> nextCall;  ///< from the same instruction, as in firstCall
     std::vector<Frame> frames;
-    u64 ignoredFrames = 0;  ///< beyond the deepest that are kept
-    std::vector<AddressCosts> transfers;
+    u64 ignoredFrames = 0;           ///< of calls for which there is no room
+    std::map<u32, Costs> transfers;  ///< by address
 };
 
 }  // namespace tarn::symbols
