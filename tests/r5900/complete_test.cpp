@@ -88,7 +88,7 @@ TEST_F(CompleteProcessor, StopsOnTheInstructionAndSaysWhy) {
         start({word});
         MipsUpdateCpu();
         EXPECT_TRUE(MipsCpu.pause == 1 && MipsCpu.PC == programStart && MipsCpu.GPR[out].low == 0x5555);
-        const Lines lines = paneLines(paneEmuOutput);
+        const Lines lines = paneLines(emuOutputPane);
         ASSERT_EQ(lines.size(), 1U);
         start({jump(2, 0x100), word});
         MipsUpdateCpu();
