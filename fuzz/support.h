@@ -65,9 +65,9 @@ inline std::size_t clearPages(std::span<u8> buffer) {
 inline void clearMemory() {
     constexpr std::size_t clearedAtMost = 0x10000;
     static std::size_t cleared = 0;
-    const auto area = [](u8* start, std::size_t size) { return std::span(start, size); };
-    const std::array areas{area(MipsMemory, mainMemorySize), area(SpecialAreaMemory, specialAreaSize),
-                           area(Gs.vRam, localMemoryBytes)};
+    const auto spanOf = [](u8* start, std::size_t size) { return std::span(start, size); };
+    const std::array areas{spanOf(MipsMemory, mainMemorySize), spanOf(SpecialAreaMemory, specialAreaSize),
+                           spanOf(Gs.vRam, localMemoryBytes)};
     for (const std::span<u8> area : areas) {
         cleared += clearPages(area);
     }
