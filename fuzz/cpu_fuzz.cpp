@@ -1,7 +1,8 @@
 // Instruction words and a seeded register file through the driver step, with every area mapped and the DMA
 // controller, the kernel calls and the renderer behind them. What the program leaves in memory lasts only
 // until the next input.
-#include "dma/dma_controller.h"
+#include "base/bits.h"
+#include "machine/devices.h"
 #include "r5900/delay_slot.h"
 #include "r5900/interpreter.h"
 #include "support.h"

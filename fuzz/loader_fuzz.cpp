@@ -54,8 +54,9 @@ void loadBios(const fuzz::MemoryFile& file, std::span<const u8> image) {
     BiosOpenFile(file.path());
     CopyBiosToMemory();
     const std::size_t copied = std::min<std::size_t>(image.size(), biosMemorySize);
-    fuzz::require(std::equal(image.begin(), image.begin() + static_cast<std::ptrdiff_t>(copied), BiosMemory),
-                  "the BIOS image is copied");
+    fuzz::require(
+        std::equal(image.begin(), image.begin() + static_cast<std::ptrdiff_t>(copied), BiosMemory.begin()),
+        "the BIOS image is copied");
     BiosCloseFile();
 }
 

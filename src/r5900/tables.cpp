@@ -44,6 +44,7 @@ constexpr Processor processorOf(Processors kind, std::initializer_list<std::span
     const bool complete = kind == Processors::Complete;
     Processor made{};
     made.isComplete = complete;
+    std::array<std::array<bool, 64>, tableCount> takenPlaces{};
     for (std::size_t table = 0; table < tableCount; ++table) {
         std::ranges::fill(tableIn(made.handlers, static_cast<Table>(table)),
                           complete ? stopAlways<Stop::NoInstruction> : NI);
@@ -56,14 +57,19 @@ constexpr Processor processorOf(Processors kind, std::initializer_list<std::span
             }
             for (std::size_t index = row.first; index <= row.last; ++index) {
                 const Row*& place = made.rows[static_cast<std::size_t>(row.table)][index];
-                if (place != nullptr) {
+                bool& taken = takenPlaces[static_cast<std::size_t>(row.table)][index];
+                if (taken) {
                     throw "two rows for one place";
                 }
+                taken = true;
                 place = &row;
                 tableIn(made.mnemonics, row.table)[index] = row.mnemonic;
                 const Operation* operation = complete ? row.complete : row.described;
+                // No comparison of `operation` with null: with sanitizers g++ does not take it for a
+                // constant.
+                const bool dispatches = row.next != Table::Normal;
                 tableIn(made.handlers, row.table)[index] =
-                    operation != nullptr ? operation->step : dispatchers[static_cast<std::size_t>(row.next)];
+                    dispatches ? dispatchers[static_cast<std::size_t>(row.next)] : operation->step;
             }
         }
     }
