@@ -1,4 +1,4 @@
-// Owns the breakpoints and watchpoints of a debugger.
+// The breakpoints and watchpoints of a debugger.
 #include "gdb/debug_points.h"
 
 #include "gdb/machine.h"

@@ -1,4 +1,4 @@
-// Declares the breakpoints and watchpoints that a debugger has set.
+// The breakpoints and watchpoints that a debugger has set.
 #pragma once
 
 #include "base/types.h"

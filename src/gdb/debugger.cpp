@@ -1,4 +1,4 @@
-// Owns the commands of the GDB remote serial protocol and the decision when the machine stops for the
+// The commands of the GDB remote serial protocol and the decision when the machine stops for the
 // debugger.
 #include "gdb/debugger.h"
 

@@ -1,4 +1,4 @@
-// Declares the debugger's side of the machine: what each packet asks, and when the running machine stops for
+// The debugger's side of the machine: what each packet asks, and when the running machine stops for
 // it.
 #pragma once
 

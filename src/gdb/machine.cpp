@@ -1,4 +1,4 @@
-// Owns the debugger's view of the machine: registers by number, memory without side effects.
+// The debugger's view of the machine: registers by number, memory without side effects.
 #include "gdb/machine.h"
 
 #include "machine/machine.h"

@@ -1,4 +1,4 @@
-// Declares the debugger's view of the machine: numbered registers, and memory without side effects.
+// The debugger's view of the machine: numbered registers, and memory without side effects.
 #pragma once
 
 #include "base/types.h"

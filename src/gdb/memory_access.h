@@ -1,4 +1,4 @@
-// Declares the look ahead at the load or store that the next driver step makes.
+// The look ahead at the load or store that the next driver step makes.
 #pragma once
 
 #include "base/types.h"

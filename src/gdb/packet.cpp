@@ -1,4 +1,4 @@
-// Owns the framing of the GDB remote serial protocol.
+// The framing of the GDB remote serial protocol.
 #include "gdb/packet.h"
 
 namespace tarn::gdb {

@@ -1,4 +1,4 @@
-// Declares the framing of the GDB remote serial protocol: bytes to packets and back, and its hexadecimal
+// The framing of the GDB remote serial protocol: bytes to packets and back, and its hexadecimal
 // numbers.
 #pragma once
 

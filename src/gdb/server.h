@@ -1,4 +1,4 @@
-// Declares the debugger's connection: a loopback TCP port, and the run of the machine between its packets.
+// The debugger's connection: a loopback TCP port, and the run of the machine between its packets.
 #pragma once
 
 #include "base/types.h"

@@ -1,4 +1,4 @@
-// Owns the palette conversions: the order of entries and the widening of 16-bit colours.
+// The palette conversions: the order of entries and the widening of 16-bit colours.
 #include "gs/transfer.h"
 #include "machine/machine.h"
 

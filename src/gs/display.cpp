@@ -1,4 +1,4 @@
-// Owns the display: opening and closing it on a host surface, and presenting a frame there.
+// The display: opening and closing it on a host surface, and presenting a frame there.
 #include "gs/display.h"
 
 #include "base/diagnostics.h"

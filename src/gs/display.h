@@ -1,4 +1,4 @@
-// Declares the display output: the renderer's configuration, the conversion to the host surface, snapshots.
+// The display output: the renderer's configuration, the conversion to the host surface, snapshots.
 #pragma once
 
 #include "base/types.h"

@@ -1,4 +1,4 @@
-// Owns the renderer's configuration: read from the configuration file, saved per user.
+// The renderer's configuration: read from the configuration file, saved per user.
 #include "base/ini_file.h"
 #include "gs/display.h"
 #include "machine/settings.h"

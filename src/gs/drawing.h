@@ -1,4 +1,4 @@
-// Declares the drawing routines. Each takes its vertices one after another, free of the drawing offset and
+// The drawing routines. Each takes its vertices one after another, free of the drawing offset and
 // clipped, and draws in the current context; nothing of one call lives on in the next.
 #pragma once
 

@@ -1,4 +1,4 @@
-// Owns the GIF packet parser: tags, and the PACKED, REGLIST and IMAGE forms of their data.
+// The GIF packet parser: tags, and the PACKED, REGLIST and IMAGE forms of their data.
 #include "gs/gif.h"
 
 #include "base/bits.h"

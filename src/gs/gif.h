@@ -1,4 +1,4 @@
-// Declares the steps of the GIF packet parser below the transfer entry points.
+// The steps of the GIF packet parser below the transfer entry points.
 #pragma once
 
 #include "base/types.h"

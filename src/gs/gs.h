@@ -1,4 +1,4 @@
-// Declares the entry points of the Graphics Synthesizer, by their plug-in names.
+// The entry points of the Graphics Synthesizer, by their plug-in names.
 #pragma once
 
 #include "base/types.h"

@@ -1,4 +1,4 @@
-// Declares the renderer's log, for debugging: off, and without a stream, unless a debugger or test sets both.
+// The renderer's log, for debugging: off, and without a stream, unless a debugger or test sets both.
 #pragma once
 
 #include "base/types.h"

@@ -1,4 +1,4 @@
-// Owns the pixel formats of the host: how a GS word (red in bits 0-7, green 8-15, blue 16-23) is stored in
+// The pixel formats of the host: how a GS word (red in bits 0-7, green 8-15, blue 16-23) is stored in
 // each. Channels are cut, not rounded.
 #pragma once
 

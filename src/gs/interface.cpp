@@ -1,4 +1,4 @@
-// Owns the renderer's life cycle: identification, local memory, start values, and the plain entry points.
+// The renderer's life cycle: identification, local memory, start values, and the plain entry points.
 #include "base/buffer.h"
 #include "gs/display.h"
 #include "gs/gs.h"

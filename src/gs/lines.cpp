@@ -1,4 +1,4 @@
-// Owns lines: Bresenham's walk from the first vertex up to, not including, the second.
+// Lines: Bresenham's walk from the first vertex up to, not including, the second.
 #include "gs/drawing.h"
 #include "gs/local_memory.h"
 #include "gs/pixel_writers.h"

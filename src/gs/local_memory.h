@@ -1,4 +1,4 @@
-// Owns the addressing of local memory: one rule, every index wraps at the 4 MB.
+// The addressing of local memory: one rule, every index wraps at the 4 MB.
 #pragma once
 
 #include "machine/machine.h"

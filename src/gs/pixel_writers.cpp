@@ -1,4 +1,4 @@
-// Owns the pixel writers: alpha test, store, and the opt-in blending.
+// The pixel writers: alpha test, store, and the opt-in blending.
 #include "gs/pixel_writers.h"
 
 #include "base/bits.h"

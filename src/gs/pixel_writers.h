@@ -1,4 +1,4 @@
-// Declares the pixel writers: the alpha test and the store that end a pixel, chosen once per drawing call.
+// The pixel writers: the alpha test and the store that end a pixel, chosen once per drawing call.
 #pragma once
 
 #include "machine/machine.h"

@@ -1,4 +1,4 @@
-// Owns the copies of the displayed rectangle to a host surface: four pixel formats, 1:1 or stretched.
+// The copies of the displayed rectangle to a host surface: four pixel formats, 1:1 or stretched.
 #include "gs/display.h"
 #include "gs/host_pixels.h"
 #include "gs/local_memory.h"

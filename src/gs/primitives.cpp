@@ -1,4 +1,4 @@
-// Owns the primitive entries: offset removal, clipping, texel coordinates and the choice of the routine.
+// The primitive entries: offset removal, clipping, texel coordinates and the choice of the routine.
 #include "gs/primitives.h"
 
 #include "gs/drawing.h"

@@ -1,4 +1,4 @@
-// Declares the vertex kick, the tables of primitive types and the set-up that every drawing routine relies
+// The vertex kick, the tables of primitive types and the set-up that every drawing routine relies
 // on.
 #pragma once
 

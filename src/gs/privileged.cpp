@@ -1,4 +1,4 @@
-// Owns the privileged registers, which the guest reaches by address: display set-up, CSR, the field bit.
+// The privileged registers, which the guest reaches by address: display set-up, CSR, the field bit.
 #include "base/bits.h"
 #include "gs/gs.h"
 #include "gs/local_memory.h"

@@ -1,4 +1,4 @@
-// Owns the general registers: which bits become which field, and what a write does besides.
+// The general registers: which bits become which field, and what a write does besides.
 #include "gs/registers.h"
 
 #include "base/bits.h"

@@ -1,4 +1,4 @@
-// Declares the general registers: their addresses, the write, and the choice of the drawing context.
+// The general registers: their addresses, the write, and the choice of the drawing context.
 #pragma once
 
 #include "base/types.h"

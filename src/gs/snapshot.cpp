@@ -1,4 +1,4 @@
-// Owns the snapshot: local memory as a numbered BMP file.
+// The snapshot: local memory as a numbered BMP file.
 #include "gs/gs.h"
 #include "gs/host_pixels.h"
 #include "gs/local_memory.h"

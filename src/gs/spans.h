@@ -1,4 +1,4 @@
-// Owns span filling: the loop over a row's pixels, put together from a colour source, a depth method and an
+// Span filling: the loop over a row's pixels, put together from a colour source, a depth method and an
 // end for the pixel. All three are chosen once per primitive, so the loop itself branches on no state.
 //
 // A colour source stands on a pixel of a row. It has

@@ -1,4 +1,4 @@
-// Owns sprites: rectangles given by two corners, flat, depth-tested or textured, and the palettes of the
+// Sprites: rectangles given by two corners, flat, depth-tested or textured, and the palettes of the
 // indexed textures.
 #include "gs/drawing.h"
 #include "gs/local_memory.h"

@@ -1,4 +1,4 @@
-// Owns image transfers: from the GIF into local memory, and within local memory.
+// Image transfers: from the GIF into local memory, and within local memory.
 #include "gs/transfer.h"
 
 #include "gs/local_memory.h"

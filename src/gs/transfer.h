@@ -1,4 +1,4 @@
-// Declares image transfers into and within local memory, and the palette conversions.
+// Image transfers into and within local memory, and the palette conversions.
 #pragma once
 
 #include "base/types.h"

@@ -1,4 +1,4 @@
-// Owns triangle set-up and the edge walk. A triangle is sorted by y and cut into a left and a right chain of
+// Triangle set-up and the edge walk. A triangle is sorted by y and cut into a left and a right chain of
 // sections, listed from the bottom vertex upwards; the left edge carries the attributes, one row at a time.
 // Written once for all that any variant carries; coordinates and attributes are 16.16 unless stated.
 #pragma once

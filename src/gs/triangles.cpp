@@ -1,4 +1,4 @@
-// Owns the eight triangle routines: colour sources that follow the edge walk, and the rows filled from them.
+// The eight triangle routines: colour sources that follow the edge walk, and the rows filled from them.
 #include "gs/drawing.h"
 #include "gs/spans.h"
 #include "gs/triangle_setup.h"

@@ -1,4 +1,4 @@
-// Owns the vertex queue: when a primitive is complete, and what stays in the queue for the next one.
+// The vertex queue: when a primitive is complete, and what stays in the queue for the next one.
 #include "gs/primitives.h"
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// Owns what the registers of a vertex do. Inline, since most of a display list writes no others.
+// What the registers of a vertex do. Inline, since most of a display list writes no others.
 #pragma once
 
 #include "base/bits.h"

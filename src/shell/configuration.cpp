@@ -1,4 +1,4 @@
-// Owns the reading of ./tarn.ini into the settings.
+// The reading of ./tarn.ini into the settings.
 #include "base/ini_file.h"
 #include "machine/settings.h"
 #include "shell/configuration_check.h"

@@ -1,4 +1,4 @@
-// Owns the list of the configuration file's keys and the warnings about what does not fit it.
+// The list of the configuration file's keys and the warnings about what does not fit it.
 #include "shell/configuration_check.h"
 
 #include "base/ini_file.h"

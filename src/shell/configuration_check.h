@@ -1,4 +1,4 @@
-// Declares the warnings about a configuration file that cannot mean what it says.
+// The warnings about a configuration file that cannot mean what it says.
 #pragma once
 
 namespace tarn {

@@ -1,4 +1,4 @@
-// Declares the event filter, through which all input comes.
+// The event filter, through which all input comes.
 #pragma once
 
 #include "base/types.h"

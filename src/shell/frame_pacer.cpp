@@ -1,4 +1,4 @@
-// Owns the pacing of the picture. It sleeps in short pieces, between which the main loop takes input.
+// The pacing of the picture. It sleeps in short pieces, between which the main loop takes input.
 #include "shell/frame_pacer.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Declares the pacing of the picture to a number of vertical blanks a second.
+// The pacing of the picture to a number of vertical blanks a second.
 #pragma once
 
 #include "base/types.h"

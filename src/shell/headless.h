@@ -1,4 +1,4 @@
-// Declares a run of the machine without a window.
+// A run of the machine without a window.
 #pragma once
 
 #include "shell/headless_options.h"

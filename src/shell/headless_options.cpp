@@ -1,4 +1,4 @@
-// Owns the command line of tarn-headless.
+// The command line of tarn-headless.
 #include "shell/headless_options.h"
 
 #include <charconv>

@@ -1,4 +1,4 @@
-// Declares the command line of tarn-headless.
+// The command line of tarn-headless.
 #pragma once
 
 #include "base/types.h"

@@ -1,4 +1,4 @@
-// Owns the writing of result files, with every error found and reported.
+// The writing of result files, with every error found and reported.
 #include "shell/output_files.h"
 
 #include <cerrno>

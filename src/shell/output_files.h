@@ -1,4 +1,4 @@
-// Declares the files that a run without a window leaves behind.
+// The files that a run without a window leaves behind.
 #pragma once
 
 #include "base/file.h"

@@ -1,4 +1,4 @@
-// Owns the line that shows how far a long run has come.
+// The line that shows how far a long run has come.
 #include "shell/progress_line.h"
 
 #include <algorithm>

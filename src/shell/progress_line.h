@@ -1,4 +1,4 @@
-// Declares the line that shows how far a long run has come.
+// The line that shows how far a long run has come.
 #pragma once
 
 #include "base/types.h"

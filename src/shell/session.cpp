@@ -1,4 +1,4 @@
-// Owns what both programs set up around the machine.
+// What both programs set up around the machine.
 #include "shell/session.h"
 
 #include "gui/pane_sinks.h"

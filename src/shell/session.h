@@ -1,4 +1,4 @@
-// Declares what both programs set up around the machine: version, MainScreen, the panes, signals.
+// What both programs set up around the machine: version, MainScreen, the panes, signals.
 #pragma once
 
 #include "gui/screen.h"
