@@ -18,6 +18,11 @@ if(NOT SDL_FOUND)
     tarn_missing("SDL 1.2" libsdl1.2-dev)
 endif()
 
+pkg_check_modules(ZSTD IMPORTED_TARGET libzstd)
+if(NOT ZSTD_FOUND)
+    tarn_missing("zstd" libzstd-dev)
+endif()
+
 find_path(INIPARSER_INCLUDE_DIR iniparser.h PATH_SUFFIXES iniparser)
 find_library(INIPARSER_LIBRARY iniparser)
 if(NOT INIPARSER_INCLUDE_DIR OR NOT INIPARSER_LIBRARY)

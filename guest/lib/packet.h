@@ -10,7 +10,7 @@ void dmaSend(const void* data, u32 quadwords);
 /// A packet under construction. When its memory is full, what there is goes out and the packet goes on.
 typedef struct {
     Quadword* memory;
-    u32 capacity;  ///< quadwords, at least 4
+    u32 capacity;  ///< quadwords: more than any tag has descriptors, and at least 4
     u32 count;
     u32 tag;  ///< index of the open tag; `capacity` when none is open
     u32 registerCount;

@@ -1,11 +1,14 @@
 // The breakpoints and watchpoints of a debugger.
 #include "gdb/debug_points.h"
 
-#include "gdb/machine.h"
+#include "gdb/packet.h"
 
 #include <algorithm>
+#include <array>
 
 namespace tarn::gdb {
+
+using history::placeOf;
 
 namespace {
 
@@ -60,6 +63,15 @@ std::optional<WatchHit> DebugPoints::watchHit(const MemoryAccess& access) const 
         }
     }
     return std::nullopt;
+}
+
+std::string watchReply(const WatchHit& hit) {
+    const char* kind = hit.kind == WatchKind::Write  ? "watch"
+                       : hit.kind == WatchKind::Read ? "rwatch"
+                                                     : "awatch";
+    const std::array<u8, 4> digits = {static_cast<u8>(hit.address >> 24), static_cast<u8>(hit.address >> 16),
+                                      static_cast<u8>(hit.address >> 8), static_cast<u8>(hit.address)};
+    return std::string("T05") + kind + ":" + toHex(digits) + ";";
 }
 
 }  // namespace tarn::gdb

@@ -2,12 +2,15 @@
 #pragma once
 
 #include "base/types.h"
-#include "gdb/memory_access.h"
+#include "history/memory_access.h"
 
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace tarn::gdb {
+
+using history::MemoryAccess;
 
 enum class WatchKind : u8 { Write, Read, Access };
 
@@ -24,6 +27,9 @@ struct WatchHit {
     WatchKind kind = WatchKind::Write;
     u32 address = 0;
 };
+
+/// The stop reply that names the watchpoint and the watched address.
+std::string watchReply(const WatchHit& hit);
 
 /// The points at which the machine is to stop. Bounded: a point too many is refused.
 ///

@@ -1,5 +1,4 @@
-// The commands of the GDB remote serial protocol and the decision when the machine stops for the
-// debugger.
+// The commands of the GDB remote serial protocol, and the decision when the machine stops for the debugger.
 #include "gdb/debugger.h"
 
 #include "gdb/machine.h"
@@ -31,6 +30,7 @@ constexpr const char* stoppedByInstruction = "S04";  // SIGILL
 constexpr const char* stoppedByMemory = "S0b";       // SIGSEGV
 constexpr const char* stoppedBySystemCall = "S0c";   // SIGSYS
 
+constexpr std::string_view monitorPacket = "qRcmd,";
 constexpr std::size_t longestRead = maximumPacket / 2;
 
 /// Why the CPU has paused: what its last instruction could not do.
@@ -56,6 +56,10 @@ std::array<u8, 8> littleEndian(u64 value) {
     std::array<u8, 8> bytes{};
     std::memcpy(bytes.data(), &value, bytes.size());
     return bytes;
+}
+
+std::string hexOf(std::string_view text) {
+    return toHex({reinterpret_cast<const u8*>(text.data()), text.size()});
 }
 
 std::string registerDigits(unsigned number) {
@@ -182,7 +186,7 @@ std::string query(std::string_view packet) {
     if (packet == "qSupported" || packet.starts_with("qSupported:")) {
         constexpr u16 size = maximumPacket;
         const std::array<u8, 2> digits = {static_cast<u8>(size >> 8), static_cast<u8>(size & 0xFF)};
-        return "PacketSize=" + toHex(digits) + ";QStartNoAckMode+;qXfer:features:read+";
+        return "PacketSize=" + toHex(digits) + ";QStartNoAckMode+;qXfer:features:read+;vContSupported+";
     }
     if (packet.starts_with(readFeatures)) {
         return readTargetDescription(packet.substr(readFeatures.size()));
@@ -234,16 +238,6 @@ std::string changePoint(std::string_view packet, DebugPoints& points) {
     return points.addWatchpoint(watchpoint) ? ok : noRoom;
 }
 
-/// The stop reply that names the watchpoint and the watched address.
-std::string watchReply(const WatchHit& hit) {
-    const char* kind = hit.kind == WatchKind::Write  ? "watch"
-                       : hit.kind == WatchKind::Read ? "rwatch"
-                                                     : "awatch";
-    const std::array<u8, 4> digits = {static_cast<u8>(hit.address >> 24), static_cast<u8>(hit.address >> 16),
-                                      static_cast<u8>(hit.address >> 8), static_cast<u8>(hit.address)};
-    return std::string("T05") + kind + ":" + toHex(digits) + ";";
-}
-
 }  // namespace
 
 void Debugger::attach() {
@@ -259,6 +253,7 @@ void Debugger::drop() {
 
 std::optional<std::string> Debugger::stop(std::string reply) {
     current = Mode::Stopped;
+    rangeFirst = rangeEnd = 0;
     lastStop = std::move(reply);
     return lastStop;
 }
@@ -270,7 +265,13 @@ std::optional<std::string> Debugger::resume(Mode how, std::string_view address) 
             return badArguments;
         }
         MipsCpu.PC = *pc;
+        altered = true;
     }
+    if (altered && timeline != nullptr) {
+        timeline->begin();
+    }
+    altered = false;
+    stepped = false;
     MipsCpu.pause = 0;  // what could not be executed is tried again
     current = how;
     return std::nullopt;
@@ -285,6 +286,45 @@ std::optional<std::string> Debugger::resumeWithSignal(Mode how, std::string_view
     return resume(how, arguments);
 }
 
+/// The first action of vCont; there is one thread.
+std::optional<std::string> Debugger::resumeThreads(std::string_view actions) {
+    if (actions.empty() || actions.front() != ';') {
+        return badArguments;
+    }
+    actions.remove_prefix(1);
+    actions = actions.substr(0, actions.find_first_of(":;"));
+    if (actions.empty()) {
+        return badArguments;
+    }
+    const char action = actions.front();
+    actions.remove_prefix(1);
+    switch (action) {
+    case 'c':
+    case 'C':
+        return resume(Mode::Running, {});
+    case 's':
+    case 'S':
+        return resume(Mode::Step, {});
+    case 'r':
+        if (const std::optional<u64> first = takeHex(actions); first && takeCharacter(actions, ',')) {
+            if (const std::optional<u64> end = takeHex(actions)) {
+                rangeFirst = static_cast<u32>(*first);
+                rangeEnd = static_cast<u32>(*end);
+                return resume(Mode::Step, {});
+            }
+        }
+        return badArguments;
+    default:
+        return badArguments;
+    }
+}
+
+/// Notes what a packet has written: history begins anew when the machine moves.
+std::string Debugger::changed(std::string reply) {
+    altered = altered || reply == ok;
+    return reply;
+}
+
 std::optional<std::string> Debugger::answer(std::string_view packet) {
     if (packet.empty()) {
         return unknownPacket;
@@ -296,17 +336,17 @@ std::optional<std::string> Debugger::answer(std::string_view packet) {
     case 'g':
         return readAllRegisters();
     case 'G':
-        return writeAllRegisters(arguments);
+        return changed(writeAllRegisters(arguments));
     case 'p':
         return readOneRegister(arguments);
     case 'P':
-        return writeOneRegister(arguments);
+        return changed(writeOneRegister(arguments));
     case 'm':
         return readMemoryDigits(arguments);
     case 'M':
-        return writeMemoryFrom(arguments, true);
+        return changed(writeMemoryFrom(arguments, true));
     case 'X':
-        return writeMemoryFrom(arguments, false);
+        return changed(writeMemoryFrom(arguments, false));
     case 'Z':
     case 'z':
         return changePoint(packet, points);
@@ -322,7 +362,17 @@ std::optional<std::string> Debugger::answer(std::string_view packet) {
     case 'T':
         return ok;  // there is one thread
     case 'q':
+        if (packet.starts_with(monitorPacket)) {
+            const std::optional<std::string> command = fromHex(packet.substr(monitorPacket.size()));
+            return command ? hexOf(monitor(*command)) : badArguments;
+        }
+        if (timeline != nullptr && packet.starts_with("qSupported")) {
+            return query(packet) + ";ReverseStep+;ReverseContinue+";
+        }
         return query(packet);
+    case 'b':
+        return timeline != nullptr && (packet == "bs" || packet == "bc") ? goBack(packet == "bs")
+                                                                         : unknownPacket;
     case 'D':
         drop();
         resume(Mode::Running, {});
@@ -334,6 +384,12 @@ std::optional<std::string> Debugger::answer(std::string_view packet) {
         if (packet.starts_with("vKill")) {
             current = Mode::Killed;
             return ok;
+        }
+        if (packet == "vCont?") {
+            return "vCont;c;C;s;S;r";
+        }
+        if (packet.starts_with("vCont")) {
+            return resumeThreads(packet.substr(5));
         }
         return unknownPacket;
     default:
@@ -347,11 +403,11 @@ std::optional<std::string> Debugger::interrupt() {
 
 std::optional<std::string> Debugger::beforeStep() {
     // A single step starts where the debugger stands, so only a continued run looks at breakpoints.
-    if (current == Mode::Running && points.breaksAt(MipsCpu.PC)) {
+    if ((current == Mode::Running || stepped) && points.breaksAt(MipsCpu.PC)) {
         return stop(stoppedByTrap);
     }
     if (points.watching()) {
-        if (const std::optional<MemoryAccess> access = nextMemoryAccess()) {
+        if (const std::optional<history::MemoryAccess> access = history::nextMemoryAccess()) {
             if (const std::optional<WatchHit> hit = points.watchHit(*access)) {
                 return stop(watchReply(*hit));
             }
@@ -364,7 +420,12 @@ std::optional<std::string> Debugger::afterStep() {
     if (MipsCpu.pause != 0 && attached) {
         return stop(pauseReason());
     }
-    return current == Mode::Step ? stop(stoppedByTrap) : std::nullopt;
+    if (current != Mode::Step) {
+        return std::nullopt;
+    }
+    stepped = true;
+    const u64 pc = static_cast<u32>(MipsCpu.PC);
+    return pc >= rangeFirst && pc < rangeEnd ? std::nullopt : stop(stoppedByTrap);
 }
 
 }  // namespace tarn::gdb

@@ -1,9 +1,10 @@
-// The debugger's side of the machine: what each packet asks, and when the running machine stops for
-// it.
+// The debugger's side of the machine: what each packet asks, and when the running machine stops for it.
 #pragma once
 
 #include "base/types.h"
 #include "gdb/debug_points.h"
+#include "history/timeline.h"
+#include "symbols/symbol_table.h"
 
 #include <optional>
 #include <string>
@@ -15,6 +16,9 @@ namespace tarn::gdb {
 /// caller's.
 class Debugger {
   public:
+    /// Without a timeline the machine runs forwards only. Both live as long as the debugger.
+    Debugger(history::Timeline* past, const symbols::SymbolTable& names) : timeline(past), symbols(names) {}
+
     /// Whether driver steps are to be made now.
     enum class Mode : u8 {
         Stopped,  ///< none until the debugger says so
@@ -45,6 +49,9 @@ class Debugger {
     /// Whether there are breakpoints or watchpoints; otherwise beforeStep() has nothing to say.
     bool hasPoints() const { return !points.empty(); }
 
+    /// Writes the picture to a file for a user; false when it cannot.
+    bool (*writePicture)(const std::string& path) = nullptr;
+
     /// To be called before each driver step: the stop reply when a breakpoint or a watchpoint keeps it from
     /// being made.
     std::optional<std::string> beforeStep();
@@ -57,7 +64,19 @@ class Debugger {
     std::optional<std::string> stop(std::string reply);
     std::optional<std::string> resume(Mode how, std::string_view address);
     std::optional<std::string> resumeWithSignal(Mode how, std::string_view arguments);
+    std::optional<std::string> resumeThreads(std::string_view actions);
+    std::optional<std::string> goBack(bool oneStep);
+    std::optional<std::string> hitBefore();
+    std::string changed(std::string reply);
+    std::string monitor(std::string_view command);
+    std::string monitorMove(std::string_view name, std::string_view arguments);
 
+    history::Timeline* timeline;
+    const symbols::SymbolTable& symbols;
+    bool altered = false;  ///< the user has written to the machine since it last moved
+    u64 rangeFirst = 0;    ///< Mode::Step goes on while PC is in this range
+    u64 rangeEnd = 0;
+    bool stepped = false;  ///< Mode::Step has left the place that it started from
     Mode current = Mode::Stopped;
     bool attached = false;
     DebugPoints points;

@@ -1,12 +1,17 @@
 // The debugger's view of the machine: registers by number, memory without side effects.
 #include "gdb/machine.h"
 
+#include "history/memory_access.h"
 #include "machine/machine.h"
 #include "r5900/fpu_registers.h"
 
 #include <bit>
 
 namespace tarn::gdb {
+
+using history::biosFirst;
+using history::placeOf;
+using history::wordOf;
 
 namespace {
 
@@ -16,13 +21,6 @@ constexpr unsigned cp0Status = 12;
 constexpr unsigned cp0Cause = 13;
 constexpr unsigned fcrFir = 0;
 constexpr unsigned fcrFcsr = 31;
-
-constexpr u32 biosFirst = 0x1FC00000;
-constexpr u32 biosMask = biosMemorySize - 1;
-
-/// The aligned word that a byte lies in. The areas begin and end on words, and the memory map, which tests
-/// the start of an access, takes every word of main memory, but not every byte.
-constexpr u32 wordOf(u32 address) { return address & ~3U; }
 
 constexpr bool isSpecialArea(u32 place) { return place - specialAreaFirst < specialAreaSize; }
 
@@ -134,16 +132,6 @@ void writeRegister(unsigned number, u64 value) {
 const std::string& targetDescription() {
     static const std::string description = buildTargetDescription();
     return description;
-}
-
-u32 placeOf(u32 address, Access access) {
-    const u32 word = wordOf(address);
-    if (access == Access::Load && isBios(word)) {
-        return biosFirst | (address & biosMask);
-    }
-    const u32 offset = access == Access::Load ? mainMemoryOffset<Access::Load>(word, sizeof(u32))
-                                              : mainMemoryOffset<Access::Store>(word, sizeof(u32));
-    return offset == notMainMemory ? address : offset + (address - word);
 }
 
 std::size_t readMemory(u32 address, std::span<u8> bytes) {

@@ -48,7 +48,4 @@ std::size_t readMemory(u32 address, std::span<u8> bytes);
 /// special area. The DMA controller does not see stores to its registers.
 bool writeMemory(u32 address, std::span<const u8> bytes);
 
-/// Where a load from `address`, or a store to it, ends up: the same for all views of one byte of the machine.
-u32 placeOf(u32 address, Access access);
-
 }  // namespace tarn::gdb

@@ -1,6 +1,7 @@
 // The debugger's connection and the loop that runs the machine between its packets.
 #include "gdb/server.h"
 
+#include "base/diagnostics.h"
 #include "machine/machine.h"
 #include "machine/run_loop.h"
 
@@ -8,6 +9,7 @@
 #include <arpa/inet.h>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <netinet/in.h>
@@ -15,12 +17,13 @@
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
+#include <utility>
 
 namespace tarn::gdb {
 
 namespace {
 
-constexpr u32 stepsPerLook = 4096;  ///< driver steps between two looks at the connection
+constexpr u32 stepsPerLook = 1 << 16;  ///< driver steps between two looks at the connection
 constexpr int idleMilliseconds =
     100;  ///< how long a stopped machine waits before it asks whether the run is over
 constexpr int sendMilliseconds = 2000;  ///< a debugger that takes no bytes for so long is dropped
@@ -28,7 +31,17 @@ constexpr int sendMilliseconds = 2000;  ///< a debugger that takes no bytes for 
 /// Waits until the descriptor is ready for `events`; false when it is not within the time.
 bool ready(int descriptor, short events, int milliseconds) {
     pollfd entry{descriptor, events, 0};
-    return poll(&entry, 1, milliseconds) > 0;
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+    int left = milliseconds;
+    for (;;) {
+        const int count = poll(&entry, 1, left);
+        if (count >= 0 || errno != EINTR || events != POLLOUT) {
+            return count > 0;  // a wait for packets may end early: the caller has signals to look at
+        }
+        const auto rest = end - std::chrono::steady_clock::now();
+        left = std::max(
+            0, static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(rest).count()));
+    }
 }
 
 }  // namespace
@@ -103,20 +116,35 @@ Server::Finish Server::runUntilFinished(const RunLimits& limits, bool (*interrup
             exchange(0);
             continue;  // the packets may have changed the mode
         }
-        if (debugger.mode() == Debugger::Mode::Running && !debugger.hasPoints()) {
-            runSteps(std::min(nextLook, limits.steps) - now);
-        } else if (const std::optional<std::string> stopped = debugger.beforeStep()) {
+        if (const std::optional<std::string> stopped = debugger.beforeStep()) {
             reply(*stopped);
             continue;
-        } else {
-            while (!driverStep() && !interrupted()) {
-            }
         }
+        advance(std::min(nextLook, limits.steps), interrupted);
         if (const std::optional<std::string> stopped = debugger.afterStep()) {
             reply(*stopped);
         } else if (machineRests()) {
             return Finish::Paused;
         }
+    }
+}
+
+/// One step, or as many as nothing can stop up to `limit`. What was heard before is not said again.
+void Server::advance(u64 limit, bool (*interrupted)()) {
+    const u64 now = machine.counters.driverSteps;
+    std::optional<MutedDiagnostics> muted;
+    if (timeline != nullptr && now < timeline->furthest()) {
+        muted.emplace();
+        limit = std::min(limit, timeline->furthest());
+    }
+    if (debugger.mode() == Debugger::Mode::Running && !debugger.hasPoints()) {
+        runSteps(limit - now);
+    } else {
+        while (!driverStep() && !interrupted()) {
+        }
+    }
+    if (timeline != nullptr) {
+        timeline->look();
     }
 }
 
@@ -132,14 +160,17 @@ void Server::exchange(int timeout) {
 }
 
 void Server::acceptDebugger() {
+    // A debugger that has gone again, or no descriptor to be had, must not make the wait a busy one.
     connection.reset(accept4(listener.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
     if (!connection.open()) {
+        poll(nullptr, 0, idleMilliseconds);
         return;
     }
     const int on = 1;
     setsockopt(connection.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     reader = PacketReader();
     lastReply.clear();
+    pendingSign.clear();
     acknowledging = true;
     debugger.attach();
 }
@@ -157,6 +188,9 @@ void Server::receive() {
     for (ssize_t i = 0; i < count && connection.open(); ++i) {
         take(bytes[static_cast<std::size_t>(i)]);
     }
+    if (!pendingSign.empty()) {  // a packet without a reply yet
+        send(std::exchange(pendingSign, {}));
+    }
 }
 
 void Server::take(char byte) {
@@ -172,10 +206,10 @@ void Server::take(char byte) {
         }
         break;
     case PacketReader::Event::Corrupt:
-        send("-");
+        acknowledge("-");
         break;
     case PacketReader::Event::Oversized:
-        send("+");
+        acknowledge("+");
         reply("E07");
         break;
     case PacketReader::Event::Refused:
@@ -185,7 +219,7 @@ void Server::take(char byte) {
 }
 
 void Server::takePacket(const std::string& packet) {
-    acknowledge();
+    acknowledge("+");
     if (packet == "QStartNoAckMode") {
         reply("OK");
         acknowledging = false;
@@ -199,15 +233,16 @@ void Server::takePacket(const std::string& packet) {
     }
 }
 
-void Server::acknowledge() {
+/// Says whether a packet has arrived well, together with the reply if there is one.
+void Server::acknowledge(const char* sign) {
     if (acknowledging) {
-        send("+");
+        pendingSign += sign;
     }
 }
 
 void Server::reply(const std::string& payload) {
     lastReply = framePacket(payload);
-    send(lastReply);
+    send(std::exchange(pendingSign, {}) + lastReply);
 }
 
 void Server::send(const std::string& bytes) {
@@ -217,7 +252,9 @@ void Server::send(const std::string& bytes) {
             ::send(connection.get(), bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL | MSG_DONTWAIT);
         if (count > 0) {
             sent += static_cast<std::size_t>(count);
-        } else if (errno == EAGAIN || errno == EINTR) {
+        } else if (errno == EINTR) {
+            continue;
+        } else if (errno == EAGAIN) {
             if (!ready(connection.get(), POLLOUT, sendMilliseconds)) {
                 closeConnection();
             }

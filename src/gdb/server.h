@@ -29,6 +29,13 @@ class Descriptor {
 /// One debugger at a time, on a port of the loopback interface.
 class Server {
   public:
+    /// With a timeline, which must be begun before run(), the machine can be run backwards.
+    Server(history::Timeline* past, const symbols::SymbolTable& names)
+        : timeline(past), debugger(past, names) {}
+
+    /// Has `monitor picture` write the picture with this function.
+    void setPictureWriter(bool (*writer)(const std::string& path)) { debugger.writePicture = writer; }
+
     /// Listens on `port`, or on any free one when it is 0, and says so on standard error.
     /// False, with the reason on standard error, when the port cannot be had.
     bool listen(u16 port);
@@ -53,16 +60,19 @@ class Server {
     void receive();
     void take(char byte);
     void takePacket(const std::string& packet);
-    void acknowledge();
+    void acknowledge(const char* sign);
+    void advance(u64 limit, bool (*interrupted)());
     void reply(const std::string& payload);
     void send(const std::string& bytes);
     void closeConnection();
 
+    history::Timeline* timeline;
     Descriptor listener;
     Descriptor connection;
     PacketReader reader;
     Debugger debugger;
     std::string lastReply;      ///< as it was sent, for a debugger that did not get it
+    std::string pendingSign;    ///< acknowledgements that go out with the reply
     bool acknowledging = true;  ///< until the debugger asks for the mode without
 };
 

@@ -4,6 +4,9 @@
 #include "base/diagnostics.h"
 #include "gdb/server.h"
 #include "gs/gs.h"
+#include "history/report.h"
+#include "history/state_file.h"
+#include "machine/devices.h"
 #include "machine/machine.h"
 #include "machine/run_loop.h"
 #include "machine/settings.h"
@@ -22,6 +25,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <span>
 
 namespace tarn {
 namespace {
@@ -31,6 +35,7 @@ enum class End { stepLimit, frameLimit, signal, paused, killed, startFailed };
 OutputFile traceFile;
 OutputFile profileFile;
 OutputFile coverageFile;
+history::Timeline* past = nullptr;  ///< while checkpoints are taken
 ProgressLine progress;
 
 /// What the program says of itself, read when it is first asked for.
@@ -81,6 +86,9 @@ RunLimits limitsOf(const HeadlessOptions& options) {
 /// Shows how far the run has come; true when a signal ends it.
 bool lookAround() {
     progress.update(machine.counters.driverSteps, machine.counters.verticalBlanks);
+    if (past != nullptr) {
+        past->look();
+    }
     return stopRequested();
 }
 
@@ -200,6 +208,48 @@ bool writeCounts(const HeadlessOptions& options) {
     return profiled && covered;
 }
 
+/// The bytes of the picture.
+std::span<u8> picturePixels() {
+    if (MainScreen == nullptr || MainScreen->pixels == nullptr) {
+        return {};
+    }
+    const auto bytes = static_cast<std::size_t>(MainScreen->pitch) * static_cast<std::size_t>(MainScreen->h);
+    return {static_cast<u8*>(MainScreen->pixels), bytes};
+}
+
+/// Goes on from a saved state when one is named; false, with the reason, when it cannot be used.
+bool loadState(const HeadlessOptions& options) {
+    if (!options.loadState) {
+        return true;
+    }
+    std::vector<u8> bytes;
+    std::optional<std::string> complaint = history::readStateFile(options.loadState->c_str(), bytes);
+    if (!complaint) {
+        complaint =
+            history::unpackState(bytes, history::programIdentity(Settings.ElfToExecute), picturePixels());
+    }
+    if (complaint) {
+        std::fprintf(stderr, "tarn-headless: cannot go on from %s: %s\n", options.loadState->c_str(),
+                     complaint->c_str());
+    }
+    return !complaint;
+}
+
+/// What the options ask of the steps before the end.
+void reportPast(const HeadlessOptions& options, End end) {
+    if (past == nullptr || !past->begun() || gifTransferGoesOn()) {
+        return;
+    }
+    if (options.history && end == End::paused) {
+        std::fprintf(stderr, "%s", history::describeSteps(*past, *options.history).c_str());
+    }
+    if (options.lastWrite) {
+        const auto& [address, bytes] = *options.lastWrite;
+        std::fprintf(stderr, "%s",
+                     history::describeLastWrite(*past, address, bytes, programSymbols()).c_str());
+    }
+}
+
 /// Writes every output that is asked for, each whatever becomes of the others; false when one is lost.
 bool writeOutputs(const HeadlessOptions& options) {
     bool complete = true;
@@ -215,6 +265,11 @@ bool writeOutputs(const HeadlessOptions& options) {
     if (options.registers) {
         MipsCpuPrintReg();
         MipsCpuFPR1PrintReg();
+    }
+    if (options.saveState) {
+        complete &=
+            writeBytes(*options.saveState,
+                       history::packState(history::programIdentity(Settings.ElfToExecute), picturePixels()));
     }
     if (options.trace) {
         complete &= traceFile.close();
@@ -242,8 +297,15 @@ int runHeadless(const HeadlessOptions& options) {
     Driver.farewell = 0;
 
     End end = End::startFailed;
-    gdb::Server debugger;
-    if ((!options.gdbPort || debugger.listen(*options.gdbPort)) && start() && beginCounting(options)) {
+    history::Timeline timeline(history::defaultBudget, picturePixels());
+    gdb::Server debugger(&timeline, programSymbols());
+    debugger.setPictureWriter([](const std::string& path) { return writePicture(path, MainScreen); });
+    if ((!options.gdbPort || debugger.listen(*options.gdbPort)) && start() && loadState(options) &&
+        beginCounting(options)) {
+        if (options.gdbPort || options.history || options.lastWrite) {
+            timeline.begin();
+            past = &timeline;
+        }
         const RunLimits limits = limitsOf(options);
         end = options.gdbPort ? runDebugged(debugger, limits) : endOf(runUntil(limits, lookAround));
     }
@@ -251,6 +313,8 @@ int runHeadless(const HeadlessOptions& options) {
     reportEnd(end);
     const int status = exitStatus(end, options);
     const bool complete = writeOutputs(options);
+    reportPast(options, end);
+    past = nullptr;
     while (TarnGUI.running == 1) {
         koGUI_TarnEndingProc();
     }

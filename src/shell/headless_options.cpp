@@ -23,6 +23,10 @@ enum Option {
     coverage,
     gdb,
     completeCpu,
+    saveState,
+    loadState,
+    history,
+    lastWrite,
     quiet,
     help,
     version
@@ -41,6 +45,10 @@ constexpr option longOptions[] = {
     {"coverage", required_argument, nullptr, coverage},
     {"gdb", required_argument, nullptr, gdb},
     {"complete-cpu", no_argument, nullptr, completeCpu},
+    {"save-state", required_argument, nullptr, saveState},
+    {"load-state", required_argument, nullptr, loadState},
+    {"history", required_argument, nullptr, history},
+    {"last-write", required_argument, nullptr, lastWrite},
     {"quiet", no_argument, nullptr, quiet},
     {"help", no_argument, nullptr, help},
     {"version", no_argument, nullptr, version},
@@ -58,6 +66,26 @@ std::optional<Number> parseNumber(const char* name, std::string_view text) {
         return std::nullopt;
     }
     return value;
+}
+
+/// ADDRESS[:BYTES]: a hexadecimal address, with or without 0x, and a decimal length.
+std::optional<WatchedBytes> parseWatchedBytes(std::string_view text) {
+    const std::string_view whole = text;
+    WatchedBytes watched;
+    text.remove_prefix(text.starts_with("0x") ? 2 : 0);
+    const char* const last = text.data() + text.size();
+    auto [end, error] = std::from_chars(text.data(), last, watched.address, 16);
+    if (error == std::errc() && end != last && *end == ':') {
+        const auto length = std::from_chars(end + 1, last, watched.bytes);
+        end = length.ptr;
+        error = length.ec;
+    }
+    if (error != std::errc() || end != last || watched.bytes == 0 || watched.bytes > 0x10000) {
+        std::fprintf(stderr, "tarn-headless: --last-write takes an address and 1 to 65536 bytes, not '%s'\n",
+                     whole.data());
+        return std::nullopt;
+    }
+    return watched;
 }
 
 }  // namespace
@@ -80,6 +108,11 @@ const char* const headlessUsage =
     "  --gdb PORT          wait for a GDB on this port of the loopback interface (0: any free one) and run\n"
     "                      the machine as it says\n"
     "  --complete-cpu      run on the complete processor, whatever tarn.ini says\n"
+    "  --save-state FILE   write the machine, to go on from with --load-state\n"
+    "  --load-state FILE   start from a machine that was saved from the same program\n"
+    "  --history N         when the CPU pauses, print the last N steps and what each changed\n"
+    "  --last-write ADDRESS[:BYTES]\n"
+    "                      at the end, report the last store to an address (hexadecimal)\n"
     "  --quiet             show no progress line on a terminal\n"
     "  --help              print this help and exit\n"
     "  --version           print the version and exit\n"
@@ -132,6 +165,20 @@ std::optional<HeadlessOptions> parseHeadlessOptions(int count, char** arguments)
             break;
         case completeCpu:
             options.completeCpu = true;
+            break;
+        case saveState:
+            options.saveState = optarg;
+            break;
+        case loadState:
+            options.loadState = optarg;
+            break;
+        case history:
+            options.history = parseNumber<u32>("history", optarg);
+            usable = usable && options.history.has_value();
+            break;
+        case lastWrite:
+            options.lastWrite = parseWatchedBytes(optarg);
+            usable = usable && options.lastWrite.has_value();
             break;
         case quiet:
             options.quiet = true;

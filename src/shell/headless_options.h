@@ -8,6 +8,12 @@
 
 namespace tarn {
 
+/// ADDRESS[:BYTES] of --last-write.
+struct WatchedBytes {
+    u32 address = 0;
+    u32 bytes = 4;
+};
+
 struct HeadlessOptions {
     std::optional<u64> steps;   ///< driver steps after which the run ends
     std::optional<u64> frames;  ///< vertical blanks after which the run ends
@@ -18,6 +24,10 @@ struct HeadlessOptions {
     std::optional<std::string> profile;
     std::optional<std::string> coverage;
     std::optional<u16> gdbPort;  ///< loopback port to wait for a debugger on; 0 stands for any free one
+    std::optional<std::string> saveState;   ///< file for the machine at the end
+    std::optional<std::string> loadState;   ///< file to start from
+    std::optional<u32> history;             ///< steps to print when the CPU pauses
+    std::optional<WatchedBytes> lastWrite;  ///< of which to report the last store
     bool registers = false;
     bool exitStatus = false;  ///< the status of the run is the program's own
     bool completeCpu = false;

@@ -61,7 +61,8 @@ class DebuggerTest : public MachineTest {
 
     static void put(u32 offset, u32 word) { std::memcpy(MipsMemory + offset, &word, sizeof word); }
 
-    Debugger debugger;
+    symbols::SymbolTable symbols;
+    Debugger debugger{nullptr, symbols};
 };
 
 TEST_F(DebuggerTest, RegistersAndMemory) {
@@ -195,7 +196,7 @@ TEST_F(DebuggerTest, MalformedPackets) {
         EXPECT_EQ(ask(packet), "E16") << packet;
     }
     // clang-format on
-    for (const char* packet : {"", "Z5,0,0", "vMustReplyEmpty", "vCont?", "qUnknown", "!", "R00", "\xff"}) {
+    for (const char* packet : {"", "Z5,0,0", "vMustReplyEmpty", "bs", "qUnknown", "!", "R00", "\xff"}) {
         EXPECT_EQ(ask(packet), "") << packet;
     }
     EXPECT_EQ(std::memcmp(&before, &MipsCpu, sizeof before), 0);

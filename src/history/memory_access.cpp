@@ -1,13 +1,13 @@
 // The look ahead for watchpoints: taken branches and their delay slots, loads and stores, before they
 // happen.
-#include "gdb/memory_access.h"
+#include "history/memory_access.h"
 
 #include "machine/machine.h"
 #include "memory/memory.h"
 #include "r5900/delay_slot.h"
 #include "r5900/operation.h"
 
-namespace tarn::gdb {
+namespace tarn::history {
 
 namespace {
 
@@ -73,4 +73,14 @@ std::optional<MemoryAccess> nextMemoryAccess() {
     return std::nullopt;
 }
 
-}  // namespace tarn::gdb
+u32 placeOf(u32 address, Access access) {
+    const u32 word = wordOf(address);
+    if (access == Access::Load && isBios(word)) {
+        return biosFirst | (address & biosMask);
+    }
+    const u32 offset = access == Access::Load ? mainMemoryOffset<Access::Load>(word, sizeof(u32))
+                                              : mainMemoryOffset<Access::Store>(word, sizeof(u32));
+    return offset == notMainMemory ? address : offset + (address - word);
+}
+
+}  // namespace tarn::history

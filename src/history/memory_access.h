@@ -6,7 +6,7 @@
 
 #include <optional>
 
-namespace tarn::gdb {
+namespace tarn::history {
 
 struct MemoryAccess {
     u32 address = 0;
@@ -20,4 +20,14 @@ struct MemoryAccess {
 /// slot is looked at in its place. What system calls and the DMA controller do to memory is not foreseen.
 std::optional<MemoryAccess> nextMemoryAccess();
 
-}  // namespace tarn::gdb
+/// Where a load from `address`, or a store to it, ends up: the same for all views of one byte of the machine.
+u32 placeOf(u32 address, Access access);
+
+/// The aligned word that a byte lies in. The areas begin and end on words, and the memory map, which tests
+/// the start of an access, takes every word of main memory, but not every byte.
+constexpr u32 wordOf(u32 address) { return address & ~3U; }
+
+inline constexpr u32 biosFirst = 0x1FC00000;
+inline constexpr u32 biosMask = biosMemorySize - 1;
+
+}  // namespace tarn::history

@@ -1,0 +1,81 @@
+// Checkpoints of the machine in memory. Pages that are equal in neighbouring checkpoints are stored once.
+#pragma once
+
+#include "base/types.h"
+
+#include <array>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace tarn::history {
+
+/// Pages of 4 KB, counted by their users. Page 0 is all zeros and always there.
+class PagePool {
+  public:
+    static constexpr std::size_t pageBytes = 4096;
+    using Number = u32;
+
+    PagePool();
+
+    /// A copy of up to a page of bytes.
+    Number add(std::span<const u8> bytes);
+    void share(Number page) { ++pages[page].users; }
+    void release(Number page);
+    const u8* at(Number page) const { return pages[page].bytes->data(); }
+    std::size_t livePages() const { return pages.size() - unused.size(); }
+
+  private:
+    struct Page {
+        std::unique_ptr<std::array<u8, pageBytes>> bytes;
+        u32 users = 0;
+    };
+    std::vector<Page> pages;
+    std::vector<Number> unused;
+};
+
+/// The checkpoints of one run, in the order of their steps.
+class Checkpoints {
+  public:
+    /// `bytes` bounds the memory taken, except for two checkpoints that are always kept. `shown`
+    /// is host memory, the picture, that is kept with the machine.
+    Checkpoints(std::size_t bytes, std::span<u8> shown) : budget(bytes), picture(shown) {}
+
+    void clear();
+    bool empty() const { return list.empty(); }
+    u64 firstStep() const { return list.front().step; }
+
+    /// Adds a checkpoint of the machine as it is, unless there is one of this step.
+    void take();
+
+    /// Puts the machine back to the last checkpoint at or before `step`, which must not be before the first,
+    /// and returns its step.
+    u64 restore(u64 step);
+
+    /// The last checkpoint's step at or before `step`.
+    u64 nearest(u64 step) const;
+
+    std::size_t bytesUsed() const;
+    std::size_t count() const { return list.size(); }
+
+  private:
+    struct Checkpoint {
+        u64 step = 0;
+        std::vector<u8> records;
+        std::vector<PagePool::Number> pages;
+    };
+
+    /// Calls `visit` with each page of the machine's buffers and the picture, in a fixed order.
+    template <typename Visit>
+    void forEachPage(Visit visit) const;
+    std::size_t indexAtOrBefore(u64 step) const;
+    void remove(std::size_t index);
+    void thin();
+
+    std::size_t budget;
+    std::span<u8> picture;
+    PagePool pool;
+    std::vector<Checkpoint> list;
+};
+
+}  // namespace tarn::history

@@ -1,0 +1,149 @@
+// State files: a header, and the records and buffers compressed behind it.
+#include "history/state_file.h"
+
+#include "base/file.h"
+#include "history/machine_state.h"
+#include "machine/machine.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <zstd.h>
+
+namespace tarn::history {
+namespace {
+
+constexpr std::array<char, 8> magicWord = {'T', 'A', 'R', 'N', 'S', 'T', 'A', 'T'};
+constexpr u32 version = 1;  ///< to be raised whenever the list of fields changes
+constexpr int compressionLevel = 1;
+constexpr std::size_t largestPicture = 256U << 20;
+constexpr std::size_t largestFile = 512U << 20;
+
+struct Header {
+    std::array<char, 8> magic = magicWord;
+    u32 formatVersion = version;
+    u32 records = 0;  ///< bytes
+    u64 program = 0;
+    u64 picture = 0;  ///< bytes
+};
+
+/// FNV-1a over eight bytes at a time, and then over the rest.
+u64 checksumOf(std::span<const u8> bytes) {
+    constexpr u64 prime = 0x100000001B3;
+    u64 sum = 0xCBF29CE484222325 ^ bytes.size();
+    while (!bytes.empty()) {
+        u64 word = 0;
+        const std::size_t count = std::min(bytes.size(), sizeof word);
+        std::memcpy(&word, bytes.data(), count);
+        sum = (sum ^ word) * prime;
+        sum ^= sum >> 32;
+        bytes = bytes.subspan(count);
+    }
+    return sum;
+}
+
+std::size_t bufferBytes() {
+    std::size_t bytes = 0;
+    for (const std::span<u8> buffer : buffersOf(machine)) {
+        bytes += buffer.size();
+    }
+    return bytes;
+}
+
+/// What is wrong with a header, or nothing.
+const char* complaintAbout(const Header& header, u64 program) {
+    if (header.magic != magicWord) {
+        return "it is not a saved state";
+    }
+    if (header.formatVersion != version || header.records != recordBytes()) {
+        return "it was saved by another version of the emulator";
+    }
+    if (header.program != program) {
+        return "it is the state of another program";
+    }
+    return header.picture > largestPicture ? "it is damaged" : nullptr;
+}
+
+}  // namespace
+
+std::optional<std::string> readStateFile(const char* path, std::vector<u8>& bytes) {
+    const FilePtr file = openInputFile(path);
+    if (file == nullptr) {
+        return std::strerror(errno);
+    }
+    bytes.clear();
+    for (std::array<u8, 1 << 16> block{};;) {
+        const std::size_t count = std::fread(block.data(), 1, block.size(), file.get());
+        bytes.insert(bytes.end(), block.begin(), block.begin() + static_cast<std::ptrdiff_t>(count));
+        if (count == 0) {
+            break;
+        }
+        if (bytes.size() > largestFile) {
+            return "it is too long";
+        }
+    }
+    return std::ferror(file.get()) != 0 ? std::optional<std::string>("it cannot be read") : std::nullopt;
+}
+
+u64 programIdentity(const char* path) {
+    std::vector<u8> bytes;
+    return readStateFile(path, bytes) ? 0 : checksumOf(bytes);
+}
+
+std::vector<u8> packState(u64 program, std::span<const u8> picture) {
+    std::vector<u8> content = saveRecords(machine);
+    Header header;
+    header.records = static_cast<u32>(content.size());
+    header.program = program;
+    header.picture = picture.size();
+    content.reserve(content.size() + bufferBytes() + picture.size());
+    for (const std::span<u8> buffer : buffersOf(machine)) {
+        content.insert(content.end(), buffer.begin(), buffer.end());
+    }
+    content.insert(content.end(), picture.begin(), picture.end());
+
+    std::vector<u8> bytes(sizeof header + ZSTD_compressBound(content.size()));
+    std::memcpy(bytes.data(), &header, sizeof header);
+    const std::unique_ptr<ZSTD_CCtx, std::size_t (*)(ZSTD_CCtx*)> context(ZSTD_createCCtx(), ZSTD_freeCCtx);
+    ZSTD_CCtx_setParameter(context.get(), ZSTD_c_compressionLevel, compressionLevel);
+    ZSTD_CCtx_setParameter(context.get(), ZSTD_c_checksumFlag, 1);  // which reading checks by itself
+    const std::size_t size = ZSTD_compress2(context.get(), bytes.data() + sizeof header,
+                                            bytes.size() - sizeof header, content.data(), content.size());
+    bytes.resize(sizeof header + (ZSTD_isError(size) != 0 ? 0 : size));
+    return bytes;
+}
+
+std::optional<std::string> unpackState(std::span<const u8> bytes, u64 program, std::span<u8> picture) {
+    Header header;
+    if (bytes.size() < sizeof header) {
+        return "it is not a saved state";
+    }
+    std::memcpy(&header, bytes.data(), sizeof header);
+    if (const char* complaint = complaintAbout(header, program)) {
+        return complaint;
+    }
+    bytes = bytes.subspan(sizeof header);
+    std::vector<u8> content(header.records + bufferBytes() + header.picture);
+    // A frame that holds more than fits is refused by the library.
+    const std::size_t size = ZSTD_decompress(content.data(), content.size(), bytes.data(), bytes.size());
+    if (ZSTD_isError(size) != 0 || size != content.size()) {
+        return "it is damaged";
+    }
+    std::span<const u8> rest = content;
+    if (!restoreRecords(machine, rest.first(header.records))) {
+        return "it is damaged";
+    }
+    rest = rest.subspan(header.records);
+    for (const std::span<u8> buffer : buffersOf(machine)) {
+        std::memcpy(buffer.data(), rest.data(), buffer.size());
+        rest = rest.subspan(buffer.size());
+    }
+    if (rest.size() == picture.size()) {
+        std::copy(rest.begin(), rest.end(), picture.begin());
+    }
+    return std::nullopt;
+}
+
+}  // namespace tarn::history

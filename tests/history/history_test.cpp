@@ -1,0 +1,214 @@
+// States, checkpoints and the way back: whatever is cut, thinned or run again is the machine that it was.
+#include "history/machine_fields.h"
+#include "history/machine_state.h"
+#include "history/report.h"
+#include "history/state_file.h"
+#include "history/timeline.h"
+#include "r5900/instruction.h"
+#include "support/gif_stream.h"
+
+#include <cstring>
+#include <random>
+
+namespace tarn::test {
+namespace {
+
+using namespace history;
+
+constexpr u32 packetAddress = 0x180000;
+constexpr u32 counterAddress = 0x200000;
+
+/// Everything that a run depends on.
+struct Image {
+    std::vector<u8> records = saveRecords(machine);
+    std::vector<std::vector<u8>> buffers;
+
+    Image() {
+        for (const std::span<u8> buffer : buffersOf(machine)) {
+            buffers.emplace_back(buffer.begin(), buffer.end());
+        }
+    }
+    bool operator==(const Image&) const = default;
+};
+
+/// A program that counts in memory, and sends the quadwords of a GIF stream one by one, over and over: so a
+/// packet and its image are cut wherever a run is.
+class HistoryTest : public MachineTest {
+  protected:
+    HistoryTest() {
+        GifStream stream;
+        stream.write(0x50, u64{1} << 48).write(0x51, 0).write(0x52, u64{8} << 32 | 8).write(0x53, 0);
+        stream.tag(GifStream::image, 16, 0, 0);
+        for (u64 i = 0; i < 16; ++i) {
+            stream.quadword(i * 0x0101010101010101, ~i);
+        }
+        stream.tag(GifStream::packed, 3, 3, 0x551, GifStream::pre(6) | GifStream::endOfPacket);
+        for (u64 i = 0; i < 9; ++i) {
+            stream.quadword(16 * i, 16 * i);
+        }
+        std::memcpy(MipsMemory + packetAddress, stream.at(0), stream.quadwords() * 16);
+        const u32 words[] = {
+            immediate(15, 0, t0, 0x1000),
+            immediate(13, t0, t0, 0xA000),  // the channel
+            immediate(15, 0, t1, 0x18),
+            immediate(9, 0, t2, 1),  // the packet; 1
+            immediate(15, 0, a0, 0x20),
+            immediate(9, 0, v0, 0x101),  // the counter; start
+            immediate(43, t0, t1, 0x10),
+            immediate(43, t0, t2, 0x20),  // MADR, QWC
+            immediate(43, t0, v0, 0),
+            immediate(35, a0, sp, 0),  // CHCR
+            immediate(9, sp, sp, 1),
+            immediate(43, a0, sp, 0),  // count
+            immediate(9, t1, t1, 16),
+            immediate(9, 0, ra, 0),  // the next quadword
+            jump(2, (programStart + 6 * 4) / 4),
+            0,
+        };
+        std::memcpy(MipsMemory + programStart, words, sizeof words);
+        MipsCpu.PC = programStart;
+        Ps2Bios.vsyncCountdown = vsyncPeriod;
+    }
+
+    std::mt19937 random{1};
+};
+
+/// Fills the fields one by one, and notes the bytes that belong to one.
+struct Filler {
+    std::mt19937& random;
+    std::vector<bool>& listed;
+
+    template <typename Field>
+    void operator()(Field& field) const {
+        if constexpr (std::is_same_v<Field, Buffer>) {
+            mark(&field, sizeof field);
+        } else {
+            for (std::size_t i = 0; i < sizeof field; ++i) {
+                reinterpret_cast<u8*>(&field)[i] = static_cast<u8>(random() & 3);
+            }
+            mark(&field, sizeof field);
+        }
+    }
+    template <typename Pointer, typename Records>
+    void operator()(Selection<Pointer, Records>& selection) const {
+        selection.pointer = &selection.records[random() & 1];
+        mark(&selection.pointer, sizeof selection.pointer);
+    }
+    void mark(const void* first, std::size_t size) const {
+        const auto offset = static_cast<const u8*>(first) - reinterpret_cast<const u8*>(&machine);
+        std::fill_n(listed.begin() + offset, size, true);
+    }
+};
+
+// No field is missing from the list: only padding, and the second pointer to local memory, belong to none.
+TEST_F(HistoryTest, EveryFieldIsListedAndComesBack) {
+    std::vector<bool> listed(sizeof(Machine));
+    const std::vector<u8> start = saveRecords(machine);
+    forEachField(machine, Filler{random, listed});
+    std::size_t unlisted = 0;
+    for (std::size_t i = 0, run = 0; i < listed.size(); ++i) {
+        run = listed[i] ? 0 : run + 1;
+        unlisted += listed[i] ? 0 : 1;
+        EXPECT_LE(run, 15U) << "more than padding at byte " << i;
+    }
+    EXPECT_LE(unlisted, 180U);
+    for (GsVertex& vertex : Gs.gsvertex) {
+        vertex.x = vertex.y = vertex.u = vertex.v = 3;
+    }
+    Gs.primC = 2;
+    Gs.regn = Gs.gtag.nreg = Gs.pmode = 1;
+    const std::vector<u8> filled = saveRecords(machine);
+    forEachField(machine, Filler{random, listed});
+    EXPECT_NE(saveRecords(machine), filled);
+    ASSERT_TRUE(restoreRecords(machine, start));
+    EXPECT_EQ(saveRecords(machine), start);
+}
+
+// Cut anywhere, by a file or a checkpoint, a run goes on as if it were not.
+TEST_F(HistoryTest, ACutRunEqualsAnUncutOne) {
+    constexpr u64 length = 20'000;
+    Timeline timeline(defaultBudget, {});
+    timeline.begin();
+    std::vector<std::pair<u64, std::vector<u8>>> cuts;
+    std::vector<std::pair<u64, Image>> images;
+    for (u64 step = random() % 200; step < length; step += 1 + random() % 8'000) {
+        runTo(step);
+        cuts.emplace_back(step, packState(7, {}));
+        images.emplace_back(step, Image());
+    }
+    runTo(length);
+    const Image end;
+    for (const auto& [step, bytes] : cuts) {
+        MipsMemory[0x300000] = 0xFF;
+        MipsCpu.GPR[5].low = 1;
+        ASSERT_EQ(unpackState(bytes, 7, {}), std::nullopt);
+        ASSERT_EQ(machine.counters.driverSteps, step);
+        runTo(length);
+        EXPECT_EQ(Image(), end) << step;
+    }
+    for (auto it = images.rbegin(); it != images.rend(); ++it) {
+        timeline.goTo(it->first);
+        EXPECT_EQ(Image(), it->second) << it->first;
+    }
+    timeline.goTo(length);
+    EXPECT_EQ(Image(), end);
+}
+
+TEST_F(HistoryTest, BadStatesAreRefusedAndChangeNothing) {
+    runTo(1000);
+    const std::vector<u8> good = packState(7, {});
+    const Image before;
+    EXPECT_EQ(unpackState(good, 8, {}), "it is the state of another program");
+    for (std::size_t size = 0; size < good.size(); size += 1 + good.size() / 3) {
+        EXPECT_NE(unpackState(std::span(good).first(size), 7, {}), std::nullopt) << size;
+    }
+    for (unsigned i = 0; i < 12; ++i) {
+        std::vector<u8> bad = good;
+        bad[i < 8 ? i * 4 : random() % bad.size()] ^= static_cast<u8>(1U << random() % 8);
+        // The last bits of the compressed data may mean nothing: then the state is the same.
+        if (unpackState(bad, 7, {})) {
+            ASSERT_EQ(Image(), before) << i;
+        }
+    }
+    EXPECT_EQ(Image(), before);
+    // A checksum does not make a state that no run can reach harmless.
+    Gs.primC = 1000;
+    const std::vector<u8> impossible = packState(7, {});
+    Gs.primC = 0;
+    EXPECT_EQ(unpackState(impossible, 7, {}), "it is damaged");
+}
+
+TEST_F(HistoryTest, CheckpointsShareAndThin) {
+    Checkpoints checkpoints(4U << 20, {});
+    for (u64 i = 0; i < 40; ++i) {
+        runTo(i * 100);
+        std::memset(MipsMemory + 0x400000, static_cast<int>(i + 1), 0x40000);
+        checkpoints.take();
+    }
+    EXPECT_LE(checkpoints.bytesUsed(), 4U << 20);
+    EXPECT_GE(checkpoints.count(), 8U);
+    EXPECT_EQ(checkpoints.firstStep(), 0U);
+    for (const u64 step : {3900U, 3000U, 1U, 2000U}) {
+        const u64 at = checkpoints.restore(step);
+        EXPECT_TRUE(at <= step && at == machine.counters.driverSteps);
+        EXPECT_EQ(MipsMemory[0x400000], at / 100 + 1);
+    }
+}
+
+TEST_F(HistoryTest, WhoWroteThis) {
+    Timeline timeline(defaultBudget, {});
+    timeline.begin();
+    runTo(6 + 9 * 100 + 5);
+    const Image before;
+    const std::string store = describeLastWrite(timeline, 0x80000000 + counterAddress, 4, {});
+    EXPECT_NE(store.find("PC 0x0010002c : 0x00000063 -> 0x00000064"), std::string::npos) << store;
+    const std::string dma = describeLastWrite(timeline, 0x300000, 4, {});
+    EXPECT_NE(dma.find("no store from step 0 to 911"), std::string::npos) << dma;
+    const std::string steps = describeSteps(timeline, 3);
+    EXPECT_EQ(std::count(steps.begin(), steps.end(), '\n'), 3) << steps;
+    EXPECT_NE(steps.find("sp="), std::string::npos) << steps;
+    EXPECT_EQ(Image(), before) << "looking back leaves the machine where it is";
+}
+
+}  // namespace
+}  // namespace tarn::test
