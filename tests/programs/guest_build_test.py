@@ -96,11 +96,11 @@ PLUSPLUS = """
 #include <array>
 struct Shape { virtual ~Shape() {} virtual int area() const = 0; };
 struct Square : Shape { int side; Square(int s) : side(s) {} int area() const override { return side * side; } };
-static Square square(5);
+static Square five(5);
 template <typename T> T twice(T x) { return x + x; }
 int main() {
     Shape* shape = new Square(4);
-    std::array<int, 2> areas{shape->area(), square.area()};
+    std::array<int, 2> areas{shape->area(), five.area()};
     auto all = [&](int more) { return areas[0] + areas[1] + more; };
     delete shape;
     return all(twice(1));

@@ -63,10 +63,7 @@ void* memchr(const void* memory, int byte, size_t bytes) {
 
 void exit(int status) { Exit(status); }
 
-void abort(void) {
-    __asm__ volatile("break");
-    __builtin_unreachable();
-}
+void abort(void) { __builtin_trap(); }
 
 int abs(int value) { return value < 0 ? -value : value; }
 long labs(long value) { return value < 0 ? -value : value; }

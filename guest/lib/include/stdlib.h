@@ -20,7 +20,7 @@ void* realloc(void* block, size_t bytes);
 void free(void* block);
 
 void exit(int status) __attribute__((noreturn));  ///< stops the processor with the status in a0
-void abort(void) __attribute__((noreturn));       ///< stops it on a BREAK
+void abort(void) __attribute__((noreturn));       ///< stops it on a trap
 
 int abs(int value);
 long labs(long value);
