@@ -143,17 +143,17 @@ void setUp(const Routine& routine) {
     packet.set(PRIM, routine.prim | texelCoordinates);
     packet.send();
     for (u32 i = textureBase; i < localMemoryWords; ++i) {
-        Gs.vRamUL[i] = i * 0x9E3779B1;
+        Gs.vRamUL()[i] = i * 0x9E3779B1;
     }
 }
 
 /// How many pixels a packet changes.
 u32 pixelsOf(const GifPacket& packet) {
     constexpr u32 untouched = 0x12345678;
-    std::fill_n(Gs.vRamUL, frameWords, untouched);
+    std::fill_n(Gs.vRamUL(), frameWords, untouched);
     packet.send();
     return static_cast<u32>(
-        std::count_if(Gs.vRamUL, Gs.vRamUL + frameWords, [](u32 word) { return word != untouched; }));
+        std::count_if(Gs.vRamUL(), Gs.vRamUL() + frameWords, [](u32 word) { return word != untouched; }));
 }
 
 void measure(benchmark::State& state, const Routine& routine, const Size& size) {

@@ -39,9 +39,9 @@ void access(fuzz::Input& input) {
 
 /// What the display relies on, whatever was written.
 void checkState() {
-    fuzz::require(Gs.gsdspfb == &Gs._gsdspfb[Gs.pmode] && Gs.gsmode == &Gs._gsmode[Gs.pmode],
+    fuzz::require(&Gs.gsdspfb() == &Gs._gsdspfb[Gs.pmode] && &Gs.gsmode() == &Gs._gsmode[Gs.pmode],
                   "the circuit is the one PMODE chose");
-    fuzz::require(u64{Gs.gsdspfb->fbw} * Gs.gsdspfb->maxRows <= localMemoryWords, "the rows fit");
+    fuzz::require(u64{Gs.gsdspfb().fbw} * Gs.gsdspfb().maxRows <= localMemoryWords, "the rows fit");
 }
 
 }  // namespace

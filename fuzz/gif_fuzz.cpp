@@ -121,10 +121,10 @@ void send(const GifStream& stream, u32 pieces) {
 void checkState() {
     fuzz::require(Gs.primC >= 0 && Gs.primC < 3, "the queue has a free slot");
     fuzz::require(Gs.regn <= 16 && Gs.gtag.nloop < 0x8000, "the tag's counts are in range");
-    fuzz::require(Gs.prim == &Gs._prim[0] || Gs.prim == &Gs._prim[1], "the primitive is one of two");
-    const u32 context = Gs.prim->ctxt;
-    fuzz::require(Gs.gsfb == &Gs._gsfb[context] && Gs.zbuf == &Gs._zbuf[context] &&
-                      Gs.fba == &Gs._fba[context] && Gs.xyoffset == &Gs._offset[context],
+    fuzz::require(&Gs.prim() == &Gs._prim[0] || &Gs.prim() == &Gs._prim[1], "the primitive is one of two");
+    const u32 context = Gs.prim().ctxt;
+    fuzz::require(&Gs.gsfb() == &Gs._gsfb[context] && &Gs.zbuf() == &Gs._zbuf[context] &&
+                      &Gs.fba() == &Gs._fba[context] && &Gs.xyoffset() == &Gs._offset[context],
                   "the context is the primitive's");
 }
 

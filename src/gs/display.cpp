@@ -85,10 +85,10 @@ void DXupdate() {
         return;
     }
     const GsRectangle rectangle{
-        .x = static_cast<s32>(Gs.gsdspfb->dbx + Gs.gsmode->x),
-        .y = static_cast<s32>(Gs.gsdspfb->dby + Gs.gsmode->y),
-        .w = static_cast<s32>(Gs.gsmode->width),
-        .h = static_cast<s32>(Gs.gsmode->height),
+        .x = static_cast<s32>(Gs.gsdspfb().dbx + Gs.gsmode().x),
+        .y = static_cast<s32>(Gs.gsdspfb().dby + Gs.gsmode().y),
+        .w = static_cast<s32>(Gs.gsmode().width),
+        .h = static_cast<s32>(Gs.gsmode().height),
     };
     GsHost.ScrBlit(static_cast<u8*>(buffer->pixels), &dBufUL(0), rectangle, buffer->pitch);
 }

@@ -225,7 +225,7 @@ void GIFprocessReg(const u8* quadword, u32 descriptor) {
     default:
         return;  // among them TEX0, CLAMP and FOG, which the console's packed form does have
     }
-    gsSetCtxt(Gs.prim->ctxt);
+    gsSetCtxt(Gs.prim().ctxt);
 }
 
 void GSgifTransfer(const u8* data, u32 count) {

@@ -22,11 +22,9 @@ s32 GSinit() {
         return -1;
     }
     Gs.vRam = std::move(memory);
-    Gs.vRamUL = reinterpret_cast<u32*>(static_cast<u8*>(Gs.vRam));
 
     gsSetCtxt(0);
-    Gs.gsdspfb = &Gs._gsdspfb[0];
-    Gs.gsmode = &Gs._gsmode[0];
+    Gs.currentCircuit = 0;
     for (GsDisplay& mode : Gs._gsmode) {
         mode = {.x = 0, .y = 0, .width = 640, .height = 480};
     }
@@ -37,7 +35,7 @@ s32 GSinit() {
         buffer.dby = 0;
     }
     Gs.prac = 1;
-    Gs.prim = &Gs._prim[0];  // in spite of prac, until PRMODECONT is written
+    Gs.currentPrim = 0;  // in spite of prac, until PRMODECONT is written
     return 0;
 }
 
@@ -49,10 +47,7 @@ s32 GSopen(SDL_Surface* display, const char* /*title*/) {
 
 void GSclose() { DXclose(); }
 
-void GSshutdown() {
-    Gs.vRam.release();
-    Gs.vRamUL = nullptr;
-}
+void GSshutdown() { Gs.vRam.release(); }
 
 void GSreset() {
     GSshutdown();

@@ -8,7 +8,7 @@
 namespace tarn {
 
 /// The word at `index`, taken modulo the size of local memory.
-inline u32& localWord(u32 index) { return Gs.vRamUL[index & (localMemoryWords - 1)]; }
+inline u32& localWord(u32 index) { return Gs.vRamUL()[index & (localMemoryWords - 1)]; }
 
 /// The byte at `index`, taken modulo the size of local memory.
 inline u8& localByte(u32 index) { return Gs.vRam[index & (localMemoryBytes - 1)]; }
@@ -20,7 +20,7 @@ void forLocalRuns(u32 index, u32 count, Use use) {
     for (u32 first = 0; first < count;) {
         const u32 start = (index + first) & (localMemoryWords - 1);
         const u32 run = std::min(count - first, localMemoryWords - start);
-        use(Gs.vRamUL + start, first, run);
+        use(Gs.vRamUL() + start, first, run);
         first += run;
     }
 }
@@ -33,9 +33,9 @@ inline void countWork(s64 width, s64 height) {
 }
 
 /// Word `index` of the current context's frame buffer, of its depth buffer, and of the displayed buffer.
-inline u32& fBufUL(u32 index) { return localWord(Gs.gsfb->fbp + index); }
-inline u32& zBufUL(u32 index) { return localWord(Gs.zbuf->zbp + index); }
-inline u32& dBufUL(u32 index) { return localWord(Gs.gsdspfb->fbp + index); }
+inline u32& fBufUL(u32 index) { return localWord(Gs.gsfb().fbp + index); }
+inline u32& zBufUL(u32 index) { return localWord(Gs.zbuf().zbp + index); }
+inline u32& dBufUL(u32 index) { return localWord(Gs.gsdspfb().fbp + index); }
 
 /// The rows that local memory holds of a buffer `width` pixels wide; for width 0, as for width 1.
 constexpr u32 maxRowsOf(u32 width) { return width == 0 ? localMemoryWords : localMemoryWords / width; }

@@ -12,11 +12,11 @@ namespace tarn {
 namespace {
 
 // The row stride is the frame's width; every pixel is a whole word whatever the format.
-u32& framePixel(u32 x, u32 y) { return fBufUL(y * Gs.gsfb->fbw + x); }
+u32& framePixel(u32 x, u32 y) { return fBufUL(y * Gs.gsfb().fbw + x); }
 
 template <AlphaTest test, PixelWriter store = _drawPixel>
 void writeTested(u32 x, u32 y, u32 colour) {
-    if (passesAlphaTest(test, colour >> 24, Gs.test->aref)) {
+    if (passesAlphaTest(test, colour >> 24, Gs.test().aref)) {
         store(x, y, colour);
     }
 }
@@ -90,7 +90,7 @@ const std::array<PixelWriter, 9> drawPixelT = {
 };
 
 void _drawPixelBlend(u32 x, u32 y, u32 colour) {
-    const GsAlpha& alpha = *Gs.alpha;
+    const GsAlpha& alpha = Gs.alpha();
     const u32 destination = framePixel(x, y);
     const u32 a = blendInput(alpha.a, colour, destination);
     const u32 b = blendInput(alpha.b, colour, destination);
@@ -109,10 +109,10 @@ void countPixels(bool on) { writers = on ? &countingWriters : &drawPixelT; }
 
 bool pixelsAreCounted() { return writers != &drawPixelT; }
 
-bool blendingSelected() { return Settings.blend == 1 && Gs.prim->abe == 1; }
+bool blendingSelected() { return Settings.blend == 1 && Gs.prim().abe == 1; }
 
 void selectPixelWriter() {
-    const PixelWriter tested = (*writers)[Gs.test->ate == 1 ? Gs.test->atst + 1 : 0];
+    const PixelWriter tested = (*writers)[Gs.test().ate == 1 ? Gs.test().atst + 1 : 0];
     drawPixel = blendingSelected() ? _drawPixelBlend : tested;
     drawPixel2 = tested;
 }

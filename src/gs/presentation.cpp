@@ -27,7 +27,8 @@ bool hasDestination() { return GsHost.buffer != nullptr && GsHost.conf.width > 0
 
 /// The index in local memory of pixel (x, y) of a buffer that starts at `source`.
 u32 sourceIndex(const u32* source, s32 x, s32 y) {
-    return static_cast<u32>(source - Gs.vRamUL) + static_cast<u32>(y) * Gs.gsdspfb->fbw + static_cast<u32>(x);
+    return static_cast<u32>(source - Gs.vRamUL()) + static_cast<u32>(y) * Gs.gsdspfb().fbw +
+           static_cast<u32>(x);
 }
 
 /// Converts `count` words of local memory from `index` on.
@@ -60,7 +61,7 @@ void copyPlain(u8* destination, const u32* source, const GsRectangle& rectangle,
 void gather(u32* samples, u32 start, const u32* columns, u32 count) {
     start &= localMemoryWords - 1;
     if (start + columns[count - 1] < localMemoryWords) {
-        const u32* words = Gs.vRamUL + start;
+        const u32* words = Gs.vRamUL() + start;
         for (u32 k = 0; k < count; ++k) {
             samples[k] = words[columns[k]];
         }

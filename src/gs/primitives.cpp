@@ -23,12 +23,12 @@ constexpr s32 lastUntexturedRow = 1023;  // a limit that textured vertices do no
 
 /// The scissor rectangle and the frame's size, signed because vertices may lie left of or above them.
 struct ClipBounds {
-    s32 left = static_cast<s32>(Gs.scissor->scax0);
-    s32 top = static_cast<s32>(Gs.scissor->scay0);
-    s32 right = static_cast<s32>(Gs.scissor->scax1);
-    s32 bottom = static_cast<s32>(Gs.scissor->scay1);
-    s32 width = static_cast<s32>(Gs.gsfb->fbw);
-    s32 height = static_cast<s32>(Gs.gsfb->maxRows);
+    s32 left = static_cast<s32>(Gs.scissor().scax0);
+    s32 top = static_cast<s32>(Gs.scissor().scay0);
+    s32 right = static_cast<s32>(Gs.scissor().scax1);
+    s32 bottom = static_cast<s32>(Gs.scissor().scay1);
+    s32 width = static_cast<s32>(Gs.gsfb().fbw);
+    s32 height = static_cast<s32>(Gs.gsfb().maxRows);
 };
 
 /// A private copy of the first `count` vertices of the queue, without the drawing offset.
@@ -37,8 +37,8 @@ std::array<GsVertex, count> takeVertices(const GsVertex* queue) {
     std::array<GsVertex, count> vertices;
     std::copy_n(queue, count, vertices.begin());
     for (GsVertex& vertex : vertices) {
-        vertex.x -= static_cast<s32>(Gs.xyoffset->ofx);
-        vertex.y -= static_cast<s32>(Gs.xyoffset->ofy);
+        vertex.x -= static_cast<s32>(Gs.xyoffset().ofx);
+        vertex.y -= static_cast<s32>(Gs.xyoffset().ofy);
     }
     return vertices;
 }
@@ -99,7 +99,7 @@ template <std::size_t count>
 void prepareTextured(std::array<GsVertex, count>& vertices) {
     const ClipBounds bounds;
     for (GsVertex& vertex : vertices) {
-        if (Gs.prim->fst == 0) {
+        if (Gs.prim().fst == 0) {
             STQtoUV(vertex);
         }
         clipTextured(vertex, bounds);
@@ -117,8 +117,8 @@ void STQtoUV(GsVertex& vertex) {
         vertex.v = 0;
         return;
     }
-    vertex.u = truncate(double{vertex.s} / double{vertex.q} * Gs.tex0->tw);
-    vertex.v = truncate(double{vertex.t} / double{vertex.q} * Gs.tex0->th);
+    vertex.u = truncate(double{vertex.s} / double{vertex.q} * Gs.tex0().tw);
+    vertex.v = truncate(double{vertex.t} / double{vertex.q} * Gs.tex0().th);
 }
 
 void primPoint(const GsVertex* vertices) {
@@ -129,14 +129,14 @@ void primPoint(const GsVertex* vertices) {
         return;
     }
     // Points take no part in the pixel pipeline: no alpha test, no depth test.
-    fBufUL(static_cast<u32>(point.y) * Gs.gsfb->fbw + static_cast<u32>(point.x)) = Gs.rgba;
+    fBufUL(static_cast<u32>(point.y) * Gs.gsfb().fbw + static_cast<u32>(point.x)) = Gs.rgba;
     pixelsWritten += pixelsAreCounted() ? 1 : 0;
 }
 
 void primLine(const GsVertex* vertices) {
     auto ends = takeVertices<2>(vertices);
     prepareUntextured(ends);
-    if (Gs.prim->iip == 1) {
+    if (Gs.prim().iip == 1) {
         drawLineG(ends.data());
     } else {
         drawLineF(ends.data());
@@ -145,16 +145,16 @@ void primLine(const GsVertex* vertices) {
 
 void primTriangle(const GsVertex* vertices) {
     auto corners = takeVertices<3>(vertices);
-    const bool gouraud = Gs.prim->iip == 1;
-    const bool tested = Gs.test->zte == 1;
+    const bool gouraud = Gs.prim().iip == 1;
+    const bool tested = Gs.test().zte == 1;
     PrimitiveRoutine draw;
-    if (Gs.prim->tme == 0) {
+    if (Gs.prim().tme == 0) {
         prepareUntextured(corners);
         // Gouraud triangles are never depth-tested, textured or not.
         draw = gouraud ? drawTriangleG : tested ? drawTriangleF_Z : drawTriangleF;
     } else {
         prepareTextured(corners);
-        const bool modulate = Gs.tex0->tfx == 0;  // the highlights draw as decals
+        const bool modulate = Gs.tex0().tfx == 0;  // the highlights draw as decals
         if (gouraud) {
             draw = drawTriangleGT;
         } else if (modulate) {
@@ -168,13 +168,13 @@ void primTriangle(const GsVertex* vertices) {
 
 void primSprite(const GsVertex* vertices) {
     auto corners = takeVertices<2>(vertices);
-    if (Gs.prim->tme == 1) {
+    if (Gs.prim().tme == 1) {
         prepareTextured(corners);
         drawSpriteT(corners.data());
         return;
     }
     prepareUntextured(corners);
-    if (Gs.test->zte == 1) {
+    if (Gs.test().zte == 1) {
         drawSprite_Z(corners.data());
     } else {
         drawSprite(corners.data());

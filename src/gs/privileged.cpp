@@ -41,10 +41,7 @@ void writeDisplay(GsDisplay& display, u64 value) {
     }
 }
 
-void selectCircuit() {
-    Gs.gsdspfb = &Gs._gsdspfb[Gs.pmode];
-    Gs.gsmode = &Gs._gsmode[Gs.pmode];
-}
+void selectCircuit() { Gs.currentCircuit = Gs.pmode; }
 
 }  // namespace
 

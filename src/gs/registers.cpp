@@ -172,7 +172,7 @@ GsTrxPos decodeTrxPos(u64 value) {
 
 /// The attributes that PRIM and PRMODE share, into the current record; its type stays. The queue restarts.
 void writeAttributes(u64 value) {
-    GsPrim& prim = *Gs.prim;
+    GsPrim& prim = Gs.prim();
     prim.iip = bit(value, 3);
     prim.tme = bit(value, 4);
     prim.fge = bit(value, 5);
@@ -198,24 +198,7 @@ void writeBitBltBuf(u64 value) {
 
 }  // namespace
 
-void gsSetCtxt(u32 context) {
-    if (Gs.gsfb == &Gs._gsfb[context]) {
-        return;  // all of them follow the context, so one tells for all
-    }
-    Gs.xyoffset = &Gs._offset[context];
-    Gs.test = &Gs._test[context];
-    Gs.scissor = &Gs._scissor[context];
-    Gs.tex0 = &Gs._tex0[context];
-    Gs.tex1 = &Gs._tex1[context];
-    Gs.tex2 = &Gs._tex2[context];
-    Gs.clamp = &Gs._clamp[context];
-    Gs.miptbp0 = &Gs._miptbp0[context];
-    Gs.miptbp1 = &Gs._miptbp1[context];
-    Gs.gsfb = &Gs._gsfb[context];
-    Gs.alpha = &Gs._alpha[context];
-    Gs.zbuf = &Gs._zbuf[context];
-    Gs.fba = &Gs._fba[context];
-}
+void gsSetCtxt(u32 context) { Gs.currentContext = context; }
 
 void GSwrite(u64 value, u32 address) {
     using namespace gs_register;
@@ -223,7 +206,7 @@ void GSwrite(u64 value, u32 address) {
     const u32 high = bits(value, 32, 32);
     switch (address) {
     case PRIM:
-        Gs.prim->type = bits(value, 0, 3);
+        Gs.prim().type = bits(value, 0, 3);
         if (Gs.prac == 1) {
             writeAttributes(value);
         }
@@ -270,7 +253,7 @@ void GSwrite(u64 value, u32 address) {
         break;
     case PRMODECONT:
         Gs.prac = bit(value, 0);
-        Gs.prim = &Gs._prim[Gs.prac];
+        Gs.currentPrim = Gs.prac;
         break;
     case PRMODE:
         if (Gs.prac == 0) {
@@ -351,7 +334,7 @@ void GSwrite(u64 value, u32 address) {
     default:
         break;
     }
-    gsSetCtxt(Gs.prim->ctxt);
+    gsSetCtxt(Gs.prim().ctxt);
 }
 
 }  // namespace tarn

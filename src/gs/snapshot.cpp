@@ -59,13 +59,13 @@ bool GSmakeSnapshot(const char* prefix) {
     if (Gs.vRam == nullptr) {
         return false;
     }
-    const u32 width = Gs.gsdspfb->fbw;
-    const u32 height = width == 0 ? 0 : Gs.gsdspfb->maxRows;
+    const u32 width = Gs.gsdspfb().fbw;
+    const u32 height = width == 0 ? 0 : Gs.gsdspfb().maxRows;
     File file(std::fopen(freeName(prefix).c_str(), "wb"));
     if (!file) {
         return false;
     }
-    const auto header = bmpHeader(width, Gs.gsdspfb->maxRows);
+    const auto header = bmpHeader(width, Gs.gsdspfb().maxRows);
     std::fwrite(header.data(), header.size(), 1, file.get());
     std::vector<u8> row(std::size_t{width} * HostPixel24::bytes);
     for (u32 y = height; y-- > 0;) {

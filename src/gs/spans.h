@@ -154,7 +154,7 @@ struct DropColour {
 
 template <AlphaTest test>
 struct TestAlpha {
-    u32 reference = Gs.test->aref;
+    u32 reference = Gs.test().aref;
 
     static void start(u32 /*x*/, u32 /*y*/) {}
     void write(u32& pixel, u32 colour) const {
@@ -182,11 +182,11 @@ struct CallWriter {
 template <class Source, class Draw>
 void withPixelEnd(const Source& source, Draw draw) {
     selectPixelWriter();
-    const auto test = Gs.test->ate == 1 ? AlphaTest{Gs.test->atst} : AlphaTest::always;
+    const auto test = Gs.test().ate == 1 ? AlphaTest{Gs.test().atst} : AlphaTest::always;
     if (blendingSelected() || pixelsAreCounted()) {
         draw(CallWriter{});
     } else if constexpr (Source::constantAlpha) {
-        if (passesAlphaTest(test, source.alpha(), Gs.test->aref)) {
+        if (passesAlphaTest(test, source.alpha(), Gs.test().aref)) {
             draw(StoreColour{});
         } else {
             draw(DropColour{});
@@ -216,7 +216,7 @@ void withPixelEnd(const Source& source, Draw draw) {
 /// Calls draw(depth) with the method that TEST.ZTST selects, or not at all under NEVER.
 template <class Draw>
 void withDepthTest(Draw draw) {
-    switch (DepthTest{Gs.test->ztst}) {
+    switch (DepthTest{Gs.test().ztst}) {
     case DepthTest::never:
         return;
     case DepthTest::always:
@@ -286,10 +286,10 @@ inline void fillRun(u32* memory, u32 pixel, u32 depthWord, u32 count, Source& so
 
 /// The buffers that spans go to.
 struct SpanTarget {
-    u32* memory = Gs.vRamUL;
-    u32 frame = Gs.gsfb->fbp;
-    u32 depth = Gs.zbuf->zbp;
-    u32 width = Gs.gsfb->fbw;
+    u32* memory = Gs.vRamUL();
+    u32 frame = Gs.gsfb().fbp;
+    u32 depth = Gs.zbuf().zbp;
+    u32 width = Gs.gsfb().fbw;
 };
 
 /// Fills the pixels of row y from column x on. The row is cut where the frame or the depth buffer passes the

@@ -37,7 +37,7 @@ std::array<Entry, count> entriesAt(u32 word) {
 
 /// The palette of an indexed texture as 32-bit colours; black where the palette's format is none of the two.
 Palette loadPalette(u32 textureFormat) {
-    const GsTex0& tex0 = *Gs.tex0;
+    const GsTex0& tex0 = Gs.tex0();
     Palette palette{};
     // CSM 1 palettes start at a pixel of a buffer CBW × 64 wide, in steps of 16 pixels. So do the 16-bit
     // palettes of 8-bit textures, whatever CSM says.
@@ -62,8 +62,8 @@ struct Indexed8Source {
     static constexpr u32 wideFrom = 0;
     const Palette* palette;
     const u8* memory = Gs.vRam;
-    u32 base = Gs.tex0->tbp0 * 4;
-    u32 stride = Gs.tex0->tbw;
+    u32 base = Gs.tex0().tbp0 * 4;
+    u32 stride = Gs.tex0().tbw;
     u32 index = 0;
 
     bool startRow(s32 u, s32 v) {
@@ -79,8 +79,8 @@ struct Indexed4Source {
     static constexpr u32 wideFrom = 0;
     const Palette* palette;
     const u8* memory = Gs.vRam;
-    u32 base = Gs.tex0->tbp0 * 4;
-    u32 stride = Gs.tex0->tbw / 2;
+    u32 base = Gs.tex0().tbp0 * 4;
+    u32 stride = Gs.tex0().tbw / 2;
     u32 row = 0;
     u32 column = 0;
 
@@ -101,9 +101,9 @@ struct ModulatedSource {
     static constexpr bool constantAlpha = false;
     static constexpr u32 wideFrom = 4;
     TexelModulator modulator{Gs.rgba};
-    const u32* memory = Gs.vRamUL;
-    u32 base = Gs.tex0->tbp0;
-    u32 stride = Gs.tex0->tbw;
+    const u32* memory = Gs.vRamUL();
+    u32 base = Gs.tex0().tbp0;
+    u32 stride = Gs.tex0().tbw;
     u32 index = 0;
 
     /// False for a row that starts beyond local memory: it ends the sprite. One that starts right at the end
@@ -184,7 +184,7 @@ void drawSprite_Z(const GsVertex* vertices) {
 }
 
 void drawSpriteT(const GsVertex* vertices) {
-    switch (Gs.tex0->psm) {
+    switch (Gs.tex0().psm) {
     case PSMT8: {
         const Palette palette = loadPalette(PSMT8);
         drawTextured(vertices, Indexed8Source{&palette});

@@ -77,7 +77,7 @@ void copyRow(u32 destination, u32 source, u32 width, bool leftToRight) {
     const bool wraps = destination + width > localMemoryWords || source + width > localMemoryWords;
     const u32 distance = leftToRight ? destination - source : source - destination;
     if (!wraps && distance >= width) {  // no word is overwritten before it is read
-        std::memmove(Gs.vRamUL + destination, Gs.vRamUL + source, width * sizeof(u32));
+        std::memmove(Gs.vRamUL() + destination, Gs.vRamUL() + source, width * sizeof(u32));
         return;
     }
     for (u32 i = 0; i < width; ++i) {

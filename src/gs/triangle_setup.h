@@ -241,7 +241,7 @@ inline bool SetupSections(TriangleEdges& edges, const GsVertex* vertices) {
         }
     }
 
-    const s32 lastRow = static_cast<s32>(Gs.scissor->scay1) + (variant.flat() ? 1 : 0);
+    const s32 lastRow = static_cast<s32>(Gs.scissor().scay1) + (variant.flat() ? 1 : 0);
     edges.Ymin = top->y;
     edges.Ymax = std::min(bottom->y - 1, lastRow);
 

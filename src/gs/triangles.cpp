@@ -70,9 +70,9 @@ struct GouraudSource {
 struct DecalSource {
     static constexpr bool constantAlpha = false;
     static constexpr u32 wideFrom = 16;
-    const u32* memory = Gs.vRamUL;
-    u32 base = Gs.tex0->tbp0;
-    u32 stride = Gs.tex0->tbw;
+    const u32* memory = Gs.vRamUL();
+    u32 base = Gs.tex0().tbp0;
+    u32 stride = Gs.tex0().tbw;
     u32 u = 0, v = 0;
     u32 deltaU = 0, deltaV = 0;
 
@@ -149,8 +149,8 @@ struct ModulateSource : DecalSource {
 template <TriangleVariant variant, class Source, class Depth, class End>
 void fillRows(TriangleEdges& edges, s32 row, Source source, Depth depth, End end) {
     const SpanTarget target;
-    const s32 firstColumn = static_cast<s32>(Gs.scissor->scax0);
-    const s32 lastColumn = static_cast<s32>(Gs.scissor->scax1) + (variant.flat() ? 1 : 0);
+    const s32 firstColumn = static_cast<s32>(Gs.scissor().scax0);
+    const s32 lastColumn = static_cast<s32>(Gs.scissor().scax1) + (variant.flat() ? 1 : 0);
     for (; row <= edges.Ymax; ++row) {
         s32 first = edges.left_x >> 16;
         const s32 last = std::min((edges.right_x >> 16) - 1, lastColumn);
@@ -180,7 +180,7 @@ void drawTriangle(const GsVertex* vertices) {
     const auto& [a, b, c] = edges.vtx;
     countWork((std::max({a.x, b.x, c.x}) - std::min({a.x, b.x, c.x})) >> 16, edges.Ymax - edges.Ymin + 1);
     s32 row = edges.Ymin;
-    for (; row < static_cast<s32>(Gs.scissor->scay0); ++row) {
+    for (; row < static_cast<s32>(Gs.scissor().scay0); ++row) {
         if (NextRow<variant>(edges)) {
             return;
         }

@@ -21,8 +21,8 @@ void moveVertex(std::size_t to) {
     vertex.y = from.y;
     vertex.z = from.z;
     vertex.f = from.f;
-    if (Gs.prim->tme == 1) {
-        if (Gs.prim->fst == 1) {
+    if (Gs.prim().tme == 1) {
+        if (Gs.prim().fst == 1) {
             vertex.u = from.u;
             vertex.v = from.v;
         } else {
@@ -31,7 +31,7 @@ void moveVertex(std::size_t to) {
             vertex.q = from.q;
         }
     }
-    if (Gs.prim->iip == 1) {
+    if (Gs.prim().iip == 1) {
         vertex.rgba = from.rgba;
     }
 }
@@ -49,7 +49,7 @@ void stepGSvertex() { stepFrom(0); }
 void stepGSfanvertex() { stepFrom(1); }
 
 void vertexKick(bool draws) {
-    const u32 type = Gs.prim->type;
+    const u32 type = Gs.prim().type;
     ++Gs.primC;
     if (Gs.primC < primTableC[type]) {
         return;

@@ -21,17 +21,8 @@ inline constexpr bool hasNoPadding<GsVertex> = sizeof(GsVertex) == 10 * sizeof(u
 template <typename T, std::size_t count>
 inline constexpr bool hasNoPadding<std::array<T, count>> = hasNoPadding<T>;
 
-/// A pointer to the current one of two records.
-template <typename Pointer, typename Records>
-struct Selection {
-    Pointer& pointer;
-    Records& records;
-};
-template <typename Pointer, typename Records>
-Selection(Pointer&, Records&) -> Selection<Pointer, Records>;
-
-/// Calls `visit` with each field of the machine: a value without padding, a Selection, or a Buffer. The order
-/// is the same every time.
+/// Calls `visit` with each field of the machine: a value without padding, or a Buffer. The order is the same
+/// every time.
 template <typename MachineType, typename Visit>
 void forEachField(MachineType& machine, Visit&& visit) {
     const auto visitAll = [&visit](auto&&... fields) { (visit(fields), ...); };
@@ -53,24 +44,16 @@ void forEachField(MachineType& machine, Visit&& visit) {
         }
     }
     {
-        // The words of local memory are its bytes.
-        auto& [vRam, vRamUL, gsfbs, zbufs, tex0s, tex1s, tex2s, clamps, miptbp0s, miptbp1s, offsets, scissors,
-               alphas, tests, fbas, gsfb, zbuf, tex0, tex1, tex2, clamp, miptbp0, miptbp1, xyoffset, scissor,
-               alpha, test, fba, prims, prim, prac, gsvertex, primC, rgba, texa, clut, fogcol, fogf, smask,
-               dthe, colclamp, pabe, srcbuf, dstbuf, ldbw, trxpos, imageW, imageH, imageX, imageY, imagePtr,
-               imageTransfer, work, gtag, regs, regn, gifMode, pmode, smode2, dspfbs, modes, gsdspfb, gsmode,
-               magh, magv, interlace] = gs;
+        auto& [vRam, gsfbs, zbufs, tex0s, tex1s, tex2s, clamps, miptbp0s, miptbp1s, offsets, scissors, alphas,
+               tests, fbas, context, prims, prim, prac, gsvertex, primC, rgba, texa, clut, fogcol, fogf,
+               smask, dthe, colclamp, pabe, srcbuf, dstbuf, ldbw, trxpos, imageW, imageH, imageX, imageY,
+               imagePtr, imageTransfer, work, gtag, regs, regn, gifMode, pmode, smode2, dspfbs, modes,
+               circuit, magh, magv, interlace] = gs;
         visitAll(vRam, gsfbs, zbufs, tex0s, tex1s, tex2s, clamps, miptbp0s, miptbp1s, offsets, scissors,
-                 alphas, tests, fbas, prims, prac, gsvertex, primC, rgba, texa, clut, fogcol, fogf, smask,
-                 dthe, colclamp, pabe, srcbuf, dstbuf, ldbw, trxpos, imageW, imageH, imageX, imageY, imagePtr,
-                 imageTransfer, work, gtag, regs, regn, gifMode, pmode, smode2, dspfbs, modes, magh, magv,
-                 interlace);
-        visitAll(Selection{gsfb, gsfbs}, Selection{zbuf, zbufs}, Selection{tex0, tex0s},
-                 Selection{tex1, tex1s}, Selection{tex2, tex2s}, Selection{clamp, clamps},
-                 Selection{miptbp0, miptbp0s}, Selection{miptbp1, miptbp1s}, Selection{xyoffset, offsets},
-                 Selection{scissor, scissors}, Selection{alpha, alphas}, Selection{test, tests},
-                 Selection{fba, fbas}, Selection{prim, prims}, Selection{gsdspfb, dspfbs},
-                 Selection{gsmode, modes});
+                 alphas, tests, fbas, context, prims, prim, prac, gsvertex, primC, rgba, texa, clut, fogcol,
+                 fogf, smask, dthe, colclamp, pabe, srcbuf, dstbuf, ldbw, trxpos, imageW, imageH, imageX,
+                 imageY, imagePtr, imageTransfer, work, gtag, regs, regn, gifMode, pmode, smode2, dspfbs,
+                 modes, circuit, magh, magv, interlace);
     }
     {
         auto& [main, special, gsArea, bios_] = memory;

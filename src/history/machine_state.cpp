@@ -18,10 +18,6 @@ struct Writer {
         const auto* first = reinterpret_cast<const u8*>(&field);
         bytes.insert(bytes.end(), first, first + sizeof field);
     }
-    template <typename Pointer, typename Records>
-    void operator()(const Selection<Pointer, Records>& selection) const {
-        bytes.push_back(selection.pointer == &selection.records[1] ? 1 : 0);
-    }
     void operator()(const Buffer&) const {}
 };
 
@@ -33,11 +29,6 @@ struct Reader {
         static_assert(hasNoPadding<T>);
         std::memcpy(&field, rest.data(), sizeof field);
         rest = rest.subspan(sizeof field);
-    }
-    template <typename Pointer, typename Records>
-    void operator()(Selection<Pointer, Records>& selection) {
-        selection.pointer = &selection.records[rest.front() & 1];
-        rest = rest.subspan(1);
     }
     void operator()(Buffer&) {}
 };
@@ -52,7 +43,8 @@ bool isPlausible(const Machine& machine) {
     bool plausible = machine.cpu.delaySlotDepth == 0 && machine.cpu.stop <= Stop::UnalignedAddress &&
                      gifEnd <= mainMemorySize && machine.traceLine.back() == 0 && gs.primC >= 0 &&
                      gs.primC <= 3 && static_cast<u32>(gs.gifMode) <= 3 && gs.regn < 16 &&
-                     gs.gtag.nreg <= 16 && gs.pmode <= 1;
+                     gs.gtag.nreg <= 16 && gs.pmode <= 1 && gs.currentContext <= 1 && gs.currentPrim <= 1 &&
+                     gs.currentCircuit <= 1;
     for (const GsVertex& vertex : gs.gsvertex) {
         plausible = plausible && within(vertex.x, 0xFFFF) && within(vertex.y, 0xFFFF) &&
                     within(vertex.u, 0xFFFF) && within(vertex.v, 0xFFFF);

@@ -220,16 +220,12 @@ struct GsDisplay {
     u32 height = 0;
 };
 
-/// All that the renderer remembers. Per-context arrays carry a leading underscore (index 0 is context 1);
-/// the bare names point at the record of the current context, set by gsSetCtxt.
+/// All that the renderer remembers. Per-context arrays carry a leading underscore (index 0 is context 1); the
+/// function of the bare name gives the record of the current one.
 struct GsState {
-    GsState() = default;
-    GsState(const GsState&) = delete;  // the current-context pointers point into the record itself
-    GsState& operator=(const GsState&) = delete;
-
     // Local memory, as bytes and as words; the same 4 MB. Every index into it is taken modulo its size.
     Buffer vRam;
-    u32* vRamUL = nullptr;
+    u32* vRamUL() const { return reinterpret_cast<u32*>(vRam.begin()); }
 
     // Drawing contexts.
     std::array<GsFrame, 2> _gsfb{};
@@ -246,23 +242,26 @@ struct GsState {
     std::array<GsTest, 2> _test{};
     std::array<u32, 2> _fba{};
 
-    GsFrame* gsfb = &_gsfb[0];
-    GsZbuf* zbuf = &_zbuf[0];
-    GsTex0* tex0 = &_tex0[0];
-    GsTex1* tex1 = &_tex1[0];
-    GsTex2* tex2 = &_tex2[0];
-    GsClamp* clamp = &_clamp[0];
-    GsMipTbp* miptbp0 = &_miptbp0[0];
-    GsMipTbp* miptbp1 = &_miptbp1[0];
-    GsOffset* xyoffset = &_offset[0];
-    GsScissor* scissor = &_scissor[0];
-    GsAlpha* alpha = &_alpha[0];
-    GsTest* test = &_test[0];
-    u32* fba = &_fba[0];
+    u32 currentContext = 0;  ///< 0 or 1, set by gsSetCtxt
+
+    GsFrame& gsfb() { return _gsfb[currentContext]; }
+    GsZbuf& zbuf() { return _zbuf[currentContext]; }
+    GsTex0& tex0() { return _tex0[currentContext]; }
+    GsTex1& tex1() { return _tex1[currentContext]; }
+    GsTex2& tex2() { return _tex2[currentContext]; }
+    GsClamp& clamp() { return _clamp[currentContext]; }
+    GsMipTbp& miptbp0() { return _miptbp0[currentContext]; }
+    GsMipTbp& miptbp1() { return _miptbp1[currentContext]; }
+    GsOffset& xyoffset() { return _offset[currentContext]; }
+    GsScissor& scissor() { return _scissor[currentContext]; }
+    GsAlpha& alpha() { return _alpha[currentContext]; }
+    GsTest& test() { return _test[currentContext]; }
+    u32& fba() { return _fba[currentContext]; }
 
     // Drawing state without a context.
     std::array<GsPrim, 2> _prim{};
-    GsPrim* prim = &_prim[0];            ///< the _prim record that prac selects
+    u32 currentPrim = 0;  ///< the _prim record that prac selected when it was written last
+    GsPrim& prim() { return _prim[currentPrim]; }
     u32 prac = 1;                        ///< PRMODECONT
     std::array<GsVertex, 3> gsvertex{};  ///< the queue
     s32 primC = 0;                       ///< vertices in the queue
@@ -303,8 +302,9 @@ struct GsState {
     GsSmode2 smode2{};
     std::array<GsDispFb, 2> _gsdspfb{};
     std::array<GsDisplay, 2> _gsmode{};
-    GsDispFb* gsdspfb = &_gsdspfb[0];
-    GsDisplay* gsmode = &_gsmode[0];
+    u32 currentCircuit = 0;  ///< pmode as of the last write to a privileged register
+    GsDispFb& gsdspfb() { return _gsdspfb[currentCircuit]; }
+    GsDisplay& gsmode() { return _gsmode[currentCircuit]; }
     u32 magh = 0;
     u32 magv = 0;
     u32 interlace = 0;  ///< flipped by each read of 0x12000400

@@ -21,12 +21,10 @@ constinit Machine machine;
 void reset(Machine& target) {
     MemoryAreas memory = std::move(target.memory);
     Buffer localMemory = std::move(target.gs.vRam);
-    u32* localWords = target.gs.vRamUL;
     std::destroy_at(&target);
     std::construct_at(&target);
     target.memory = std::move(memory);
     target.gs.vRam = std::move(localMemory);
-    target.gs.vRamUL = localWords;
 }
 
 void setStartState(Machine& target, u32 entry) {

@@ -69,8 +69,8 @@ void present(std::vector<u8>& bytes, const SDL_Surface& surface) {
     if ((conf.bpp + 7) / 8 != surface.format->BytesPerPixel) {
         return;
     }
-    const s32 w = static_cast<s32>(Gs.gsmode->width);
-    const s32 h = static_cast<s32>(Gs.gsmode->height);
+    const s32 w = static_cast<s32>(Gs.gsmode().width);
+    const s32 h = static_cast<s32>(Gs.gsmode().height);
     for (s32 row = 0; row < std::min(conf.height, surface.h); ++row) {
         for (s32 column = 0; column < std::min(conf.width, surface.w); ++column) {
             s32 x = column - (w < conf.width ? (conf.width - w) / 2 : 0);
@@ -81,8 +81,8 @@ void present(std::vector<u8>& bytes, const SDL_Surface& surface) {
             } else if (x < 0 || x >= w || y < 0 || y >= h) {
                 continue;
             }
-            const u32 index = Gs.gsdspfb->fbp + (Gs.gsdspfb->dby + static_cast<u32>(y)) * Gs.gsdspfb->fbw +
-                              Gs.gsdspfb->dbx + static_cast<u32>(x);
+            const u32 index = Gs.gsdspfb().fbp + (Gs.gsdspfb().dby + static_cast<u32>(y)) * Gs.gsdspfb().fbw +
+                              Gs.gsdspfb().dbx + static_cast<u32>(x);
             const auto [pixel, count] = hostBytes(pattern(index % localMemoryWords), conf.bpp);
             std::memcpy(
                 &bytes[static_cast<u32>(row * surface.pitch + column * surface.format->BytesPerPixel)],

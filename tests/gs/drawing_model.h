@@ -20,14 +20,14 @@ class DrawingModel {
     /// Draws one completed primitive of the current type from the queue.
     void draw(const GsVertex* queue) {
         static constexpr int counts[] = {1, 2, 2, 3, 3, 3, 2, 0};
-        const u32 type = Gs.prim->type;
+        const u32 type = Gs.prim().type;
         GsVertex v[3];
         for (int i = 0; i < counts[type]; ++i) {
             v[i] = queue[i];
-            v[i].x -= static_cast<s32>(Gs.xyoffset->ofx);
-            v[i].y -= static_cast<s32>(Gs.xyoffset->ofy);
+            v[i].x -= static_cast<s32>(Gs.xyoffset().ofx);
+            v[i].y -= static_cast<s32>(Gs.xyoffset().ofy);
             if (type > 0) {
-                clip(v[i], Gs.prim->tme == 1 && type > 2);
+                clip(v[i], Gs.prim().tme == 1 && type > 2);
             }
         }
         if (type == 0) {
@@ -52,14 +52,14 @@ class DrawingModel {
 
   private:
     static u32 wrap(s64 index) { return static_cast<u32>(index & 0xFFFFF); }
-    static s32 scissorLeft() { return static_cast<s32>(Gs.scissor->scax0); }
-    static s32 scissorRight() { return static_cast<s32>(Gs.scissor->scax1); }
-    static s32 scissorTop() { return static_cast<s32>(Gs.scissor->scay0); }
-    static s32 scissorBottom() { return static_cast<s32>(Gs.scissor->scay1); }
-    static s32 width() { return static_cast<s32>(Gs.gsfb->fbw); }
-    static s32 height() { return static_cast<s32>(Gs.gsfb->maxRows); }
-    static s64 frameIndex(s64 x, s64 y) { return Gs.gsfb->fbp + y * Gs.gsfb->fbw + x; }
-    static s64 depthIndex(s64 x, s64 y) { return Gs.zbuf->zbp + y * Gs.gsfb->fbw + x; }
+    static s32 scissorLeft() { return static_cast<s32>(Gs.scissor().scax0); }
+    static s32 scissorRight() { return static_cast<s32>(Gs.scissor().scax1); }
+    static s32 scissorTop() { return static_cast<s32>(Gs.scissor().scay0); }
+    static s32 scissorBottom() { return static_cast<s32>(Gs.scissor().scay1); }
+    static s32 width() { return static_cast<s32>(Gs.gsfb().fbw); }
+    static s32 height() { return static_cast<s32>(Gs.gsfb().maxRows); }
+    static s64 frameIndex(s64 x, s64 y) { return Gs.gsfb().fbp + y * Gs.gsfb().fbw + x; }
+    static s64 depthIndex(s64 x, s64 y) { return Gs.zbuf().zbp + y * Gs.gsfb().fbw + x; }
     static u32 byteOf(u32 word, int index) { return word >> (8 * index) & 0xFF; }
 
     static s32 toTexel(f32 value, f32 q, u32 size) {
@@ -71,9 +71,9 @@ class DrawingModel {
     }
 
     static void clip(GsVertex& v, bool textured) {
-        if (textured && Gs.prim->fst == 0) {
-            v.u = v.q == 0 ? 0 : toTexel(v.s, v.q, Gs.tex0->tw);
-            v.v = v.q == 0 ? 0 : toTexel(v.t, v.q, Gs.tex0->th);
+        if (textured && Gs.prim().fst == 0) {
+            v.u = v.q == 0 ? 0 : toTexel(v.s, v.q, Gs.tex0().tw);
+            v.v = v.q == 0 ? 0 : toTexel(v.t, v.q, Gs.tex0().th);
         }
         const s64 x = std::min(std::max(v.x, scissorLeft()), scissorRight());
         const s64 y = std::min(std::max(v.y, scissorTop()), scissorBottom());
@@ -92,20 +92,20 @@ class DrawingModel {
     /// The end of a pixel: blending where asked for, the alpha test, the store.
     void pixel(s64 x, s64 y, u32 colour) {
         const s64 index = frameIndex(x, y);
-        if (Settings.blend == 1 && Gs.prim->abe == 1) {
+        if (Settings.blend == 1 && Gs.prim().abe == 1) {
             colour = blend(colour, memory[wrap(index)]);
         }
-        const s32 difference = static_cast<s32>(colour >> 24) - static_cast<s32>(Gs.test->aref);
+        const s32 difference = static_cast<s32>(colour >> 24) - static_cast<s32>(Gs.test().aref);
         const bool outcomes[] = {
             false, true, difference<0, difference <= 0, difference == 0, difference >= 0, difference> 0,
             difference != 0};
-        if (Gs.test->ate == 0 || outcomes[Gs.test->atst]) {
+        if (Gs.test().ate == 0 || outcomes[Gs.test().atst]) {
             store(index, colour);
         }
     }
 
     static u32 blend(u32 source, u32 destination) {
-        const GsAlpha& alpha = *Gs.alpha;
+        const GsAlpha& alpha = Gs.alpha();
         const u32 inputs[] = {source, destination, 0, 0};
         const u32 factors[] = {source >> 24, destination >> 24, alpha.fix, 0};
         u32 result = 0;
@@ -119,7 +119,7 @@ class DrawingModel {
     }
 
     static bool depthPasses(u32 z, u32 stored) {
-        return Gs.test->ztst == 1 || z > stored || (Gs.test->ztst == 2 && z == stored);
+        return Gs.test().ztst == 1 || z > stored || (Gs.test().ztst == 2 && z == stored);
     }
 
     static u32 modulate(u32 texel, u32 colour) {
@@ -141,10 +141,10 @@ class DrawingModel {
         std::array<const GsVertex*, 3> sorted = {v, v + 1, v + 2};
         std::stable_sort(sorted.begin(), sorted.end(), [](auto a, auto b) { return a->y < b->y; });
         const auto [top, middle, bottom] = sorted;
-        const bool textured = Gs.prim->tme == 1;
-        const bool gouraud = Gs.prim->iip == 1;
-        const bool tested = Gs.test->zte == 1 && !gouraud;
-        if (top->y == bottom->y || (tested && Gs.test->ztst == 0)) {
+        const bool textured = Gs.prim().tme == 1;
+        const bool gouraud = Gs.prim().iip == 1;
+        const bool tested = Gs.test().zte == 1 && !gouraud;
+        if (top->y == bottom->y || (tested && Gs.test().ztst == 0)) {
             return;
         }
         const s64 fraction = (middle->y - top->y) * 65536 / (bottom->y - top->y);
@@ -190,8 +190,8 @@ class DrawingModel {
                 if (textured) {
                     const s64 u = static_cast<s16>(a[0]);
                     const s64 row = static_cast<s16>(a[1]);
-                    const u32 texel = memory[wrap(Gs.tex0->tbp0 + row * Gs.tex0->tbw + u)];
-                    const bool decal = gouraud || Gs.tex0->tfx != 0;
+                    const u32 texel = memory[wrap(Gs.tex0().tbp0 + row * Gs.tex0().tbw + u)];
+                    const bool decal = gouraud || Gs.tex0().tfx != 0;
                     colour = decal ? texel : modulate(texel, Gs.rgba & 0xFFFFFF);
                 } else if (gouraud) {
                     colour = static_cast<u32>((a[2] & 0xFF) << 16 | (a[3] & 0xFF) << 8 | (a[4] & 0xFF));
@@ -229,16 +229,16 @@ class DrawingModel {
             const s32 v = first.v + y - first.y;
             for (s32 x = first.x; x < second.x; ++x) {
                 const s32 u = first.u + x - first.x;
-                if (Gs.prim->tme == 0) {
+                if (Gs.prim().tme == 0) {
                     flatSpritePixel(x, y, second.z);
                 } else if (u < second.u && v < second.v) {
-                    const s64 row = Gs.tex0->tbp0 + s64{v} * Gs.tex0->tbw;
+                    const s64 row = Gs.tex0().tbp0 + s64{v} * Gs.tex0().tbw;
                     u32 colour;
-                    if (Gs.tex0->psm == 19) {
-                        colour = palette[byteAt(Gs.tex0->tbp0 * s64{4} + s64{v} * Gs.tex0->tbw + u)];
-                    } else if (Gs.tex0->psm == 20) {
+                    if (Gs.tex0().psm == 19) {
+                        colour = palette[byteAt(Gs.tex0().tbp0 * s64{4} + s64{v} * Gs.tex0().tbw + u)];
+                    } else if (Gs.tex0().psm == 20) {
                         const u32 pair =
-                            byteAt(Gs.tex0->tbp0 * s64{4} + s64{v} * (Gs.tex0->tbw / 64 * 32) + u / 2);
+                            byteAt(Gs.tex0().tbp0 * s64{4} + s64{v} * (Gs.tex0().tbw / 64 * 32) + u / 2);
                         colour = palette[u % 2 == 1 ? pair / 16 : pair % 16];
                     } else if (row > 0x100000) {
                         return;
@@ -252,12 +252,12 @@ class DrawingModel {
     }
 
     void flatSpritePixel(s32 x, s32 y, u32 z) {
-        if (Gs.test->zte == 0) {
+        if (Gs.test().zte == 0) {
             pixel(x, y, Gs.rgba);
-        } else if (Gs.test->ztst == 1) {
+        } else if (Gs.test().ztst == 1) {
             pixel(x, y, Gs.rgba);
             store(depthIndex(x, y), z);
-        } else if (Gs.test->ztst != 0 && depthPasses(z, memory[wrap(depthIndex(x, y))])) {
+        } else if (Gs.test().ztst != 0 && depthPasses(z, memory[wrap(depthIndex(x, y))])) {
             store(frameIndex(x, y), Gs.rgba);
             store(depthIndex(x, y), z);
         }
@@ -266,7 +266,7 @@ class DrawingModel {
     u32 byteAt(s64 index) const { return byteOf(memory[wrap(index >> 2)], static_cast<int>(index & 3)); }
 
     std::array<u32, 256> loadPalette() const {
-        const GsTex0& tex0 = *Gs.tex0;
+        const GsTex0& tex0 = Gs.tex0();
         std::array<u32, 256> palette{};
         const u32 offset = Gs.clut.cov * Gs.clut.cbw * 64 + Gs.clut.cou * 16;
         for (u32 i = 0; i < 256; ++i) {

@@ -42,7 +42,7 @@ class Drawing : public GsMachine {
         }
         Positions result;
         for (u32 i = 0; i < 640 * 448; ++i) {
-            if (std::exchange(Gs.vRamUL[i], 0) != 0) {
+            if (std::exchange(Gs.vRamUL()[i], 0) != 0) {
                 result.push_back({i % 640, i / 640});
             }
         }
@@ -83,10 +83,10 @@ TEST_F(Drawing, TheQueueStepsByType) {
     // A vertex without drawing completes and steps all the same.
     GSwrite(triangleStrip, PRIM);
     xyz(0, 0), xyz(8, 0), xyz(0, 8, 0, XYZ3);
-    EXPECT_EQ(Gs.vRamUL[0], 0u);
+    EXPECT_EQ(Gs.vRamUL()[0], 0u);
     EXPECT_EQ(Gs.primC, 2);
     xyz(8, 8);
-    EXPECT_NE(Gs.vRamUL[640 * 4 + 5], 0u);
+    EXPECT_NE(Gs.vRamUL()[640 * 4 + 5], 0u);
 }
 
 TEST_F(Drawing, TheQueueCarriesOnlyTheAttributesInUse) {
@@ -106,7 +106,7 @@ TEST_F(Drawing, TheQueueCarriesOnlyTheAttributesInUse) {
     // A flat strip is drawn in the last colour, whatever its vertices were given.
     GSwrite(triangleStrip, PRIM);
     colour(1), xyz(0, 0), colour(2), xyz(8, 0), colour(3), xyz(0, 8);
-    EXPECT_EQ(Gs.vRamUL[641], 3u);
+    EXPECT_EQ(Gs.vRamUL()[641], 3u);
     GSwrite(~u64{0}, UV), GSwrite(~u64{0}, XYZ3);
     const GsVertex& whole = Gs.gsvertex[2];
     EXPECT_TRUE(whole.u == 2047 && whole.v == 2047 && whole.x == 4095 && whole.y == 4095 && whole.z == ~0u);
@@ -114,12 +114,12 @@ TEST_F(Drawing, TheQueueCarriesOnlyTheAttributesInUse) {
 
 TEST_F(Drawing, ASpriteOf32BitTexelsStopsBeyondLocalMemory) {
     GSwrite(0x3FFF | 1 << 14, TEX0_1);  // the last 64 words, 64 texels a row
-    Gs.vRamUL[0xFFFC0] = 0x00808080;
-    Gs.vRamUL[0] = 0x00404040;  // what a row right at the end of memory reads
+    Gs.vRamUL()[0xFFFC0] = 0x00808080;
+    Gs.vRamUL()[0] = 0x00404040;  // what a row right at the end of memory reads
     GSwrite(sprite | tme | fst, PRIM);
     GSwrite(0, UV), xyz(8, 8), GSwrite(1 << 4 | 9 << 20, UV), xyz(9, 20);
     for (const auto& [row, drawn] : {std::pair{8, true}, {9, true}, {10, false}}) {
-        EXPECT_EQ(Gs.vRamUL[row * 640 + 8] != 0, drawn) << row;
+        EXPECT_EQ(Gs.vRamUL()[row * 640 + 8] != 0, drawn) << row;
     }
 }
 
@@ -127,7 +127,7 @@ TEST_F(Drawing, TheSteepestDepthGradientWrapsInsteadOfTrapping) {
     GSwrite(1 << 16 | 1 << 17, TEST_1);
     GSwrite(triangle, PRIM);  // -2^63 over a width of -1/65536 pixel
     xyz(0, 0, 0x80000000), xyz(1, 1, 0), xyz(3, 3, 0x80000000);
-    EXPECT_EQ(std::count(Gs.vRamUL, Gs.vRamUL + 640 * 448, 0u), 640 * 448);
+    EXPECT_EQ(std::count(Gs.vRamUL(), Gs.vRamUL() + 640 * 448, 0u), 640 * 448);
 }
 
 }  // namespace

@@ -132,11 +132,11 @@ TEST_F(Gif, TagsSayHowMuchDataFollow) {
 
 TEST_F(Gif, TagsMayCarryPrim) {
     GifStream().tag(GifStream::reglist, 0, 1, 0, GifStream::pre(6)).send();
-    EXPECT_EQ(Gs.prim->type, 0u) << "only PACKED tags do";
+    EXPECT_EQ(Gs.prim().type, 0u) << "only PACKED tags do";
     GifStream().tag(GifStream::packed, 0, 1, 0, GifStream::pre(0x7FE)).send();
-    EXPECT_TRUE(Gs.prim->type == 6 && Gs.prim->fix == 1);
+    EXPECT_TRUE(Gs.prim().type == 6 && Gs.prim().fix == 1);
     GifStream().tag(GifStream::packed, 0, 1, 0, GifStream::pre(3) & ~GifStream::pre(0)).send();
-    EXPECT_EQ(Gs.prim->type, 6u) << "PRE is 0";
+    EXPECT_EQ(Gs.prim().type, 6u) << "PRE is 0";
 }
 
 TEST_F(Gif, ImageTagAfterALocalMoveCarriesNoData) {

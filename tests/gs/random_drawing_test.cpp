@@ -18,9 +18,9 @@ class RandomDrawing : public GsMachine {
     RandomDrawing() {
         fillLocalMemory();
         for (u32 i = 0; i < localMemoryWords; i += 1 + random(8)) {
-            Gs.vRamUL[i] &= 0xFFFF8000;  // black, which may be a transparent entry of a palette
+            Gs.vRamUL()[i] &= 0xFFFF8000;  // black, which may be a transparent entry of a palette
         }
-        model.memory = background = {Gs.vRamUL, Gs.vRamUL + localMemoryWords};
+        model.memory = background = {Gs.vRamUL(), Gs.vRamUL() + localMemoryWords};
     }
     ~RandomDrawing() override { Settings.blend = 0; }
 
@@ -38,18 +38,18 @@ class RandomDrawing : public GsMachine {
             prepare();
             model.touched.clear();
             model.draw(vertices.data());
-            primTable[Gs.prim->type](vertices.data());
-            if (std::memcmp(Gs.vRamUL, model.memory.data(), localMemoryBytes) != 0) {
+            primTable[Gs.prim().type](vertices.data());
+            if (std::memcmp(Gs.vRamUL(), model.memory.data(), localMemoryBytes) != 0) {
                 u32 word = 0;
-                while (Gs.vRamUL[word] == model.memory[word]) {
+                while (Gs.vRamUL()[word] == model.memory[word]) {
                     ++word;
                 }
-                FAIL() << "case " << number << ": word " << std::hex << word << " is " << Gs.vRamUL[word]
+                FAIL() << "case " << number << ": word " << std::hex << word << " is " << Gs.vRamUL()[word]
                        << ", the model has " << model.memory[word] << ", before it was " << background[word];
             }
             drawn += !model.touched.empty();
             for (const u32 index : model.touched) {
-                model.memory[index] = Gs.vRamUL[index] = background[index];
+                model.memory[index] = Gs.vRamUL()[index] = background[index];
             }
         }
         EXPECT_TRUE(only != nullptr || drawn > count / 5) << "only " << drawn << " cases drew anything";
@@ -64,42 +64,42 @@ class RandomDrawing : public GsMachine {
         const u32 zbp = hostile ? (chance(4) ? fbp : 2048 * end(512)) : 0x60000 + 2048 * random(16);
         const u32 over = hostile ? fbp : (chance(2) ? fbp : zbp) + 64 * random(64);
         const u32 apart = hostile ? 64 * end(16384) : 0xC0000 + 64 * random(256);
-        *Gs.gsfb = {.fbp = fbp, .fbw = width, .maxRows = localMemoryWords / std::max(width, 1u)};
-        *Gs.zbuf = {.zbp = zbp};
-        *Gs.tex0 = {.tbp0 = chance(4) ? over : apart,
-                    .tbw = 64 * (hostile ? random(64) : 1 + random(16)),
-                    .psm = hostile && chance(2) ? random(64) : std::array{0u, 2u, 19u, 20u}[random(4)],
-                    .tw = 1u << random(11),
-                    .th = 1u << random(11),
-                    .tfx = random(4),
-                    .cbp = 64 * (hostile ? end(16384) : random(16384)),
-                    .cpsm = hostile && chance(4) ? random(16) : 2 * random(2),
-                    .csm = random(2)};
+        Gs.gsfb() = {.fbp = fbp, .fbw = width, .maxRows = localMemoryWords / std::max(width, 1u)};
+        Gs.zbuf() = {.zbp = zbp};
+        Gs.tex0() = {.tbp0 = chance(4) ? over : apart,
+                     .tbw = 64 * (hostile ? random(64) : 1 + random(16)),
+                     .psm = hostile && chance(2) ? random(64) : std::array{0u, 2u, 19u, 20u}[random(4)],
+                     .tw = 1u << random(11),
+                     .th = 1u << random(11),
+                     .tfx = random(4),
+                     .cbp = 64 * (hostile ? end(16384) : random(16384)),
+                     .cpsm = hostile && chance(4) ? random(16) : 2 * random(2),
+                     .csm = random(2)};
         const auto from0 = [&](u32 limit) { return chance(2) ? 0 : random(limit); };
         const u32 farOffset = hostile ? 4096 : 300, farScissor = hostile ? 2048 : 200;
         const auto last = [&](u32 whole, u32 part) {
             return hostile ? end(2048) : chance(2) ? whole : 200 + random(part);
         };
-        *Gs.xyoffset = {.ofx = from0(farOffset), .ofy = from0(farOffset)};
-        *Gs.scissor = {.scax0 = from0(farScissor),
-                       .scay0 = from0(farScissor),
-                       .scax1 = last(639, 400),
-                       .scay1 = last(447, 200)};
+        Gs.xyoffset() = {.ofx = from0(farOffset), .ofy = from0(farOffset)};
+        Gs.scissor() = {.scax0 = from0(farScissor),
+                        .scay0 = from0(farScissor),
+                        .scax1 = last(639, 400),
+                        .scay1 = last(447, 200)};
     }
 
     /// The state that both kinds of case choose alike; the case's number runs through all the combinations.
     void choosePixelState(u32 number) {
-        Gs.prim->tme = bit(number, 0);
-        Gs.prim->iip = bit(number, 1);
-        *Gs.test = {.ate = bit(number, 2),
-                    .atst = bits(number, 3, 3),
-                    .aref = chance(4) ? 255 * random(2) : random(256),
-                    .zte = bit(number, 6),
-                    .ztst = bits(number, 7, 2)};
-        Gs.prim->fst = random(2);
-        Gs.prim->abe = random(2);
+        Gs.prim().tme = bit(number, 0);
+        Gs.prim().iip = bit(number, 1);
+        Gs.test() = {.ate = bit(number, 2),
+                     .atst = bits(number, 3, 3),
+                     .aref = chance(4) ? 255 * random(2) : random(256),
+                     .zte = bit(number, 6),
+                     .ztst = bits(number, 7, 2)};
+        Gs.prim().fst = random(2);
+        Gs.prim().abe = random(2);
         Settings.blend = static_cast<u8>(chance(4));
-        *Gs.alpha = {.a = random(4), .b = random(4), .c = random(4), .d = random(4), .fix = random(256)};
+        Gs.alpha() = {.a = random(4), .b = random(4), .c = random(4), .d = random(4), .fix = random(256)};
         Gs.texa = {.ta0 = random(256), .ta1 = random(256), .aem = random(2)};
         Gs.clut = {.cbw = random(64), .cou = random(64), .cov = random(1024)};
         Gs.rgba = chance(4) ? (random(2) * 0xFF000000) | 0x808080 : static_cast<u32>(generator());
@@ -112,8 +112,8 @@ class RandomDrawing : public GsMachine {
                 offset + (first >= end || chance(8) ? random(2048) : first + random(end - first));
             return start - std::min(start, random(spread));
         };
-        const u32 left = origin(Gs.xyoffset->ofx, Gs.scissor->scax0, Gs.scissor->scax1, Gs.gsfb->fbw);
-        const u32 top = origin(Gs.xyoffset->ofy, Gs.scissor->scay0, Gs.scissor->scay1, Gs.gsfb->maxRows);
+        const u32 left = origin(Gs.xyoffset().ofx, Gs.scissor().scax0, Gs.scissor().scax1, Gs.gsfb().fbw);
+        const u32 top = origin(Gs.xyoffset().ofy, Gs.scissor().scay0, Gs.scissor().scay1, Gs.gsfb().maxRows);
         const u32 depth = static_cast<u32>(generator());
         const auto ratio = [&](f32 q) {
             return wild ? std::bit_cast<f32>(static_cast<u32>(generator()))
@@ -139,14 +139,14 @@ class RandomDrawing : public GsMachine {
 
 TEST_F(RandomDrawing, TrianglesOfEveryVariant) {
     runCases(6 * 512, false, [&] {
-        Gs.prim->type = 3 + random(3);
+        Gs.prim().type = 3 + random(3);
         chooseVertices(chance(40) ? 500 : chance(2) ? 40 : 8, false);
     });
 }
 
 TEST_F(RandomDrawing, SpritesOfEveryFormat) {
     runCases(4 * 512, false, [&] {
-        Gs.prim->type = 6;
+        Gs.prim().type = 6;
         chooseVertices(chance(40) ? 500 : 40, false);
         if (!chance(8)) {  // corners out of order draw nothing
             for (const auto field : {&GsVertex::x, &GsVertex::y, &GsVertex::u, &GsVertex::v}) {
@@ -158,19 +158,19 @@ TEST_F(RandomDrawing, SpritesOfEveryFormat) {
 
 TEST_F(RandomDrawing, LinesAndPoints) {
     runCases(2 * 512, false, [&] {
-        Gs.prim->type = random(3);
+        Gs.prim().type = random(3);
         chooseVertices(chance(2) ? 500 : 12, false);
     });
 }
 
 TEST_F(RandomDrawing, NothingLeavesLocalMemoryWhateverTheRegistersHold) {
     runCases(4096, true, [&] {
-        Gs.prim->type = random(8);
+        Gs.prim().type = random(8);
         chooseVertices(chance(16) ? 4096 : 200, true);
         if (chance(2)) {  // the first rows, where buffers at the end of memory wrap
             const s32 first = std::min({vertices[0].y, vertices[1].y, vertices[2].y});
             for (GsVertex& vertex : vertices) {
-                vertex.y += static_cast<s32>(Gs.xyoffset->ofy) - first;
+                vertex.y += static_cast<s32>(Gs.xyoffset().ofy) - first;
             }
         }
     });

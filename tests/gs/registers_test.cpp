@@ -83,8 +83,8 @@ TEST_F(Registers, EveryFieldTakesExactlyItsBits) {
 TEST_F(Registers, DerivedSizes) {
     for (const u32 field : {0u, 9u, 10u, 12u, 15u}) {
         GSwrite(u64{field} << 26 | u64{15 - field} << 30, TEX0_1);
-        EXPECT_EQ(Gs.tex0->tw, field < 10 ? 1u << field : 1024u);
-        EXPECT_EQ(Gs.tex0->th, 15 - field < 10 ? 1u << (15 - field) : 1024u);
+        EXPECT_EQ(Gs.tex0().tw, field < 10 ? 1u << field : 1024u);
+        EXPECT_EQ(Gs.tex0().th, 15 - field < 10 ? 1u << (15 - field) : 1024u);
     }
     for (const auto& [width, rows] : {std::pair{0u, 0x100000u}, {1u, 16384u}, {10u, 1638u}, {63u, 260u}}) {
         GSwrite(u64{width} << 16, FRAME_2);
@@ -104,21 +104,21 @@ TEST_F(Registers, DerivedSizes) {
 TEST_F(Registers, PrimitiveAttributesComeFromPrimOrPrmode) {
     Gs.primC = 2;
     GSwrite(0x10, PRMODE);  // AC is 1 at start: ignored
-    EXPECT_TRUE(Gs.prim->tme == 0 && Gs.primC == 2);
+    EXPECT_TRUE(Gs.prim().tme == 0 && Gs.primC == 2);
     GSwrite(0x20B, PRIM);  // triangle, gouraud, context 2
-    EXPECT_EQ(Gs.prim, &Gs._prim[0]) << "PRMODECONT has not been written";
-    EXPECT_TRUE(Gs.gsfb == &Gs._gsfb[1] && Gs.primC == 0);
+    EXPECT_EQ(&Gs.prim(), &Gs._prim[0]) << "PRMODECONT has not been written";
+    EXPECT_TRUE(&Gs.gsfb() == &Gs._gsfb[1] && Gs.primC == 0);
     GSwrite(1, PRMODECONT);  // the other record, all 0: the context follows
-    EXPECT_EQ(Gs.test, &Gs._test[0]);
+    EXPECT_EQ(&Gs.test(), &Gs._test[0]);
     GSwrite(0, PRMODECONT);
-    EXPECT_EQ(Gs.test, &Gs._test[1]);
+    EXPECT_EQ(&Gs.test(), &Gs._test[1]);
 
     Gs.primC = 1;
     GSwrite(0x7FE, PRIM);  // AC is 0: the type alone
-    EXPECT_TRUE(Gs.prim->type == 6 && Gs.prim->abe == 0 && Gs.primC == 1);
+    EXPECT_TRUE(Gs.prim().type == 6 && Gs.prim().abe == 0 && Gs.primC == 1);
     GSwrite(0x141, PRMODE);  // ABE, FST, context 1; not the type
-    EXPECT_TRUE(Gs.prim->type == 6 && Gs.prim->iip == 0 && Gs.prim->abe == 1 && Gs.prim->fst == 1);
-    EXPECT_TRUE(Gs.zbuf == &Gs._zbuf[0] && Gs.primC == 0);
+    EXPECT_TRUE(Gs.prim().type == 6 && Gs.prim().iip == 0 && Gs.prim().abe == 1 && Gs.prim().fst == 1);
+    EXPECT_TRUE(&Gs.zbuf() == &Gs._zbuf[0] && Gs.primC == 0);
 }
 
 TEST_F(Registers, WhatIsNotAssignedStoresNothing) {
@@ -157,14 +157,14 @@ TEST_F(Registers, DisplaySizeIsDividedByTheMagnification) {
 
 TEST_F(Registers, DisplayCircuitIsChosenByPmode) {
     const auto first = [] {
-        return std::array{Gs.gsdspfb->fbp, Gs.gsdspfb->psm, Gs.gsdspfb->dbx, Gs.gsdspfb->dby};
+        return std::array{Gs.gsdspfb().fbp, Gs.gsdspfb().psm, Gs.gsdspfb().dbx, Gs.gsdspfb().dby};
     };
     GSwrite64(0x12000070, 0x3 | 10 << 9 | 2 << 15 | u64{5} << 32 | u64{6} << 43);
     GSwrite64(0x12000090, 0x4 | 5 << 9);
     EXPECT_EQ(first(), (std::array{3u * 2048, 2u, 5u, 6u}));
     GSwrite64(0x12000000, 2);
-    EXPECT_TRUE(Gs.gsdspfb == &Gs._gsdspfb[1] && Gs.gsmode == &Gs._gsmode[1]);
-    EXPECT_EQ(Gs.gsdspfb->fbw, 320u);
+    EXPECT_TRUE(&Gs.gsdspfb() == &Gs._gsdspfb[1] && &Gs.gsmode() == &Gs._gsmode[1]);
+    EXPECT_EQ(Gs.gsdspfb().fbw, 320u);
     GSwrite32(0x12000000, 3);
     GSwrite32(0x12000070, 7);  // there is no upper word
     EXPECT_EQ(first(), (std::array{7u * 2048, 0u, 0u, 0u}));
@@ -178,14 +178,14 @@ TEST_F(Registers, PrivilegedReads) {
 }
 
 TEST_F(Registers, InitialisationAndItsFailure) {
-    EXPECT_TRUE(Gs.gsmode->width == 640 && Gs.gsmode->height == 480);
-    EXPECT_TRUE(Gs.gsdspfb->fbw == 640 && Gs.gsdspfb->maxRows == 1638);
+    EXPECT_TRUE(Gs.gsmode().width == 640 && Gs.gsmode().height == 480);
+    EXPECT_TRUE(Gs.gsdspfb().fbw == 640 && Gs.gsdspfb().maxRows == 1638);
     EXPECT_EQ(GSinit(), 0);  // again: nothing leaks
     GSreset();
 
     const FailingAllocation failing;
     EXPECT_EQ(GSinit(), -1);
-    EXPECT_EQ(Gs.gsmode->width, 0u);
+    EXPECT_EQ(Gs.gsmode().width, 0u);
     GifStream().write(TRXDIR, 2).write(XYZ2, 0).send();  // dropped, like all that follows
     GSgifTransfer2(GifStream().tag(GifStream::packed, 0, 1, 0, GifStream::endOfPacket).at(0));
     GSvsync();

@@ -14,10 +14,10 @@ class Transfer : public GsMachine {
   protected:
     Transfer() {
         fillLocalMemory();
-        expected.assign(Gs.vRamUL, Gs.vRamUL + localMemoryWords);
+        expected.assign(Gs.vRamUL(), Gs.vRamUL() + localMemoryWords);
     }
 
-    bool isAsExpected() const { return std::memcmp(Gs.vRamUL, expected.data(), localMemoryBytes) == 0; }
+    bool isAsExpected() const { return std::memcmp(Gs.vRamUL(), expected.data(), localMemoryBytes) == 0; }
 
     s32 pick(std::initializer_list<s32> values) {
         return values.begin()[random(static_cast<u32>(values.size()))];

@@ -18,7 +18,7 @@ constexpr u32 pattern(u32 index) { return index * 0x9E3779B1; }
 
 inline void fillLocalMemory() {
     for (u32 i = 0; i < localMemoryWords; ++i) {
-        Gs.vRamUL[i] = pattern(i);
+        Gs.vRamUL()[i] = pattern(i);
     }
 }
 
