@@ -38,6 +38,11 @@ if(NOT ELFUTILS_FOUND)
     tarn_missing("libdw" libdw-dev)
 endif()
 
+pkg_check_modules(PNG IMPORTED_TARGET libpng)
+if(NOT PNG_FOUND)
+    tarn_missing("libpng" libpng-dev)
+endif()
+
 if(TARN_TESTS)
     find_package(GTest)
     if(NOT GTest_FOUND)

@@ -24,21 +24,25 @@ bool isLoadable(const char* path) {
 
 IniFile::IniFile(const char* path) : dictionary(isLoadable(path) ? iniparser_load(path) : nullptr) {}
 
-IniFile::~IniFile() {
+IniFile::IniFile() : dictionary(dictionary_new(0)) {}
+
+void IniFile::Freer::operator()(_dictionary_* dictionary) const { iniparser_freedict(dictionary); }
+
+void IniFile::set(const char* key, const char* value) {
     if (dictionary != nullptr) {
-        iniparser_freedict(dictionary);
+        iniparser_set(dictionary.get(), key, value);
     }
 }
 
 std::string IniFile::text(const char* key) const {
     // Null in spite of a default when a section has the key's whole name.
-    const char* value = iniparser_getstring(dictionary, key, nullptr);
+    const char* value = iniparser_getstring(dictionary.get(), key, nullptr);
     return value != nullptr ? value : "";
 }
 
 int IniFile::number(const char* key, int fallback) const {
     // The library's own conversion crashes on a section named like the key; its string look-up does not.
-    const char* value = iniparser_getstring(dictionary, key, nullptr);
+    const char* value = iniparser_getstring(dictionary.get(), key, nullptr);
     return value != nullptr ? static_cast<int>(std::strtol(value, nullptr, 0)) : fallback;
 }
 

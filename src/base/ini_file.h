@@ -1,6 +1,7 @@
 // Reading the configuration file, hardened against input that crashes the INI library.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -9,18 +10,19 @@ struct _dictionary_;
 
 namespace tarn {
 
-inline constexpr const char* configurationPath = "./tarn.ini";
-
 /// A parsed INI file. Keys are "Section:Key", compared without case.
 class IniFile {
   public:
     /// Parses the file at `path`; the result is false-like when it cannot be opened or parsed.
     explicit IniFile(const char* path);
-    ~IniFile();
-    IniFile(const IniFile&) = delete;
-    IniFile& operator=(const IniFile&) = delete;
+
+    /// A file without lines.
+    IniFile();
 
     explicit operator bool() const { return dictionary != nullptr; }
+
+    /// Gives a key a value, in place of the one it has. Does nothing to a file that could not be parsed.
+    void set(const char* key, const char* value);
 
     /// The key's text, or an empty string when it is absent.
     std::string text(const char* key) const;
@@ -39,7 +41,10 @@ class IniFile {
     std::vector<Entry> entries() const;
 
   private:
-    _dictionary_* dictionary = nullptr;
+    struct Freer {
+        void operator()(_dictionary_* dictionary) const;
+    };
+    std::unique_ptr<_dictionary_, Freer> dictionary;
 };
 
 }  // namespace tarn

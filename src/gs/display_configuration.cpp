@@ -1,5 +1,5 @@
 // The renderer's configuration: read from the configuration file, saved per user.
-#include "base/ini_file.h"
+#include "base/configuration.h"
 #include "gs/display.h"
 #include "machine/settings.h"
 
@@ -12,7 +12,7 @@ namespace tarn {
 
 void LoadConfig() {
     GsHost.conf = GsConfig{};
-    const IniFile file(configurationPath);
+    const IniFile file = loadConfiguration();
     if (!file) {
         std::fprintf(stderr, "cannot parse file [%s]", configurationPath);
         return;

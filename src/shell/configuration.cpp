@@ -1,21 +1,50 @@
-// The reading of ./tarn.ini into the settings.
-#include "base/ini_file.h"
+// The settings as the configuration has them.
+#include "base/configuration.h"
+#include "base/file.h"
 #include "machine/settings.h"
 #include "shell/configuration_check.h"
 #include "shell/driver.h"
 
 #include <algorithm>
 #include <cstdio>
+#include <string_view>
 
 namespace tarn {
+namespace {
+
+bool beginsWithByteOrderMark(const char* path) {
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    char start[mark.size()] = {};
+    const FilePtr file = openInputFile(path);
+    return file != nullptr && std::fread(start, 1, sizeof start, file.get()) == sizeof start &&
+           std::string_view(start, sizeof start) == mark;
+}
+
+void warn() {
+    if (configurationSource.readsFile) {
+        warnAboutConfiguration(IniFile(configurationPath), configurationPath);
+    }
+    IniFile commandLine;
+    for (const auto& [key, value] : configurationSource.assignments) {
+        commandLine.set(key.c_str(), value.c_str());
+    }
+    warnAboutConfiguration(commandLine, "--set");
+}
+
+}  // namespace
 
 int TarnLoadConfig() {
-    const IniFile file(configurationPath);
+    const IniFile file = loadConfiguration();
     if (!file) {
         std::fprintf(stderr, "cannot parse file [%s]", configurationPath);
+        if (beginsWithByteOrderMark(configurationPath)) {
+            std::fprintf(stderr,
+                         "\n%s begins with a UTF-8 byte-order mark, three invisible bytes; save it without\n",
+                         configurationPath);
+        }
         return -1;
     }
-    warnAboutConfiguration(file);
+    warn();
     const auto flag = [&](const char* key) { return static_cast<u8>(file.number(key, 0)); };
     const auto size = [&](const char* key, int fallback) {
         return static_cast<u16>(file.number(key, fallback));

@@ -1,7 +1,7 @@
-// The list of the configuration file's keys and the warnings about what does not fit it.
+// The keys of the configuration, and the warnings about what does not fit them.
 #include "shell/configuration_check.h"
 
-#include "base/ini_file.h"
+#include "base/configuration.h"
 #include "base/printable.h"
 #include "base/types.h"
 
@@ -18,27 +18,29 @@
 namespace tarn {
 namespace {
 
+enum class ValueKind : u8 { Text, Flag, Depth, Side, Count };
+
 struct KnownKey {
     std::string_view section;
     std::string_view name;
-    bool isNumber = true;
+    ValueKind kind = ValueKind::Flag;
 };
 
 /// Every key that is read anywhere.
 constexpr std::array<KnownKey, 14> knownKeys{{
-    {"General", "Elf", false},
+    {"General", "Elf", ValueKind::Text},
     {"General", "Debug_op"},
     {"General", "Debug_dma"},
     {"General", "Debug_syscall"},
     {"General", "Debug_GS"},
-    {"General", "Steps_per_poll"},
+    {"General", "Steps_per_poll", ValueKind::Count},
     {"General", "Console"},
     {"General", "Complete_cpu"},
-    {"Video", "Width"},
-    {"Video", "Height"},
-    {"Video", "Bpp"},
+    {"Video", "Width", ValueKind::Side},
+    {"Video", "Height", ValueKind::Side},
+    {"Video", "Bpp", ValueKind::Depth},
     {"Video", "Stretch"},
-    {"Video", "Frame_rate"},
+    {"Video", "Frame_rate", ValueKind::Count},
     {"Video", "Blend"},
 }};
 
@@ -48,6 +50,14 @@ char lowerCase(char letter) { return static_cast<char>(std::tolower(static_cast<
 
 bool sameName(std::string_view a, std::string_view b) {
     return std::ranges::equal(a, b, {}, lowerCase, lowerCase);
+}
+
+/// The key of that name, or null when nothing reads it.
+const KnownKey* findKey(std::string_view section, std::string_view name) {
+    const auto* known = std::ranges::find_if(knownKeys, [&](const KnownKey& each) {
+        return sameName(section, each.section) && sameName(name, each.name);
+    });
+    return known != knownKeys.end() ? known : nullptr;
 }
 
 /// How many letters have to be inserted, removed or changed to make one name of the other. Of a name longer
@@ -89,37 +99,57 @@ bool isNumber(const std::string& text) {
     return end != text.c_str() && *end == '\0';
 }
 
+/// What the values of a kind are, or nothing when this is one of them. Some others work, but not as anyone
+/// would expect: they are cut to 8 or 16 bits.
+const char* expectedInstead(ValueKind kind, int value) {
+    constexpr int largestSide = 16383;  // of a surface, in pixels
+    switch (kind) {
+    case ValueKind::Flag:
+        return value == 0 || value == 1 ? nullptr : "0 or 1";
+    case ValueKind::Depth:
+        return value == 15 || value == 16 || value == 24 || value == 32 ? nullptr : "15, 16, 24 or 32";
+    case ValueKind::Side:
+        return value >= 1 && value <= largestSide ? nullptr : "a number from 1 to 16383";
+    case ValueKind::Count:
+        return value >= 0 ? nullptr : "0 or more";
+    default:
+        return nullptr;
+    }
+}
+
 /// Each returns whether there was something to warn about.
 
-bool warnAboutSection(std::string_view section) {
+bool warnAboutSection(const char* origin, std::string_view section) {
     const auto distance = [&](const KnownKey& known) { return editDistance(section, known.section); };
     const KnownKey& nearest = *std::ranges::min_element(knownKeys, {}, distance);
     if (distance(nearest) == 0) {
         return false;
     }
     std::fprintf(stderr, "%s: unknown section \"%s\" is ignored; the nearest known section is \"%s\"\n",
-                 configurationPath, printable(section).c_str(), nearest.section.data());
+                 origin, printable(section).c_str(), nearest.section.data());
     return true;
 }
 
-bool warnAboutValue(const IniFile& file, const IniFile::Entry& entry) {
+bool warnAboutValue(const char* origin, const IniFile& file, const IniFile::Entry& entry) {
     const std::size_t colon = entry.name.find(':');
     const std::string_view section = std::string_view(entry.name).substr(0, colon);
     const std::string_view name = std::string_view(entry.name).substr(colon + 1);
-    const auto known = std::ranges::find_if(knownKeys, [&](const KnownKey& each) {
-        return sameName(section, each.section) && sameName(name, each.name);
-    });
-    if (known == knownKeys.end()) {
+    const KnownKey* known = findKey(section, name);
+    if (known == nullptr) {
         const KnownKey& nearest = nearestKey(section, name);
         std::fprintf(stderr, "%s: unknown key \"%s\" is ignored; the nearest known key is \"%s:%s\"\n",
-                     configurationPath, printable(entry.name).c_str(), nearest.section.data(),
-                     nearest.name.data());
+                     origin, printable(entry.name).c_str(), nearest.section.data(), nearest.name.data());
         return true;
     }
-    if (known->isNumber && !isNumber(*entry.value)) {
-        std::fprintf(stderr, "%s: \"%s:%s\" is \"%s\", which is not a number; it is taken as %d\n",
-                     configurationPath, known->section.data(), known->name.data(),
-                     printable(*entry.value).c_str(), file.number(entry.name.c_str(), 0));
+    if (known->kind != ValueKind::Text && !isNumber(*entry.value)) {
+        std::fprintf(stderr, "%s: \"%s:%s\" is \"%s\", which is not a number; it is taken as %d\n", origin,
+                     known->section.data(), known->name.data(), printable(*entry.value).c_str(),
+                     file.number(entry.name.c_str(), 0));
+        return true;
+    }
+    if (const char* expected = expectedInstead(known->kind, file.number(entry.name.c_str(), 0))) {
+        std::fprintf(stderr, "%s: \"%s:%s\" is %s, which makes no sense; it should be %s\n", origin,
+                     known->section.data(), known->name.data(), printable(*entry.value).c_str(), expected);
         return true;
     }
     return false;
@@ -127,20 +157,32 @@ bool warnAboutValue(const IniFile& file, const IniFile::Entry& entry) {
 
 }  // namespace
 
-void warnAboutConfiguration(const IniFile& file) {
+std::string complaintAboutKey(std::string_view key) {
+    const std::size_t colon = std::min(key.find(':'), key.size());
+    const std::string_view section = key.substr(0, colon);
+    const std::string_view name = key.substr(std::min(colon + 1, key.size()));
+    if (findKey(section, name) != nullptr) {
+        return "";
+    }
+    const KnownKey& nearest = nearestKey(section, name);
+    return "unknown key \"" + printable(key) + "\"; the nearest known key is \"" +
+           std::string(nearest.section) + ":" + std::string(nearest.name) + "\"";
+}
+
+void warnAboutConfiguration(const IniFile& file, const char* origin) {
     const std::vector<IniFile::Entry> entries = file.entries();
     unsigned warnings = 0;
     for (std::size_t i = 0; i < entries.size(); ++i) {
         if (warnings == warningLimit) {
-            std::fprintf(stderr, "%s: further warnings are left out\n", configurationPath);
+            std::fprintf(stderr, "%s: further warnings are left out\n", origin);
             return;
         }
         const std::string& name = entries[i].name;
         if (entries[i].value) {
-            warnings += warnAboutValue(file, entries[i]) ? 1 : 0;
+            warnings += warnAboutValue(origin, file, entries[i]) ? 1 : 0;
         } else if (i + 1 == entries.size() || !entries[i + 1].name.starts_with(name + ":")) {
             // Of a section with keys, the warnings about its keys say more.
-            warnings += warnAboutSection(name) ? 1 : 0;
+            warnings += warnAboutSection(origin, name) ? 1 : 0;
         }
     }
 }

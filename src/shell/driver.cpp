@@ -17,7 +17,6 @@
 namespace tarn {
 namespace {
 
-constexpr const char* biosPath = "bios/scph10000.bin";
 constexpr int releaseYear = 2002;
 constexpr const char* buildDate = "20021004";
 
@@ -71,7 +70,7 @@ void koGUI_TarnInitProc() {
         countFailure(ElfOpenFile(Settings.ElfToExecute));
         break;
     case 2:
-        countFailure(BiosOpenFile(biosPath));
+        countFailure(BiosOpenFile(Driver.biosPath));
         break;
     case 3:
         allocateMemory();
@@ -115,8 +114,15 @@ void koGUI_TarnProc() {
         return;
     }
     if (machineRests()) {
+        if (!Driver.restReported && Driver.reportRest != nullptr) {
+            Driver.reportRest();
+        }
+        Driver.restReported = true;
         Driver.pacer.rest(Settings.frameRate);
-    } else if (!Driver.pacer.holds(verticalBlanks, Settings.frameRate)) {
+        return;
+    }
+    Driver.restReported = false;
+    if (!Driver.pacer.holds(verticalBlanks, Settings.frameRate)) {
         runSteps(std::max<u64>(Settings.stepsPerPoll, 1));
     }
 }

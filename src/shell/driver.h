@@ -12,6 +12,9 @@ struct DriverState {
     u32 IsInitOK = 0;  ///< counts failures in spite of its name
     u32 tarnEndingState = 0;
     u32 farewell = 2000;  ///< milliseconds for which shut-down leaves its messages to be read
+    const char* biosPath = "bios/scph10000.bin";
+    bool restReported = false;       ///< the pause that lasts has been reported
+    void (*reportRest)() = nullptr;  ///< called once for each pause, unless it is null
     FramePacer pacer;
 };
 

@@ -82,6 +82,7 @@ void pressKey(SDLKey key) {
         break;
     case SDLK_F1:
         MipsCpu.pause = 1;
+        Driver.restReported = true;  // the user knows
         break;
     case SDLK_F2:
         MipsCpu.pause = 0;

@@ -1,48 +1,41 @@
 // A run without a window: where its text goes, when it ends, what it leaves behind.
 #include "shell/headless.h"
 
+#include "base/configuration.h"
 #include "base/diagnostics.h"
+#include "base/file.h"
 #include "gdb/server.h"
-#include "gs/gs.h"
 #include "history/report.h"
 #include "history/state_file.h"
+#include "loader/program_check.h"
 #include "machine/devices.h"
 #include "machine/machine.h"
 #include "machine/run_loop.h"
 #include "machine/settings.h"
-#include "r5900/interpreter.h"
 #include "shell/driver.h"
-#include "shell/output_files.h"
+#include "shell/headless_outputs.h"
+#include "shell/pause_message.h"
 #include "shell/progress_line.h"
 #include "shell/session.h"
-#include "symbols/callgrind_file.h"
-#include "symbols/elf_symbols.h"
-#include "symbols/lcov_file.h"
 #include "symbols/pause_report.h"
-#include "symbols/profiler.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <span>
+#include <string>
+#include <vector>
 
 namespace tarn {
 namespace {
 
-enum class End { stepLimit, frameLimit, signal, paused, killed, startFailed };
+enum class End { StepLimit, FrameLimit, Place, Signal, Paused, Killed, StartFailed };
 
-OutputFile traceFile;
-OutputFile profileFile;
-OutputFile coverageFile;
+HeadlessOutputs* traceOutput = nullptr;
 history::Timeline* past = nullptr;  ///< while checkpoints are taken
 ProgressLine progress;
-
-/// What the program says of itself, read when it is first asked for.
-const symbols::SymbolTable& programSymbols() {
-    static const symbols::SymbolTable table = symbols::readSymbols(Settings.ElfToExecute);
-    return table;
-}
 
 /// The panes keep no text: EmuOutput's goes to standard error, that of the others to the trace. A text that
 /// ends its own line is not given a second end.
@@ -53,8 +46,8 @@ koGUItextLine* passOnText(koGUIwidget* pane, const char* text) {
     if (pane->id == emuOutputPane) {
         std::fprintf(stderr, "%s%s", text, end);
     } else {
-        traceFile.write(text, length);
-        traceFile.write(end, std::strlen(end));
+        traceOutput->writeTrace(text, length);
+        traceOutput->writeTrace(end, std::strlen(end));
     }
     return nullptr;
 }
@@ -62,7 +55,7 @@ koGUItextLine* passOnText(koGUIwidget* pane, const char* text) {
 /// What the guest says is seen as soon as its line is complete.
 void passOnGuestText(const char* text) {
     progress.clear();
-    std::fputs(text, stdout);
+    printDiagnostic("%s", text);
     if (*text == '\n') {
         std::fflush(stdout);
     }
@@ -95,13 +88,13 @@ bool lookAround() {
 End endOf(RunEnd end) {
     switch (end) {
     case RunEnd::StepLimit:
-        return End::stepLimit;
+        return End::StepLimit;
     case RunEnd::FrameLimit:
-        return End::frameLimit;
+        return End::FrameLimit;
     case RunEnd::Interrupted:
-        return End::signal;
+        return End::Signal;
     default:
-        return End::paused;
+        return End::Paused;
     }
 }
 
@@ -110,127 +103,145 @@ End runDebugged(gdb::Server& debugger, const RunLimits& limits) {
     using Finish = gdb::Server::Finish;
     switch (debugger.run(limits, stopRequested)) {
     case Finish::Killed:
-        return End::killed;
+        return End::Killed;
     case Finish::Interrupted:
-        return End::signal;
+        return End::Signal;
     case Finish::LimitReached:
         return endOf(limitReached(limits));
     default:
-        return End::paused;
+        return End::Paused;
     }
 }
 
 void reportEnd(End end) {
     switch (end) {
-    case End::stepLimit:
+    case End::StepLimit:
         std::fprintf(stderr, "tarn-headless: step limit reached");
         break;
-    case End::frameLimit:
+    case End::FrameLimit:
         std::fprintf(stderr, "tarn-headless: frame limit reached");
         break;
-    case End::signal:
+    case End::Place:
+        std::fprintf(stderr, "tarn-headless: reached 0x%8.8llx", MipsCpu.PC);
+        break;
+    case End::Signal:
         std::fprintf(stderr, "tarn-headless: stopped by a signal");
         break;
-    case End::paused:
-        std::fprintf(stderr, "tarn-headless: the CPU paused at PC 0x%8.8llx, %sinstruction 0x%8.8x (%s)",
-                     MipsCpu.PC, symbols::pausedInstruction() == MipsCpu.PC ? "" : "last ", MipsCpu.opcode,
-                     mnemonicOf(MipsCpu.opcode));
-        break;
-    case End::killed:
+    case End::Paused:
+        reportPause("tarn-headless");
+        return;
+    case End::Killed:
         std::fprintf(stderr, "tarn-headless: killed by the debugger");
         break;
-    case End::startFailed:
+    case End::StartFailed:
         std::fprintf(stderr, "tarn-headless: start-up failed\n");
         return;
     }
-    std::fprintf(stderr, " after %llu steps and %llu vertical blanks\n", machine.counters.driverSteps,
-                 machine.counters.verticalBlanks);
-    if (end == End::paused) {
-        for (const std::string& line : symbols::pauseReport(programSymbols())) {
-            std::fprintf(stderr, "tarn-headless: %s\n", line.c_str());
-        }
-    }
+    endWithCounts();
 }
 
-int exitStatus(End end, const HeadlessOptions& options) {
+/// With `ownResult` it is the program's when that has ended by itself.
+int exitStatus(End end, bool ownResult) {
     switch (end) {
-    case End::paused:
-        if (const auto result = options.exitStatus ? symbols::exitResult() : std::nullopt) {
+    case End::Paused:
+        if (const auto result = symbols::exitResult(); result && ownResult) {
             return *result & 0xFF;
         }
         return 3;
-    case End::startFailed:
+    case End::StartFailed:
         return 1;
     default:
         return 0;
     }
 }
 
-bool writeVram(const std::string& path) {
-    if (Gs.vRam == nullptr) {
-        return reportLostOutput(path.c_str(), "there is no GS memory");
+/// The address that --until names: a symbol, or a number in C's notation.
+std::optional<u32> addressOf(const std::string& name) {
+    char* end = nullptr;
+    errno = 0;
+    const unsigned long long number = std::strtoull(name.c_str(), &end, 0);
+    if (end != name.c_str() && *end == '\0' && errno == 0) {
+        return symbols::foldAddress(number);
     }
-    return writeBytes(path, Gs.vRam);
+    const std::optional<u32> address = programSymbols().addressOf(name);
+    return address ? std::optional(symbols::foldAddress(*address)) : std::nullopt;
 }
 
-bool writeSnapshot(const std::string& prefix) {
-    return GSmakeSnapshot(prefix.c_str()) ||
-           reportLostOutput((prefix + "snapNNN.bmp").c_str(),
-                            Gs.vRam == nullptr ? "there is no GS memory" : std::strerror(errno));
+/// Driver steps one by one, until a limit or the place is reached.
+End runToPlace(const RunLimits& limits, u32 address, u64& count) {
+    constexpr u64 stepsPerLook = 1 << 14;
+    bool stepIsOver = true;
+    for (u64 turn = 0;; ++turn) {
+        if (turn % stepsPerLook == 0 && lookAround()) {
+            return End::Signal;
+        }
+        if (machineRests()) {
+            return End::Paused;
+        }
+        if (const RunEnd end = limitReached(limits); end != RunEnd::None) {
+            return endOf(end);
+        }
+        if (stepIsOver && symbols::foldAddress(MipsCpu.PC) == address && --count == 0) {
+            return End::Place;
+        }
+        stepIsOver = runSteps(1) == 1;
+    }
 }
 
-/// Opens the files that are written of what is counted, and has it counted.
-bool beginCounting(const HeadlessOptions& options) {
-    if (options.profile) {
-        profileFile.open(*options.profile);
+/// Runs until something ends the run, with a numbered picture now and then when they are asked for.
+End run(const HeadlessOptions& options, HeadlessOutputs& outputs) {
+    const RunLimits limits = limitsOf(options);
+    std::optional<u32> place;
+    u64 count = options.until ? options.until->count : 0;
+    if (options.until && !(place = addressOf(options.until->name))) {
+        std::fprintf(stderr, "tarn-headless: '%s' is neither an address nor a symbol of %s\n",
+                     options.until->name.c_str(), Settings.ElfToExecute);
+        return End::StartFailed;
     }
-    if (options.coverage) {
-        coverageFile.open(*options.coverage);
+    const u64& blanks = machine.counters.verticalBlanks;
+    for (;;) {
+        RunLimits part = limits;
+        if (const u64 every = options.pictureEvery.value_or(0); every != 0) {
+            part.verticalBlanks = std::min(limits.verticalBlanks, blanks - blanks % every + every);
+        }
+        const End end = place ? runToPlace(part, *place, count) : endOf(runUntil(part, lookAround));
+        if (end != End::FrameLimit) {
+            return end;
+        }
+        if (options.pictureEvery && blanks % *options.pictureEvery == 0) {
+            outputs.writeNumberedPicture();
+        }
+        if (blanks >= limits.verticalBlanks) {
+            return end;
+        }
     }
-    if ((options.profile || options.coverage) && !symbols::startCounting(programSymbols())) {
-        std::fprintf(stderr, "tarn-headless: there is no memory for the counts\n");
-        return false;
-    }
-    return true;
 }
 
-/// Writes them; false when one is lost.
-bool writeCounts(const HeadlessOptions& options) {
-    const auto counts = symbols::stopCounting();
-    if (counts && profileFile.isOpen()) {
-        symbols::writeCallgrind(profileFile.stream(), *counts, programSymbols(), Settings.ElfToExecute);
-    }
-    if (counts && coverageFile.isOpen()) {
-        symbols::writeLcov(coverageFile.stream(), *counts, programSymbols());
-    }
-    const bool profiled = !options.profile || profileFile.close();
-    const bool covered = !options.coverage || coverageFile.close();
-    return profiled && covered;
+void reportUselessState(const std::string& path, const std::string& complaint) {
+    std::fprintf(stderr, "tarn-headless: cannot go on from %s: %s\n", path.c_str(), complaint.c_str());
 }
 
-/// The bytes of the picture.
-std::span<u8> picturePixels() {
-    if (MainScreen == nullptr || MainScreen->pixels == nullptr) {
-        return {};
-    }
-    const auto bytes = static_cast<std::size_t>(MainScreen->pitch) * static_cast<std::size_t>(MainScreen->h);
-    return {static_cast<u8*>(MainScreen->pixels), bytes};
-}
-
-/// Goes on from a saved state when one is named; false, with the reason, when it cannot be used.
-bool loadState(const HeadlessOptions& options) {
+/// Reads the file of a saved state when one is named; false, with the reason, when it cannot be read.
+bool readState(const HeadlessOptions& options, std::vector<u8>& bytes) {
     if (!options.loadState) {
         return true;
     }
-    std::vector<u8> bytes;
-    std::optional<std::string> complaint = history::readStateFile(options.loadState->c_str(), bytes);
-    if (!complaint) {
-        complaint =
-            history::unpackState(bytes, history::programIdentity(Settings.ElfToExecute), picturePixels());
-    }
+    const std::optional<std::string> complaint = history::readStateFile(options.loadState->c_str(), bytes);
     if (complaint) {
-        std::fprintf(stderr, "tarn-headless: cannot go on from %s: %s\n", options.loadState->c_str(),
-                     complaint->c_str());
+        reportUselessState(*options.loadState, *complaint);
+    }
+    return !complaint;
+}
+
+/// Goes on from a saved state when one is named; false, with the reason, when it cannot be used.
+bool loadState(const HeadlessOptions& options, std::span<const u8> bytes) {
+    if (!options.loadState) {
+        return true;
+    }
+    const std::optional<std::string> complaint =
+        history::unpackState(bytes, history::programIdentity(Settings.ElfToExecute), picturePixels());
+    if (complaint) {
+        reportUselessState(*options.loadState, *complaint);
     }
     return !complaint;
 }
@@ -240,7 +251,7 @@ void reportPast(const HeadlessOptions& options, End end) {
     if (past == nullptr || !past->begun() || gifTransferGoesOn()) {
         return;
     }
-    if (options.history && end == End::paused) {
+    if (options.history && end == End::Paused) {
         std::fprintf(stderr, "%s", history::describeSteps(*past, *options.history).c_str());
     }
     if (options.lastWrite) {
@@ -250,34 +261,36 @@ void reportPast(const HeadlessOptions& options, End end) {
     }
 }
 
-/// Writes every output that is asked for, each whatever becomes of the others; false when one is lost.
-bool writeOutputs(const HeadlessOptions& options) {
-    bool complete = true;
-    if (options.picture) {
-        complete &= writePicture(*options.picture, MainScreen);
+/// What the configuration is, and whether the program can be run at all; false, with a message, otherwise.
+bool configure(const HeadlessOptions& options) {
+    configurationSource = {.readsFile = !options.program, .assignments = options.assignments};
+    if (options.program) {
+        const std::string& path = *options.program;
+        std::string reason = whyNotProgram(path.c_str());
+        if (reason.empty() && path.size() >= sizeof Settings.ElfToExecute) {
+            reason = "has too long a path";
+        }
+        if (!reason.empty()) {
+            std::fprintf(stderr, "tarn-headless: %s %s\n", path.c_str(), reason.c_str());
+            return false;
+        }
+        configurationSource.assignments.push_back({"General:Elf", path});
+        if (openInputFile(Driver.biosPath) == nullptr) {
+            Driver.biosPath = "/dev/null";
+        }
     }
-    if (options.snapshot) {
-        complete &= writeSnapshot(*options.snapshot);
+    TarnLoadConfig();
+    if (!options.program && openInputFile(Settings.ElfToExecute) != nullptr) {
+        if (const std::string reason = whyNotProgram(Settings.ElfToExecute); !reason.empty()) {
+            std::fprintf(stderr, "tarn-headless: warning: %s %s\n", Settings.ElfToExecute, reason.c_str());
+        }
     }
-    if (options.vramDump) {
-        complete &= writeVram(*options.vramDump);
+    if (Settings.debug_op == 1 && !options.trace) {
+        std::fprintf(stderr,
+                     "tarn-headless: warning: Debug_op is 1, which makes the run a hundred times slower, "
+                     "but without --trace the trace goes nowhere\n");
     }
-    if (options.registers) {
-        MipsCpuPrintReg();
-        MipsCpuFPR1PrintReg();
-    }
-    if (options.saveState) {
-        complete &=
-            writeBytes(*options.saveState,
-                       history::packState(history::programIdentity(Settings.ElfToExecute), picturePixels()));
-    }
-    if (options.trace) {
-        complete &= traceFile.close();
-    }
-    if (options.profile || options.coverage) {
-        complete &= writeCounts(options);
-    }
-    return complete;
+    return true;
 }
 
 }  // namespace
@@ -285,34 +298,41 @@ bool writeOutputs(const HeadlessOptions& options) {
 int runHeadless(const HeadlessOptions& options) {
     // A debugger's user sees where the machine is, and its output must not wait for the line.
     progress.begin(!options.quiet && !options.gdbPort);
-    TarnLoadConfig();
+    HeadlessOutputs outputs(options, programSymbols);
+    std::vector<u8> savedState;
+    // The state to start from is read first: it may be the file that the state at the end goes to.
+    if (!configure(options) || !readState(options, savedState) || !outputs.open()) {
+        return exitStatus(End::StartFailed, false);
+    }
+    traceOutput = &outputs;
     Settings.completeCpu = options.completeCpu ? 1 : Settings.completeCpu;
     if (options.trace) {
-        traceFile.open(*options.trace);
-        Settings.debug_op = traceFile.isOpen() ? 1 : Settings.debug_op;
+        Settings.debug_op = 1;
     }
     createMainScreen();
     addPanes(passOnText);
     diagnosticSinks.text[static_cast<std::size_t>(Channel::Console)] = passOnGuestText;
     Driver.farewell = 0;
 
-    End end = End::startFailed;
+    End end = End::StartFailed;
     history::Timeline timeline(history::defaultBudget, picturePixels());
-    gdb::Server debugger(&timeline, programSymbols());
-    debugger.setPictureWriter([](const std::string& path) { return writePicture(path, MainScreen); });
-    if ((!options.gdbPort || debugger.listen(*options.gdbPort)) && start() && loadState(options) &&
-        beginCounting(options)) {
-        if (options.gdbPort || options.history || options.lastWrite) {
+    std::optional<gdb::Server> debugger;
+    if (options.gdbPort) {
+        debugger.emplace(&timeline, programSymbols());
+        debugger->setPictureWriter([](const std::string& path) { return writePicture(path, MainScreen); });
+    }
+    if ((!debugger || debugger->listen(*options.gdbPort)) && start() && loadState(options, savedState) &&
+        outputs.beginCounting()) {
+        if (debugger || options.history || options.lastWrite) {
             timeline.begin();
             past = &timeline;
         }
-        const RunLimits limits = limitsOf(options);
-        end = options.gdbPort ? runDebugged(debugger, limits) : endOf(runUntil(limits, lookAround));
+        end = debugger ? runDebugged(*debugger, limitsOf(options)) : run(options, outputs);
     }
     progress.clear();
     reportEnd(end);
-    const int status = exitStatus(end, options);
-    const bool complete = writeOutputs(options);
+    const int status = exitStatus(end, options.exitStatus);
+    const bool complete = outputs.write();
     reportPast(options, end);
     past = nullptr;
     while (TarnGUI.running == 1) {

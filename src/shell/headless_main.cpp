@@ -12,7 +12,7 @@ int main(int count, char** arguments) {
         return 2;
     }
     if (options->help) {
-        std::fputs(headlessUsage, stdout);
+        printHeadlessUsage();
         return finishStandardOutput(0);
     }
     if (options->version) {

@@ -1,208 +1,242 @@
 // The command line of tarn-headless.
 #include "shell/headless_options.h"
 
+#include "shell/configuration_check.h"
+
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstdio>
 #include <getopt.h>
+#include <iterator>
 #include <limits>
 #include <string_view>
+#include <variant>
 
 namespace tarn {
 namespace {
 
-enum Option {
-    steps = 256,
-    frames,
-    picture,
-    snapshot,
-    dumpVram,
-    registers,
-    exitStatus,
-    trace,
-    profile,
-    coverage,
-    gdb,
-    completeCpu,
-    saveState,
-    loadState,
-    history,
-    lastWrite,
-    quiet,
-    help,
-    version
+using Options = HeadlessOptions;
+
+template <typename Value>
+using Optional = std::optional<Value> Options::*;
+
+/// Where the value of an option goes; its type says how the value is read.
+using Target = std::variant<bool Options::*, Optional<std::string>, Optional<u16>, Optional<u32>,
+                            Optional<u64>, Optional<Options::Place>, Optional<Options::Bytes>,
+                            std::vector<ConfigurationSource::Assignment> Options::*>;
+
+struct Option {
+    const char* name;
+    const char* value;  ///< what --help calls it; null for an option without one
+    Target target;
+    const char* help;
+    u64 least = 0;  ///< of a number
 };
 
-constexpr option longOptions[] = {
-    {"steps", required_argument, nullptr, steps},
-    {"frames", required_argument, nullptr, frames},
-    {"picture", required_argument, nullptr, picture},
-    {"snapshot", required_argument, nullptr, snapshot},
-    {"dump-vram", required_argument, nullptr, dumpVram},
-    {"registers", no_argument, nullptr, registers},
-    {"exit-status", no_argument, nullptr, exitStatus},
-    {"trace", required_argument, nullptr, trace},
-    {"profile", required_argument, nullptr, profile},
-    {"coverage", required_argument, nullptr, coverage},
-    {"gdb", required_argument, nullptr, gdb},
-    {"complete-cpu", no_argument, nullptr, completeCpu},
-    {"save-state", required_argument, nullptr, saveState},
-    {"load-state", required_argument, nullptr, loadState},
-    {"history", required_argument, nullptr, history},
-    {"last-write", required_argument, nullptr, lastWrite},
-    {"quiet", no_argument, nullptr, quiet},
-    {"help", no_argument, nullptr, help},
-    {"version", no_argument, nullptr, version},
-    {},
+// One row per option, in the order of --help.
+constexpr Option optionTable[] = {
+    {"steps", "N", &Options::steps, "stop after N driver steps"},
+    {"frames", "N", &Options::frames, "stop after N vertical blanks"},
+    {"until", "PLACE", &Options::until,
+     "stop before the instruction at a symbol or address runs (PLACE:N: the Nth time)"},
+    {"picture", "FILE", &Options::picture,
+     "write the emulated display, as PNG if the name ends in .png, or as BMP"},
+    {"picture-every", "N", &Options::pictureEvery,
+     "also write it every N vertical blanks, with their number in the file's name", 1},
+    {"snapshot", "PREFIX", &Options::snapshot,
+     "write the GS memory as PREFIXsnapNNN.bmp, the first free number, or, if\n"
+     "PREFIX ends in .png, as the PNG file of that name"},
+    {"dump-vram", "FILE", &Options::vramDump, "write the raw 4 MB of GS memory"},
+    {"registers", nullptr, &Options::registers, "print the integer and the floating-point registers"},
+    {"trace", "FILE", &Options::trace, "trace every instruction into FILE"},
+    {"profile", "FILE", &Options::profile,
+     "count every instruction, and write the profile in callgrind's format"},
+    {"coverage", "FILE", &Options::coverage, "write which lines and functions ran, in lcov's format"},
+    {"set", "SETTING", &Options::assignments,
+     "set a key of the configuration: Section:Key=VALUE; -D for short"},
+    {"exit-status", nullptr, &Options::exitStatus,
+     "exit with the program's own result, 0 to 255, when it ends by Exit"},
+    {"gdb", "PORT", &Options::gdbPort,
+     "wait for a GDB on this port of the loopback interface (0: any free one) and run\n"
+     "the machine as it says"},
+    {"complete-cpu", nullptr, &Options::completeCpu, "run on the complete processor, whatever tarn.ini says"},
+    {"save-state", "FILE", &Options::saveState, "write the machine, to go on from with --load-state"},
+    {"load-state", "FILE", &Options::loadState, "start from a machine that was saved from the same program"},
+    {"history", "N", &Options::history, "when the CPU pauses, print the last N steps and what each changed"},
+    {"last-write", "ADDRESS[:BYTES]", &Options::lastWrite,
+     "at the end, report the last store to an address (hexadecimal)"},
+    {"quiet", nullptr, &Options::quiet, "show no progress line on a terminal"},
+    {"help", nullptr, &Options::help, "print this help and exit"},
+    {"version", nullptr, &Options::version, "print the version and exit"},
 };
 
-/// A whole decimal number that the type holds; a complaint and nothing for any other text.
-template <class Number>
-std::optional<Number> parseNumber(const char* name, std::string_view text) {
-    Number value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size()) {
-        std::fprintf(stderr, "tarn-headless: --%s takes a whole number from 0 to %llu, not '%s'\n", name,
-                     u64{std::numeric_limits<Number>::max()}, text.data());
-        return std::nullopt;
-    }
-    return value;
-}
+constexpr int firstCode = 256;  ///< getopt_long's number for the first row
 
-/// ADDRESS[:BYTES]: a hexadecimal address, with or without 0x, and a decimal length.
-std::optional<WatchedBytes> parseWatchedBytes(std::string_view text) {
-    const std::string_view whole = text;
-    WatchedBytes watched;
-    text.remove_prefix(text.starts_with("0x") ? 2 : 0);
-    const char* const last = text.data() + text.size();
-    auto [end, error] = std::from_chars(text.data(), last, watched.address, 16);
-    if (error == std::errc() && end != last && *end == ':') {
-        const auto length = std::from_chars(end + 1, last, watched.bytes);
-        end = length.ptr;
-        error = length.ec;
+/// Reads a command line into options, complaining of everything that is wrong with it.
+class Parser {
+  public:
+    explicit Parser(Options& result) : options(result) {}
+
+    bool parse(int count, char** arguments) {
+        std::array<option, std::size(optionTable) + 1> longOptions{};
+        for (std::size_t i = 0; i < std::size(optionTable); ++i) {
+            const Option& row = optionTable[i];
+            longOptions[i] = {row.name, row.value != nullptr ? required_argument : no_argument, nullptr,
+                              firstCode + static_cast<int>(i)};
+        }
+        optind = 0;  // start afresh, however often this is called
+        for (int code = 0; (code = getopt_long(count, arguments, "D:", longOptions.data(), nullptr)) != -1;) {
+            if (code == '?') {
+                usable = false;
+            } else if (code == 'D') {
+                take("set", options.assignments);
+            } else {
+                take(static_cast<std::size_t>(code - firstCode));
+            }
+        }
+        for (; optind < count; ++optind) {
+            if (options.program) {
+                complain("unexpected argument '%s'", arguments[optind]);
+            } else {
+                options.program = arguments[optind];
+            }
+        }
+        checkTogether();
+        return usable;
     }
-    if (error != std::errc() || end != last || watched.bytes == 0 || watched.bytes > 0x10000) {
-        std::fprintf(stderr, "tarn-headless: --last-write takes an address and 1 to 65536 bytes, not '%s'\n",
-                     whole.data());
-        return std::nullopt;
+
+  private:
+    template <typename... Values>
+    void complain(const char* format, Values... values) {
+        std::fputs("tarn-headless: ", stderr);
+        std::fprintf(stderr, format, values...);
+        std::fputc('\n', stderr);
+        usable = false;
     }
-    return watched;
-}
+
+    void take(std::size_t index) {
+        const Option& row = optionTable[index];
+        const u64 bit = u64{1} << index;
+        if ((seen & bit) != 0 && std::string_view(row.name) != "set") {
+            complain("--%s is given twice", row.name);
+        }
+        seen |= bit;
+        least = row.least;
+        std::visit([&](auto member) { take(row.name, options.*member); }, row.target);
+    }
+
+    void take(const char*, bool& flag) { flag = true; }
+
+    void take(const char*, std::optional<std::string>& text) { text = optarg; }
+
+    template <typename Number>
+    void take(const char* name, std::optional<Number>& value) {
+        value = number<Number>(name, optarg);
+    }
+
+    void take(const char* name, std::optional<Options::Place>& place) {
+        const std::string_view text = optarg;
+        const std::size_t colon = text.rfind(':');
+        place = {std::string(text.substr(0, colon))};
+        if (colon != std::string_view::npos) {
+            least = 1;
+            place->count = number<u64>(name, text.substr(colon + 1));
+        }
+    }
+
+    /// ADDRESS[:BYTES]: a hexadecimal address, with or without 0x, and a decimal length.
+    void take(const char* name, std::optional<Options::Bytes>& bytes) {
+        std::string_view text = optarg;
+        text.remove_prefix(text.starts_with("0x") ? 2 : 0);
+        const char* const last = text.data() + text.size();
+        bytes.emplace();
+        auto [end, error] = std::from_chars(text.data(), last, bytes->address, 16);
+        if (error == std::errc() && end != last && *end == ':') {
+            const auto length = std::from_chars(end + 1, last, bytes->count);
+            end = length.ptr;
+            error = length.ec;
+        }
+        if (error != std::errc() || end != last || bytes->count == 0 || bytes->count > 0x10000) {
+            complain("--%s takes an address and 1 to 65536 bytes, not '%s'", name, optarg);
+        }
+    }
+
+    void take(const char* name, std::vector<ConfigurationSource::Assignment>& assignments) {
+        const std::string_view text = optarg;
+        const std::size_t equals = std::min(text.find('='), text.size());
+        const std::string key(text.substr(0, equals));
+        if (equals == text.size() || key.find(':') == std::string::npos) {
+            complain("--%s takes Section:Key=VALUE, not '%s'", name, optarg);
+        } else if (const std::string complaint = complaintAboutKey(key); !complaint.empty()) {
+            complain("%s", complaint.c_str());
+        }
+        assignments.push_back({key, std::string(text.substr(std::min(equals + 1, text.size())))});
+    }
+
+    /// A whole decimal number from `least` to the largest that the type holds.
+    template <typename Number>
+    Number number(const char* name, std::string_view text) {
+        Number value = 0;
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+        if (error != std::errc() || end != text.data() + text.size() || value < least) {
+            complain("--%s takes a whole number from %llu to %llu, not '%s'", name, least,
+                     u64{std::numeric_limits<Number>::max()}, std::string(text).c_str());
+        }
+        return value;
+    }
+
+    void checkTogether() {
+        const auto files = {&options.picture, &options.vramDump, &options.trace,
+                            &options.profile, &options.coverage, &options.saveState};
+        if (std::ranges::count_if(files, [](const auto* file) { return *file == "-"; }) > 1) {
+            complain("only one output can go to standard output");
+        }
+        if (options.pictureEvery && (!options.picture || options.picture == "-")) {
+            complain("--picture-every takes the names of its files from --picture FILE");
+        }
+        if (options.gdbPort && (options.until || options.pictureEvery)) {
+            complain("--gdb does not go with --until and --picture-every");
+        }
+    }
+
+    Options& options;
+    u64 least = 0;  ///< the smallest value of the number being read
+    u64 seen = 0;   ///< a bit for each row
+    bool usable = true;
+};
 
 }  // namespace
 
-const char* const headlessUsage =
-    "Usage: tarn-headless [OPTION]...\n"
-    "Runs the program that ./tarn.ini names, without a window, until a limit is reached, the CPU pauses,\n"
-    "or SIGINT or SIGTERM comes. Everything asked for is written at the end, whatever ended the run.\n"
-    "\n"
-    "  --steps N           stop after N driver steps\n"
-    "  --frames N          stop after N vertical blanks\n"
-    "  --picture FILE.bmp  write the emulated display as a BMP file\n"
-    "  --snapshot PREFIX   write the GS memory as PREFIXsnapNNN.bmp, the first free number\n"
-    "  --dump-vram FILE    write the raw 4 MB of GS memory\n"
-    "  --registers         print the integer and the floating-point registers\n"
-    "  --exit-status       end with the result that the program gives to Exit, 0 to 255\n"
-    "  --trace FILE        trace every instruction into FILE\n"
-    "  --profile FILE      count every instruction, and write the profile in callgrind's format\n"
-    "  --coverage FILE     write which lines and functions ran, in lcov's format\n"
-    "  --gdb PORT          wait for a GDB on this port of the loopback interface (0: any free one) and run\n"
-    "                      the machine as it says\n"
-    "  --complete-cpu      run on the complete processor, whatever tarn.ini says\n"
-    "  --save-state FILE   write the machine, to go on from with --load-state\n"
-    "  --load-state FILE   start from a machine that was saved from the same program\n"
-    "  --history N         when the CPU pauses, print the last N steps and what each changed\n"
-    "  --last-write ADDRESS[:BYTES]\n"
-    "                      at the end, report the last store to an address (hexadecimal)\n"
-    "  --quiet             show no progress line on a terminal\n"
-    "  --help              print this help and exit\n"
-    "  --version           print the version and exit\n"
-    "\n"
-    "Exit status: 0 when a limit was reached or a signal came, 1 when start-up failed or an output was "
-    "lost,\n"
-    "2 for unusable arguments, 3 when the CPU paused.\n";
+void printHeadlessUsage() {
+    std::printf(
+        "Usage: tarn-headless [OPTION]... [PROGRAM.elf]\n"
+        "Runs the program, or the one that ./tarn.ini names, without a window, until a limit is reached, "
+        "the\n"
+        "CPU pauses, or SIGINT or SIGTERM comes. Everything asked for is written at the end, whatever ended\n"
+        "the run. With a PROGRAM, ./tarn.ini is not read, and a BIOS image is not needed.\n\n");
+    constexpr std::size_t column = 22;
+    for (const Option& row : optionTable) {
+        std::string line = std::string("  --") + row.name + (row.value != nullptr ? " " : "") +
+                           (row.value != nullptr ? row.value : "");
+        line +=
+            line.size() < column ? std::string(column - line.size(), ' ') : "\n" + std::string(column, ' ');
+        for (const char* letter = row.help; *letter != '\0'; ++letter) {
+            line += *letter == '\n' ? "\n" + std::string(column, ' ') : std::string(1, *letter);
+        }
+        std::printf("%s\n", line.c_str());
+    }
+    std::printf(
+        "\n"
+        "A FILE of - is standard output; the diagnostics then go to standard error.\n"
+        "Exit status: 0 when a limit was reached or a signal came, 1 when start-up failed or an output was "
+        "lost,\n"
+        "2 for unusable arguments, 3 when the CPU paused.\n");
+}
 
 std::optional<HeadlessOptions> parseHeadlessOptions(int count, char** arguments) {
     HeadlessOptions options;
-    bool usable = true;
-    optind = 0;  // start afresh, however often this is called
-    for (int code = 0; (code = getopt_long(count, arguments, "", longOptions, nullptr)) != -1;) {
-        switch (code) {
-        case steps:
-            options.steps = parseNumber<u64>("steps", optarg);
-            usable = usable && options.steps.has_value();
-            break;
-        case frames:
-            options.frames = parseNumber<u64>("frames", optarg);
-            usable = usable && options.frames.has_value();
-            break;
-        case picture:
-            options.picture = optarg;
-            break;
-        case snapshot:
-            options.snapshot = optarg;
-            break;
-        case dumpVram:
-            options.vramDump = optarg;
-            break;
-        case registers:
-            options.registers = true;
-            break;
-        case exitStatus:
-            options.exitStatus = true;
-            break;
-        case trace:
-            options.trace = optarg;
-            break;
-        case profile:
-            options.profile = optarg;
-            break;
-        case coverage:
-            options.coverage = optarg;
-            break;
-        case gdb:
-            options.gdbPort = parseNumber<u16>("gdb", optarg);
-            usable = usable && options.gdbPort.has_value();
-            break;
-        case completeCpu:
-            options.completeCpu = true;
-            break;
-        case saveState:
-            options.saveState = optarg;
-            break;
-        case loadState:
-            options.loadState = optarg;
-            break;
-        case history:
-            options.history = parseNumber<u32>("history", optarg);
-            usable = usable && options.history.has_value();
-            break;
-        case lastWrite:
-            options.lastWrite = parseWatchedBytes(optarg);
-            usable = usable && options.lastWrite.has_value();
-            break;
-        case quiet:
-            options.quiet = true;
-            break;
-        case help:
-            options.help = true;
-            break;
-        case version:
-            options.version = true;
-            break;
-        default:
-            usable = false;
-            break;
-        }
-    }
-    if (optind < count) {
-        std::fprintf(stderr, "tarn-headless: unexpected argument '%s'\n", arguments[optind]);
-        usable = false;
-    }
-    if (options.gdbPort && (options.profile || options.coverage)) {
-        std::fprintf(stderr, "tarn-headless: --profile and --coverage do not count what --gdb runs\n");
-        usable = false;
-    }
-    if (!usable) {
+    if (!Parser(options).parse(count, arguments)) {
         std::fprintf(stderr, "Try 'tarn-headless --help'.\n");
         return std::nullopt;
     }

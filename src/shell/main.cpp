@@ -2,6 +2,7 @@
 #include "machine/settings.h"
 #include "shell/driver.h"
 #include "shell/event_filter.h"
+#include "shell/pause_message.h"
 #include "shell/session.h"
 
 #include <cstdio>
@@ -34,6 +35,15 @@ void setCaption() {
     SDL_WM_SetCaption(caption, nullptr);
 }
 
+/// The panes disappear with the window, so what they said of a failure is said again.
+void reportFailedStart() {
+    std::fprintf(stderr, "tarn: start-up failed\n");
+    for (const koGUItextLine* line = TarnGUI.widgets[emuOutputPane].textLines;
+         line != nullptr && line->next != nullptr; line = line->next) {
+        std::fprintf(stderr, "%s\n", line->text.get());
+    }
+}
+
 }  // namespace
 
 int main(int, char**) {
@@ -52,8 +62,12 @@ int main(int, char**) {
     TarnGUI.quickPicture = Settings.stepsPerPoll > 1 ? 1 : 0;
     addPanes(koGUIwidget_addText);
     setCaption();
+    Driver.reportRest = [] { reportPause("tarn"); };
     TarnGUI.IdleProc = koGUI_TarnInitProc;
     TarnGUI.MainLoop(&TarnGUI);
+    if (TarnGUI.IdleProc == koGUI_TarnInitProc) {
+        reportFailedStart();
+    }
     TarnGUI.Destroy(&TarnGUI);
     freeMainScreen();
     SDL_Quit();

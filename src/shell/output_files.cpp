@@ -1,17 +1,16 @@
-// The writing of result files, with every error found and reported.
+// Writing result files, with every error found and reported.
 #include "shell/output_files.h"
+
+#include "base/png_file.h"
+#include "gui/surface.h"
 
 #include <cerrno>
 #include <cstring>
-#include <memory>
+#include <unistd.h>
+#include <vector>
 
 namespace tarn {
 namespace {
-
-struct SurfaceFreer {
-    void operator()(SDL_Surface* surface) const { SDL_FreeSurface(surface); }
-};
-using SurfacePtr = std::unique_ptr<SDL_Surface, SurfaceFreer>;
 
 /// A view of MainScreen's pixels with the masks that they really have; those of the surface are the same at
 /// every depth.
@@ -31,6 +30,22 @@ SurfacePtr trueColours(SDL_Surface* surface) {
     return SurfacePtr(view);
 }
 
+/// The picture's pixels as red, green and blue bytes, whatever its own format.
+bool writeAsPng(std::FILE* file, SDL_Surface* view) {
+    constexpr std::size_t pixelBytes = 3;
+    const SurfacePtr bytes(
+        SDL_CreateRGBSurface(SDL_SWSURFACE, view->w, view->h, 24, 0x0000FF, 0x00FF00, 0xFF0000, 0));
+    if (bytes == nullptr || SDL_BlitSurface(view, nullptr, bytes.get(), nullptr) != 0) {
+        return false;
+    }
+    const std::size_t row = static_cast<std::size_t>(view->w) * pixelBytes;
+    std::vector<u8> pixels(row * static_cast<std::size_t>(view->h));
+    for (std::size_t y = 0; y * row < pixels.size(); ++y) {
+        std::memcpy(&pixels[y * row], static_cast<const u8*>(bytes->pixels) + y * bytes->pitch, row);
+    }
+    return writePng(file, static_cast<u32>(view->w), static_cast<u32>(view->h), pixels);
+}
+
 }  // namespace
 
 bool reportLostOutput(const char* path, const char* reason) {
@@ -39,9 +54,14 @@ bool reportLostOutput(const char* path, const char* reason) {
 }
 
 void OutputFile::open(const std::string& filePath) {
-    path = filePath;
-    file.reset(std::fopen(path.c_str(), "wbe"));
-    error = file != nullptr ? 0 : errno;
+    const bool isStandardOutput = filePath == "-";
+    path = isStandardOutput ? "standard output" : filePath;
+    failure.clear();
+    // A descriptor of its own, so that closing it leaves standard output to those who print.
+    file.reset(isStandardOutput ? fdopen(dup(STDOUT_FILENO), "wb") : std::fopen(path.c_str(), "wbe"));
+    if (file == nullptr) {
+        noteFailure();
+    }
 }
 
 void OutputFile::write(const void* bytes, std::size_t count) {
@@ -50,9 +70,11 @@ void OutputFile::write(const void* bytes, std::size_t count) {
     }
 }
 
-void OutputFile::noteFailure() {
-    if (error == 0) {
-        error = errno != 0 ? errno : EIO;
+void OutputFile::noteFailure() { noteFailure(std::strerror(errno != 0 ? errno : EIO)); }
+
+void OutputFile::noteFailure(const char* text) {
+    if (failure.empty()) {
+        failure = text;
     }
 }
 
@@ -64,31 +86,35 @@ bool OutputFile::close() {
             noteFailure();
         }
     }
-    return error == 0 || reportLostOutput(path.c_str(), std::strerror(error));
+    return failure.empty() || reportLostOutput(path.c_str(), failure.c_str());
 }
 
-bool writeBytes(const std::string& path, std::span<const unsigned char> bytes) {
-    OutputFile file;
-    file.open(path);
-    file.write(bytes.data(), bytes.size());
-    return file.close();
+bool isPngName(std::string_view path) { return path.ends_with(".png"); }
+
+void writePicture(OutputFile& file, SDL_Surface* surface, bool asPng) {
+    if (file.stream() == nullptr) {
+        return;
+    }
+    if (surface == nullptr) {
+        file.noteFailure("there is no picture");
+        return;
+    }
+    errno = 0;
+    SDL_ClearError();
+    const SurfacePtr view = trueColours(surface);
+    const bool written = asPng ? writeAsPng(file.stream(), view.get())
+                               : SDL_SaveBMP_RW(view.get(), SDL_RWFromFP(file.stream(), 0), 1) == 0;
+    if (!written && errno != 0) {
+        file.noteFailure();
+    } else if (!written) {
+        file.noteFailure(*SDL_GetError() != '\0' ? SDL_GetError() : "it cannot be made a PNG file");
+    }
 }
 
 bool writePicture(const std::string& path, SDL_Surface* surface) {
-    if (surface == nullptr) {
-        return reportLostOutput(path.c_str(), "there is no picture");
-    }
     OutputFile file;
     file.open(path);
-    if (file.stream() != nullptr) {
-        errno = 0;
-        if (SDL_SaveBMP_RW(trueColours(surface).get(), SDL_RWFromFP(file.stream(), 0), 1) != 0) {
-            if (errno == 0) {
-                return file.close() && reportLostOutput(path.c_str(), SDL_GetError());
-            }
-            file.noteFailure();
-        }
-    }
+    writePicture(file, surface, isPngName(path));
     return file.close();
 }
 

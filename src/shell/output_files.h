@@ -4,8 +4,8 @@
 #include "base/file.h"
 
 #include <SDL.h>
-#include <span>
 #include <string>
+#include <string_view>
 
 namespace tarn {
 
@@ -13,7 +13,7 @@ namespace tarn {
 /// closed.
 class OutputFile {
   public:
-    /// Opens the file for writing; a failure shows when it is closed.
+    /// Opens the file for writing, or standard output for the path "-"; a failure shows when it is closed.
     void open(const std::string& filePath);
 
     bool isOpen() const { return file != nullptr; }
@@ -21,8 +21,11 @@ class OutputFile {
 
     /// The stream, for those who write to it themselves and note their failures; null when it is not open.
     std::FILE* stream() const { return file.get(); }
-    /// Keeps the first failure's errno.
+    /// Keeps errno as the reason.
     void noteFailure();
+
+    /// Keeps a reason that is not in errno; the first reason counts.
+    void noteFailure(const char* text);
 
     /// Completes the file; false, with a message, when something of it is lost.
     bool close();
@@ -30,11 +33,16 @@ class OutputFile {
   private:
     std::string path;
     FilePtr file;
-    int error = 0;  ///< errno of the first failure
+    std::string failure;  ///< the first one
 };
 
-/// Each writes one file; false, with a message, when something of it is lost.
-bool writeBytes(const std::string& path, std::span<const unsigned char> bytes);
+/// Whether a picture of that name is to be a PNG file; it is a BMP file otherwise.
+bool isPngName(std::string_view path);
+
+/// Writes a picture to an open file, which still has to be closed: as PNG when `asPng`.
+void writePicture(OutputFile& file, SDL_Surface* surface, bool asPng);
+
+/// Writes a picture to the file of that name; false, with a message, when it is not written.
 bool writePicture(const std::string& path, SDL_Surface* surface);
 
 /// Reports on standard error that a file cannot be written; false.

@@ -75,6 +75,8 @@ void prepareProcess() {
             [[maybe_unused]] const int opened = open("/dev/null", O_RDONLY);
         }
     }
+    // Redirected, standard output would lose what it holds back when the process is killed.
+    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     // A reader that has gone and a file that may not grow are failures of the write.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);

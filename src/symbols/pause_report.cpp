@@ -73,6 +73,8 @@ bool pausedOnCall() {
 
 u8 callNumber() { return static_cast<u8>(MipsCpu.GPR[REG_V1].low); }
 
+u32 argument(unsigned index) { return static_cast<u32>(MipsCpu.GPR[REG_A0 + index].low); }
+
 std::string adviceForCall() {
     if (const std::optional<s32> result = exitResult()) {
         return format("the program has ended, with result %d", *result);
@@ -80,8 +82,9 @@ std::string adviceForCall() {
     const u8 number = callNumber();
     const std::string_view name = debug_syscall[number];
     constexpr std::string_view prefix = "SYSCALL_";
-    return format("the kernel call 0x%02x, %s, is not there", number,
-                  name == "SYSCALL_NI" ? "which has no name" : name.substr(prefix.size()).data());
+    return format("the kernel call 0x%02x, %s, is not there (arguments 0x%x, 0x%x, 0x%x, 0x%x)", number,
+                  name == "SYSCALL_NI" ? "which has no name" : name.substr(prefix.size()).data(), argument(0),
+                  argument(1), argument(2), argument(3));
 }
 
 /// A load that has put something else into the register that its address came from.
@@ -122,7 +125,7 @@ std::optional<s32> exitResult() {
     if (MipsCpu.pause == 0 || !pausedOnCall() || callNumber() != exitNumber) {
         return std::nullopt;
     }
-    return static_cast<s32>(static_cast<u32>(MipsCpu.GPR[REG_A0].low));
+    return static_cast<s32>(argument(0));
 }
 
 std::vector<std::string> pauseReport(const SymbolTable& table) {

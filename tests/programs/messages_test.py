@@ -23,6 +23,7 @@ class ConfigurationWarningsTest(ProgramTest):
         elf = f"[General]\nElf={guest('kernel')}\n"
         unknown = './tarn.ini: unknown key "{}" is ignored; the nearest known key is "{}"'
         number = './tarn.ini: "{}" is "{}", which is not a number; it is taken as {}'
+        sense = './tarn.ini: "{}" is {}, which makes no sense; it should be {}'
         cases = {
             "DEBUG_GS = 0x1\n[video]\nWIDTH = 0320\n": [],
             "Debug_opp=1\n": [unknown.format("general:debug_opp", "General:Debug_op")],
@@ -32,6 +33,12 @@ class ConfigurationWarningsTest(ProgramTest):
             "[Video]\nWidth=640x480\nHeight=tall\nBpp=\n": [number.format("Video:Width", "640x480", 640),
                                                            number.format("Video:Height", "tall", 0),
                                                            number.format("Video:Bpp", "", 0)],
+            "Debug_op=2\n[Video]\nWidth=0\nHeight=65536\nBpp=17\nFrame_rate=-1\n": [
+                sense.format("General:Debug_op", 2, "0 or 1"),
+                sense.format("Video:Width", 0, "a number from 1 to 16383"),
+                sense.format("Video:Height", 65536, "a number from 1 to 16383"),
+                sense.format("Video:Bpp", 17, "15, 16, 24 or 32"),
+                sense.format("Video:Frame_rate", -1, "0 or more")],
             "\x1b[2J=1\n": [unknown.format("general:?[2j", "General:Elf")],
         }
         for text, expected in cases.items():
@@ -41,6 +48,13 @@ class ConfigurationWarningsTest(ProgramTest):
         many = self.warnings(elf + "".join(f"key{i} = 1\n" for i in range(1000)))
         self.assertEqual(len(many), 21)
         self.assertEqual(many[-1], "./tarn.ini: further warnings are left out")
+
+    def test_a_byte_order_mark_and_a_trace_to_nowhere_are_named(self):
+        (self.directory / "tarn.ini").write_bytes(b"\xEF\xBB\xBF[General]\n")
+        self.assertIn("./tarn.ini begins with a UTF-8 byte-order mark", self.run_headless(status=1)[1])
+        self.configure("kernel", general="Debug_op=1")
+        self.assertIn("warning: Debug_op is 1", self.run_headless("--steps=1", status=0)[1])
+        self.assertNotIn("warning", self.run_headless("--steps=1", "--trace=t", status=0)[1])
 
     def test_the_sample_has_no_warning(self):
         sample = (SOURCE / "data" / "tarn.ini").read_text()

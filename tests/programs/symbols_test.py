@@ -133,8 +133,8 @@ class SymbolsTest(ProgramTest):
 
     def test_what_to_do(self):
         for words, advice in (
-                ([0x24030005, 0x0000000C], "the kernel call 0x05, RFU005, is not there"),
-                ([0x2403001A, 0x0000000C], "the kernel call 0x1a, which has no name, is not there"),
+                ([0x24030005, 0x0000000C], "the kernel call 0x05, RFU005, is not there (arguments 0x0, 0x0, 0x0, 0x0)"),
+                ([0x2403001A, 0x0000000C], "the kernel call 0x1a, which has no name, is not there (arguments 0x0, 0x0, 0x0, 0x0)"),
                 ([0x3C081200, 0xA1000000],
                  "0x12000000 is in the registers of the GS, 0x12000000 to 0x12001080: only words and doublewords work "
                  "there"),

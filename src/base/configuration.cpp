@@ -1,0 +1,14 @@
+// The configuration: the file and the command line put together.
+#include "base/configuration.h"
+
+namespace tarn {
+
+IniFile loadConfiguration() {
+    IniFile file = configurationSource.readsFile ? IniFile(configurationPath) : IniFile();
+    for (const auto& [key, value] : configurationSource.assignments) {
+        file.set(key.c_str(), value.c_str());
+    }
+    return file;
+}
+
+}  // namespace tarn

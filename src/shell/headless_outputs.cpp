@@ -1,0 +1,162 @@
+// What a run without a window leaves behind.
+#include "shell/headless_outputs.h"
+
+#include "base/diagnostics.h"
+#include "base/png_file.h"
+#include "gs/gs.h"
+#include "gs/local_memory.h"
+#include "history/state_file.h"
+#include "machine/machine.h"
+#include "machine/settings.h"
+#include "r5900/interpreter.h"
+#include "shell/session.h"
+#include "symbols/callgrind_file.h"
+#include "symbols/lcov_file.h"
+#include "symbols/profiler.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <utility>
+
+namespace tarn {
+namespace {
+
+/// The frame buffer that GSmakeSnapshot would write.
+bool writeSnapshotAsPng(std::FILE* file) {
+    const u32 width = Gs.gsdspfb->fbw;
+    const u32 height = width == 0 ? 0 : Gs.gsdspfb->maxRows;
+    std::vector<u8> pixels;
+    pixels.reserve(std::size_t{width} * height * 3);
+    for (u32 i = 0; i < width * height; ++i) {
+        const u32 word = localWord(i);
+        pixels.insert(pixels.end(),
+                      {static_cast<u8>(word), static_cast<u8>(word >> 8), static_cast<u8>(word >> 16)});
+    }
+    return writePng(file, width, height, pixels);
+}
+
+/// "name.png" with the number before the extension.
+std::string numberedName(const std::string& name, u64 number) {
+    char digits[32];
+    std::snprintf(digits, sizeof digits, "-%06llu", number);
+    const std::size_t slash = name.rfind('/');
+    const std::size_t dot = name.rfind('.');
+    const bool extended = dot != std::string::npos && (slash == std::string::npos || dot > slash);
+    return extended ? name.substr(0, dot) + digits + name.substr(dot) : name + digits;
+}
+
+}  // namespace
+
+std::span<u8> picturePixels() {
+    if (MainScreen == nullptr || MainScreen->pixels == nullptr) {
+        return {};
+    }
+    const auto bytes = static_cast<std::size_t>(MainScreen->pitch) * static_cast<std::size_t>(MainScreen->h);
+    return {static_cast<u8*>(MainScreen->pixels), bytes};
+}
+
+bool HeadlessOutputs::open() {
+    bool usable = true;
+    for (const auto& [path, file] : {std::pair{&options.picture, &picture},
+                                     {&options.vramDump, &vram},
+                                     {&options.saveState, &state},
+                                     {&options.trace, &trace},
+                                     {&options.profile, &profile},
+                                     {&options.coverage, &coverage}}) {
+        if (!*path) {
+            continue;
+        }
+        if (*path == "-") {
+            diagnosticSinks.text[static_cast<std::size_t>(Channel::StandardOutput)] = [](const char* text) {
+                std::fputs(text, stderr);
+            };
+        }
+        file->open(**path);
+        usable = (file->isOpen() || file->close()) && usable;
+    }
+    return usable;
+}
+
+bool HeadlessOutputs::beginCounting() const {
+    if ((options.profile || options.coverage) && !symbols::startCounting(table())) {
+        std::fprintf(stderr, "tarn-headless: there is no memory for the counts\n");
+        return false;
+    }
+    return true;
+}
+
+void HeadlessOutputs::writeNumberedPicture() {
+    const std::string name = numberedName(*options.picture, machine.counters.verticalBlanks);
+    numberedPictureLost = !writePicture(name, MainScreen) || numberedPictureLost;
+}
+
+bool HeadlessOutputs::writeSnapshot() {
+    const std::string& name = *options.snapshot;
+    if (!isPngName(name)) {
+        return GSmakeSnapshot(name.c_str()) ||
+               reportLostOutput((name + "snapNNN.bmp").c_str(),
+                                Gs.vRam == nullptr ? "there is no GS memory" : std::strerror(errno));
+    }
+    if (Gs.vRam == nullptr) {
+        return reportLostOutput(name.c_str(), "there is no GS memory");
+    }
+    OutputFile file;
+    file.open(name);
+    errno = 0;
+    if (file.isOpen() && !writeSnapshotAsPng(file.stream())) {
+        file.noteFailure(errno != 0 ? std::strerror(errno) : "the display shows no frame buffer");
+    }
+    return file.close();
+}
+
+void HeadlessOutputs::writeCounts() {
+    const auto counts = symbols::stopCounting();
+    if (counts && profile.isOpen()) {
+        symbols::writeCallgrind(profile.stream(), *counts, table(), Settings.ElfToExecute);
+    }
+    if (counts && coverage.isOpen()) {
+        symbols::writeLcov(coverage.stream(), *counts, table());
+    }
+}
+
+bool HeadlessOutputs::write() {
+    bool complete = !numberedPictureLost;
+    if (options.picture) {
+        writePicture(picture, MainScreen, isPngName(*options.picture));
+        complete &= picture.close();
+    }
+    if (options.snapshot) {
+        complete &= writeSnapshot();
+    }
+    if (options.vramDump) {
+        if (Gs.vRam != nullptr) {
+            const std::span<const u8> bytes = Gs.vRam;
+            vram.write(bytes.data(), bytes.size());
+        } else {
+            vram.noteFailure("there is no GS memory");
+        }
+        complete &= vram.close();
+    }
+    if (options.registers) {
+        MipsCpuPrintReg();
+        MipsCpuFPR1PrintReg();
+    }
+    if (options.saveState) {
+        const std::vector<u8> bytes =
+            history::packState(history::programIdentity(Settings.ElfToExecute), picturePixels());
+        state.write(bytes.data(), bytes.size());
+        complete &= state.close();
+    }
+    if (options.trace) {
+        complete &= trace.close();
+    }
+    if (options.profile || options.coverage) {
+        writeCounts();
+        complete &= !options.profile || profile.close();
+        complete &= !options.coverage || coverage.close();
+    }
+    return complete;
+}
+
+}  // namespace tarn

@@ -1,0 +1,47 @@
+// What a run without a window leaves behind: pictures, memory, trace, counts.
+#pragma once
+
+#include "shell/headless_options.h"
+#include "shell/output_files.h"
+#include "symbols/symbol_table.h"
+
+#include <cstddef>
+#include <span>
+
+namespace tarn {
+
+/// The bytes of the picture, which belong to the machine's state; none before there is one.
+std::span<u8> picturePixels();
+
+class HeadlessOutputs {
+  public:
+    /// `table` is asked for only when there is something to count.
+    HeadlessOutputs(const HeadlessOptions& given, const symbols::SymbolTable& (*readTable)())
+        : options(given), table(readTable) {}
+
+    /// Opens the files, so that one that cannot be written shows before the run; false, with a message, when
+    /// there is one. Where an output goes to standard output, diagnostics go to standard error.
+    bool open();
+
+    void writeTrace(const char* text, std::size_t size) { trace.write(text, size); }
+
+    /// Has instructions counted when that is asked for; false, with a message, when it cannot be.
+    bool beginCounting() const;
+
+    /// Writes the emulated display with the number of vertical blanks in the file's name.
+    void writeNumberedPicture();
+
+    /// Writes every output that is asked for, each whatever becomes of the others; false when one is lost.
+    bool write();
+
+  private:
+    bool writeSnapshot();
+    void writeCounts();
+
+    const HeadlessOptions& options;
+    const symbols::SymbolTable& (*table)();
+    OutputFile picture, vram, state, trace, profile, coverage;
+    bool numberedPictureLost = false;
+};
+
+}  // namespace tarn
