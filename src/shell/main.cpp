@@ -54,7 +54,7 @@ int main(int, char**) {
         failFor("Couldn't initialize SDL: %s\n");
     }
     std::atexit(SDL_Quit);
-    TarnLoadConfig();
+    const bool configured = TarnLoadConfig() == 1;
     openWindow();
     SDL_SetEventFilter(FilterEvents);
     createMainScreen();
@@ -66,6 +66,9 @@ int main(int, char**) {
     TarnGUI.IdleProc = koGUI_TarnInitProc;
     TarnGUI.MainLoop(&TarnGUI);
     if (TarnGUI.IdleProc == koGUI_TarnInitProc) {
+        if (!configured) {
+            std::fputc('\n', stderr);  // the message about the file does not end its line
+        }
         reportFailedStart();
     }
     TarnGUI.Destroy(&TarnGUI);

@@ -98,7 +98,7 @@ class CommandLineTest(ProgramTest):
             with self.subTest(place):
                 _, messages = self.run_headless("counter.elf", f"--until={place}", status=0)
                 self.assertRegex(messages, rf"tarn-headless: reached 0x001000\w\w after {steps} steps")
-        _, messages = self.run_headless(guest("triangle"), "--until=main", status=0)
+        _, messages = self.run_headless(guest("cube"), "--until=main", status=0)
         self.assertIn("tarn-headless: reached 0x", messages)
         self.assertIn("step limit", self.run_headless("counter.elf", "--until=0:1", "--steps=9", status=0)[1])
 
