@@ -24,8 +24,8 @@ namespace {
 
 /// The frame buffer that GSmakeSnapshot would write.
 bool writeSnapshotAsPng(std::FILE* file) {
-    const u32 width = Gs.gsdspfb->fbw;
-    const u32 height = width == 0 ? 0 : Gs.gsdspfb->maxRows;
+    const u32 width = Gs.gsdspfb().fbw;
+    const u32 height = width == 0 ? 0 : Gs.gsdspfb().maxRows;
     std::vector<u8> pixels;
     pixels.reserve(std::size_t{width} * height * 3);
     for (u32 i = 0; i < width * height; ++i) {
