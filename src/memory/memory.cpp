@@ -4,6 +4,7 @@
 #include "base/diagnostics.h"
 #include "machine/machine.h"
 #include "memory/area_handlers.h"
+#include "memory/failed_access.h"
 
 #include <cstdio>
 
@@ -19,6 +20,13 @@ constexpr bool isGsArea(u32 address) { return address - gsAreaFirst <= gsAreaLas
 template <Access access>
 bool isUnknownWidth(u32 address, Width width) {
     return bytesOf(width) == 0 && mainMemoryOffset<access>(address, 0) != notMainMemory;
+}
+
+/// After an access outside main memory: remembers it when it has paused the CPU.
+void noteFailure(u32 address, Width width, bool isStore) {
+    if (MipsCpu.pause != 0) {
+        lastFailedAccess = {MipsCpu.cycle, static_cast<u32>(MipsCpu.PC), address, bytesOf(width), isStore};
+    }
 }
 
 }  // namespace
@@ -37,6 +45,7 @@ void writeOutsideMainMemory(GuestValue value, Width width, u64 base, s32 offset)
         }
         MipsCpu.pause = 1;
     }
+    noteFailure(address, width, true);
 }
 
 void readOutsideMainMemory(GuestValue* destination, Width width, u64 base, s32 offset) {
@@ -56,6 +65,7 @@ void readOutsideMainMemory(GuestValue* destination, Width width, u64 base, s32 o
         }
         MipsCpu.pause = 1;
     }
+    noteFailure(address, width, false);
 }
 
 }  // namespace tarn

@@ -3,8 +3,9 @@
 
 #include "kernel/syscall_table.h"
 #include "machine/machine.h"
+#include "machine/settings.h"
+#include "memory/failed_access.h"
 #include "memory/main_memory.h"
-#include "memory/width.h"
 #include "r5900/fields.h"
 #include "r5900/operation.h"
 #include "symbols/call_chain.h"
@@ -52,18 +53,26 @@ u32 distance(const Area& area, u32 address) {
     return address > area.last ? address - area.last : 0;
 }
 
-/// For the address of an access that failed.
-std::string adviceForAddress(u32 address) {
+/// The access that has paused the CPU, if one has.
+const FailedAccess* failedAccess() {
+    return MipsCpu.pause != 0 && lastFailedAccess.cycle == MipsCpu.cycle ? &lastFailedAccess : nullptr;
+}
+
+std::string adviceForAccess(const FailedAccess& failed) {
+    const u32 address = failed.address;
+    const std::string access =
+        format("the %s of %u byte%s at 0x%08x failed: ", failed.isStore ? "store" : "load", failed.bytes,
+               failed.bytes == 1 ? "" : "s", address);
     const u32 physical = foldKernelSegment(address);
     const Area& nearest =
         *std::ranges::min_element(areas, {}, [&](const Area& area) { return distance(area, physical); });
     if (distance(nearest, physical) == 0) {
-        return format("0x%08x is in %s, 0x%08x to 0x%08x: only %s work there", address, nearest.name,
-                      nearest.first, nearest.last, nearest.takes);
+        return access + format("only %s work in %s, 0x%08x to 0x%08x", nearest.takes, nearest.name,
+                               nearest.first, nearest.last);
     }
-    return format("nothing is at 0x%08x%s; the nearest is %s, 0x%08x to 0x%08x", address,
-                  physical < nearest.first && physical < 0x1000 ? ", a null pointer" : "", nearest.name,
-                  nearest.first, nearest.last);
+    return access + format("nothing is there%s; the nearest is %s, 0x%08x to 0x%08x",
+                           physical < 0x1000 ? ", a null pointer" : "", nearest.name, nearest.first,
+                           nearest.last);
 }
 
 bool pausedOnCall() {
@@ -87,23 +96,20 @@ std::string adviceForCall() {
                   argument(1), argument(2), argument(3));
 }
 
-/// A load that has put something else into the register that its address came from.
-bool addressIsLost(u32 word) {
-    const auto fields = r5900::MemoryFields::from(word);
-    return fields.base.number() == fields.rt.number();
-}
-
 std::string advice() {
-    const u32 word = MipsCpu.opcode;
-    const r5900::Operation& operation = r5900::operationOf(word);
+    if (const FailedAccess* failed = failedAccess()) {
+        return adviceForAccess(*failed);
+    }
     if (static_cast<u32>(MipsCpu.PC) > mainMemorySize - 4) {
         return "there is no code outside main memory: a wrong function pointer or return address";
     }
     if (pausedOnCall()) {
         return adviceForCall();
     }
-    if (operation.accessesMemory() && !(operation.kind == r5900::Kind::Load && addressIsLost(word))) {
-        return adviceForAddress(operation.address(word));
+    const u32 word = MipsCpu.opcode;
+    if (Settings.completeCpu != 1 && !r5900::isImplementedBy(false, word) &&
+        r5900::isImplementedBy(true, word)) {
+        return "the complete processor has this instruction: General:Complete_cpu = 1, or --complete-cpu";
     }
     return "";
 }
@@ -111,13 +117,11 @@ std::string advice() {
 }  // namespace
 
 std::optional<u32> pausedInstruction() {
-    const auto pc = static_cast<u32>(MipsCpu.PC);
-    for (const u32 address : {pc, pc - 4}) {
-        if (isCurrentInstruction(address)) {
-            return address;
-        }
+    if (const FailedAccess* failed = failedAccess()) {
+        return failed->pc;
     }
-    return std::nullopt;
+    const auto pc = static_cast<u32>(MipsCpu.PC);
+    return isCurrentInstruction(pc) ? std::optional(pc) : std::nullopt;
 }
 
 std::optional<s32> exitResult() {

@@ -6,7 +6,7 @@
 namespace tarn::symbols {
 
 /// The address of the instruction that paused the CPU: PC has left it after an access that failed. Nothing
-/// when it was in a delay slot or could not be fetched.
+/// when it could not be fetched, or stopped in a delay slot.
 std::optional<u32> pausedInstruction();
 
 /// What the program gave to the kernel call Exit, if that is what the CPU has paused on.

@@ -125,21 +125,27 @@ class SymbolsTest(ProgramTest):
                                  ("jump", "j       leaf"), ("leaf", "jr      $31"))}
         self.assertEqual(self.reported(), [f"in _start+0x30 (count.S:{at['exit']})",
                                            "the program has ended, with result 5"])
-        self.assemble(SOURCE.replace("jr      $31                     # 6", "lw      $2, 0x10($0)"))
-        self.assertEqual(self.reported(), [
-            f"in leaf (count.S:{at['leaf']})", f"called from work+0x8 (count.S:{at['second']})",
-            f"called from _start+0x4 (count.S:{at['first']})",
-            "nothing is at 0x00000010, a null pointer; the nearest is main memory, 0x00100000 to 0x01fffffe"])
+        jump, slot = "jr      $31                     # 6\n", "        nop                             # 6"
+        load = "        lw      $2, 0x10($0)"
+        for leaf, place in (SOURCE.replace(jump, load.lstrip() + "\n"), f"leaf (count.S:{at['leaf']})"), \
+                           (SOURCE.replace(jump + slot, jump + load), f"leaf+0x4 (count.S:{at['leaf'] + 1})"):
+            self.assemble(leaf)
+            self.assertEqual(self.reported(), [
+                "in " + place, f"called from work+0x8 (count.S:{at['second']})",
+                f"called from _start+0x4 (count.S:{at['first']})",
+                "the load of 4 bytes at 0x00000010 failed: nothing is there, a null pointer; the nearest is main memory, "
+                "0x00100000 to 0x01fffffe"])
 
     def test_what_to_do(self):
         for words, advice in (
                 ([0x24030005, 0x0000000C], "the kernel call 0x05, RFU005, is not there (arguments 0x0, 0x0, 0x0, 0x0)"),
                 ([0x2403001A, 0x0000000C], "the kernel call 0x1a, which has no name, is not there (arguments 0x0, 0x0, 0x0, 0x0)"),
-                ([0x3C081200, 0xA1000000],
-                 "0x12000000 is in the registers of the GS, 0x12000000 to 0x12001080: only words and doublewords work "
-                 "there"),
-                ([0x3C087000, 0xAD000000],
-                 "nothing is at 0x70000000; the nearest is the BIOS image, 0x1fc00000 to 0x1ffffffe"),
+                ([0x3C081200, 0xA1000000], "the store of 1 byte at 0x12000000 failed: only words and doublewords work in "
+                 "the registers of the GS, 0x12000000 to 0x12001080"),
+                ([0x3C087000, 0xFD000008], "the store of 8 bytes at 0x70000008 failed: nothing is there; the nearest is "
+                 "the BIOS image, 0x1fc00000 to 0x1ffffffe"),
+                ([0x00000027], "the complete processor has this instruction: General:Complete_cpu = 1, or "
+                 "--complete-cpu"),
                 ([0x00000008, 0], None),
                 ([0x3C08E000, 0x01000008, 0],
                  "there is no code outside main memory: a wrong function pointer or return address")):

@@ -1,0 +1,19 @@
+// The last access that nothing served, for those who report a pause.
+#pragma once
+
+#include "base/types.h"
+
+namespace tarn {
+
+/// Not part of the machine: it says of a pause what the registers may no longer tell.
+struct FailedAccess {
+    u64 cycle = 0;  ///< MipsCpu.cycle after the instruction
+    u32 pc = 0;
+    u32 address = 0;
+    u32 bytes = 0;
+    bool isStore = false;
+};
+
+inline FailedAccess lastFailedAccess;
+
+}  // namespace tarn
