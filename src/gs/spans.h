@@ -134,6 +134,9 @@ struct SteppedDepth {
 struct StoreColour {
     static void start(u32 /*x*/, u32 /*y*/) {}
     static void write(u32& pixel, u32 colour) { pixel = colour; }
+    static void storeAll(u32* pixels, const Lanes& colours) {
+        std::memcpy(pixels, &colours, sizeof(colours));
+    }
     static void step() {}
 };
 
@@ -142,6 +145,10 @@ struct StoreAndCount {
     static void write(u32& pixel, u32 colour) {
         pixel = colour;
         ++pixelsWritten;
+    }
+    static void storeAll(u32* pixels, const Lanes& colours) {
+        StoreColour::storeAll(pixels, colours);
+        pixelsWritten += sizeof(colours) / sizeof(u32);
     }
     static void step() {}
 };
@@ -165,7 +172,7 @@ struct TestAlpha {
     static void step() {}
 };
 
-/// Whatever writer has been selected; the way of blended and of counted pixels.
+/// Whatever writer has been selected; the way of blended pixels, and of counted ones under an alpha test.
 struct CallWriter {
     u32 column = 0;
     u32 row = 0;
@@ -183,20 +190,29 @@ template <class Source, class Draw>
 void withPixelEnd(const Source& source, Draw draw) {
     selectPixelWriter();
     const auto test = Gs.test().ate == 1 ? AlphaTest{Gs.test().atst} : AlphaTest::always;
-    if (blendingSelected() || pixelsAreCounted()) {
+    const auto store = [&] {
+        if (pixelsAreCounted()) {
+            draw(StoreAndCount{});
+        } else {
+            draw(StoreColour{});
+        }
+    };
+    if (blendingSelected()) {
         draw(CallWriter{});
     } else if constexpr (Source::constantAlpha) {
         if (passesAlphaTest(test, source.alpha(), Gs.test().aref)) {
-            draw(StoreColour{});
+            store();
         } else {
             draw(DropColour{});
         }
+    } else if (test != AlphaTest::always && pixelsAreCounted()) {
+        draw(CallWriter{});
     } else {
         switch (test) {
         case AlphaTest::never:
             return draw(DropColour{});
         case AlphaTest::always:
-            return draw(StoreColour{});
+            return store();
         case AlphaTest::less:
             return draw(TestAlpha<AlphaTest::less>{});
         case AlphaTest::lessOrEqual:
@@ -261,8 +277,8 @@ inline void fillRun(u32* memory, u32 pixel, u32 depthWord, u32 count, Source& so
                 typename Source::Quads quads(source);
                 for (; count - i >= 4; i += 4) {
                     const Lanes colours = quads.next();
-                    if constexpr (std::is_same_v<End, StoreColour> && !Depth::used) {
-                        std::memcpy(&pixels[i], &colours, sizeof(colours));
+                    if constexpr (requires { End::storeAll(pixels, colours); } && !Depth::used) {
+                        End::storeAll(&pixels[i], colours);
                     } else {
                         endPixel(pixels[i], depths[i], colours[0], d, e);
                         endPixel(pixels[i + 1], depths[i + 1], colours[1], d, e);
