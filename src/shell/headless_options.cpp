@@ -195,8 +195,9 @@ class Parser {
         if (options.pictureEvery && (!options.picture || options.picture == "-")) {
             complain("--picture-every takes the names of its files from --picture FILE");
         }
-        if (options.gdbPort && (options.until || options.pictureEvery)) {
-            complain("--gdb does not go with --until and --picture-every");
+        if (options.gdbPort &&
+            (options.until || options.pictureEvery || options.profile || options.coverage)) {
+            complain("--until, --picture-every, --profile and --coverage do not work with --gdb");
         }
     }
 

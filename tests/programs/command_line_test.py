@@ -1,34 +1,12 @@
 """A program as argument, and the options that say how it is run, where it stops and what it leaves."""
 
-import re
 import shutil
-import struct
 import subprocess
-import zlib
 
-from tarn_programs import BUILD, ProgramTest, elf, guest, read_bmp
+from tarn_programs import BUILD, ProgramTest, elf, guest, read_bmp, read_png
 
 EXIT_7 = [0x24040207, 0x24030004, 0x0000000C]  # a0 = 0x207, v1 = 4 (Exit), syscall
 COUNTER = [0x24080000, 0x25080001, 0x1000FFFE, 0]  # addiu t0, 0, 0; addiu t0, t0, 1; b back; nop
-
-
-def read_png(data):
-    """Rows of (red, green, blue) from a PNG of 8-bit RGB, whose rows may be filtered."""
-    width, height, depth, kind = struct.unpack_from(">IIBB", data, 16)
-    assert (data[:8], depth, kind) == (b"\x89PNG\r\n\x1a\n", 8, 2)
-    body = b"".join(data[m.end():m.end() + struct.unpack(">I", data[m.start() - 4:m.start()])[0]]
-                    for m in re.finditer(b"IDAT", data))
-    lines, before, rows = zlib.decompress(body), bytes(width * 3), []
-    for y in range(height):
-        kind, line = lines[y * (width * 3 + 1)], bytearray(lines[y * (width * 3 + 1) + 1:(y + 1) * (width * 3 + 1)])
-        for i, value in enumerate(line):
-            left, above, corner = (line[i - 3], before[i], before[i - 3]) if i >= 3 else (0, before[i], 0)
-            guess = left + above - corner
-            paeth = min((left, above, corner), key=lambda each: abs(guess - each))
-            line[i] = (value + (0, left, above, (left + above) // 2, paeth)[kind]) & 0xFF
-        before = bytes(line)
-        rows.append([tuple(line[i:i + 3]) for i in range(0, width * 3, 3)])
-    return rows
 
 
 class CommandLineTest(ProgramTest):
@@ -84,6 +62,7 @@ class CommandLineTest(ProgramTest):
                                    (["-D", "Video:Widht=1"], 'nearest known key is "Video:Width"'),
                                    (["--until=main:0"], "a whole number from 1 "),
                                    (["--picture-every=2"], "--picture FILE"),
+                                   (["--gdb=0", "--profile=p"], "do not work with --gdb"),
                                    (["--trace=-", "--picture=-"], "only one output")):
             with self.subTest(options):
                 self.assertIn(complaint, self.run_headless(*options, status=2)[1])

@@ -6,6 +6,7 @@ import struct
 import subprocess
 import tempfile
 import unittest
+import zlib
 from pathlib import Path
 
 BUILD = Path(os.environ["TARN_BUILD"])
@@ -87,4 +88,28 @@ def read_bmp(data):
     for y in reversed(range(height)):
         line = data[offset + y * pitch:offset + y * pitch + width * step]
         rows.append([(line[i + 2], line[i + 1], line[i]) for i in range(0, width * step, step)])
+    return rows
+
+
+def paeth(left, above, corner):
+    guess = left + above - corner
+    return min((left, above, corner), key=lambda each: abs(guess - each))
+
+
+def read_png(data):
+    """Rows of (red, green, blue) from a PNG of 8-bit RGB."""
+    width, height, depth, kind = struct.unpack_from(">IIBB", data, 16)
+    assert (data[:8], depth, kind) == (b"\x89PNG\r\n\x1a\n", 8, 2)
+    lines = zlib.decompress(b"".join(data[m.end():m.end() + struct.unpack_from(">I", data, m.start() - 4)[0]]
+                                     for m in re.finditer(b"IDAT", data)))
+    predict = (None, lambda left, *_: left, lambda _, above, __: above,
+               lambda left, above, _: (left + above) // 2, paeth)
+    before, rows, pitch = bytes(width * 3 + 3), [], width * 3 + 1
+    for y in range(height):
+        kind, line = lines[y * pitch], bytearray(3) + lines[y * pitch + 1:(y + 1) * pitch]
+        if kind:
+            for i in range(3, len(line)):
+                line[i] = line[i] + predict[kind](line[i - 3], before[i], before[i - 3]) & 0xFF
+        before = bytes(line)
+        rows.append(list(zip(line[3::3], line[4::3], line[5::3])))
     return rows
