@@ -2,7 +2,6 @@
 #include "gs/display.h"
 
 #include "base/diagnostics.h"
-#include "gs/local_memory.h"
 
 #include <SDL.h>
 #include <array>
@@ -26,6 +25,7 @@ constexpr std::array<Conversion, 4> conversions{{
 }};
 
 void fillWithGrey() {
+    forgetPicture();
     if (GsHost.buffer != nullptr) {
         SDL_FillRect(GsHost.buffer, nullptr, SDL_MapRGB(GsHost.buffer->format, 221, 221, 221));
     }
@@ -51,6 +51,7 @@ int DXopen() {
 }
 
 void DXclose() {
+    forgetPicture();
     GsHost.DXinit = 0;
     if (GsHost.conf.fullscreen == 0) {
         GsHost.buffer = nullptr;
@@ -70,27 +71,13 @@ int DXswitchScrMode() {
 }
 
 void DXupdScrBlit() {
+    forgetPicture();
     for (const Conversion& conversion : conversions) {
         if (conversion.depth == GsHost.depth) {
             GsHost.ScrBlit = GsHost.conf.stretch != 0 ? conversion.stretched : conversion.plain;
             GsHost.pixelBytes = conversion.pixelBytes;
         }
     }
-}
-
-void DXupdate() {
-    const SDL_Surface* buffer = GsHost.buffer;
-    if (Gs.vRam == nullptr || buffer == nullptr || GsHost.ScrBlit == nullptr ||
-        buffer->format->BytesPerPixel != GsHost.pixelBytes) {
-        return;
-    }
-    const GsRectangle rectangle{
-        .x = static_cast<s32>(Gs.gsdspfb().dbx + Gs.gsmode().x),
-        .y = static_cast<s32>(Gs.gsdspfb().dby + Gs.gsmode().y),
-        .w = static_cast<s32>(Gs.gsmode().width),
-        .h = static_cast<s32>(Gs.gsmode().height),
-    };
-    GsHost.ScrBlit(static_cast<u8*>(buffer->pixels), &dBufUL(0), rectangle, buffer->pitch);
 }
 
 }  // namespace tarn

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "base/types.h"
+#include "gs/local_memory.h"
 
 struct SDL_Surface;
 
@@ -24,11 +25,22 @@ struct GsRectangle {
     s32 y = 0;
     s32 w = 0;
     s32 h = 0;
+
+    bool operator==(const GsRectangle&) const = default;
+};
+
+/// The part of local memory that a vertical blank shows.
+struct GsPicture {
+    u32 base = 0;    ///< word at which the displayed buffer starts
+    u32 stride = 0;  ///< words from one row to the next
+    GsRectangle rectangle{};
+
+    bool operator==(const GsPicture&) const = default;
 };
 
 /// A conversion of local memory to destination pixels. `source` is the word of local memory where the
-/// displayed buffer starts, its rows are the fbw of the displayed circuit apart; `pitch` is in bytes. Nothing
-/// is written beyond GsHost.buffer's width and height, nothing read but local memory, which wraps.
+/// displayed buffer starts, its rows are GsHost.picture.stride apart; `pitch` is in bytes. Nothing is written
+/// beyond GsHost.buffer's width and height, nothing read but local memory, which wraps.
 using ScrBlitOperation = void (*)(u8* destination, const u32* source, const GsRectangle& rectangle,
                                   s32 pitch);
 
@@ -52,6 +64,14 @@ struct GsDisplayState {
     s32 DXinit = 0;                 ///< 1 while open
     ScrBlitOperation ScrBlit = nullptr;
     s32 pixelBytes = 0;  ///< size of the pixels that ScrBlit writes
+
+    // The picture of the last vertical blank. It is converted when something is about to look at the surface
+    // or to change what the picture shows, whichever is first.
+    GsPicture picture{};
+    WordRange pictureWords{};    ///< all that a conversion of it may read
+    bool pictureDue = false;     ///< the surface does not show it yet
+    bool pictureIntact = false;  ///< its words have not changed since
+    bool pictureNew = false;     ///< takeNewPicture has not been told of it
 };
 
 inline GsDisplayState GsHost;
@@ -63,7 +83,27 @@ void DXclose();         ///< lets go of `buffer`, which stays its owner's to fre
 void DXclearScr();      ///< fills `buffer` with grey
 int DXswitchScrMode();  ///< closes, switches `fullscreen` over, opens again; DXopen's result
 void DXupdScrBlit();    ///< chooses the conversion by depth and stretch
-void DXupdate();        ///< presents the displayed rectangle on `buffer`
+void DXupdate();        ///< makes the displayed rectangle the picture that `buffer` shows
+
+/// Brings `buffer` to the picture of the last vertical blank. To be called before anything looks at it.
+void presentPicture();
+
+/// Whether a vertical blank has shown another picture than the one before since the last call.
+bool takeNewPicture();
+
+/// To be called before the pixels of `buffer`, the way pictures get there, or the machine are changed by
+/// something else than a vertical blank and the drawing since: the next blank's picture counts as new.
+void forgetPicture();
+
+/// To be called before words of local memory change.
+inline void beforeWrite(WordRange words) {
+    if (GsHost.pictureIntact && overlap(words, GsHost.pictureWords)) [[unlikely]] {
+        forgetPicture();
+    }
+}
+
+/// The same for whatever words a primitive of the current context can change.
+void beforeDrawing();
 
 // The settings dialogs of other front ends; they do nothing here.
 void OnConf_Ok();

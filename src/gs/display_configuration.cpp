@@ -11,6 +11,7 @@
 namespace tarn {
 
 void LoadConfig() {
+    forgetPicture();
     GsHost.conf = GsConfig{};
     const IniFile file = loadConfiguration();
     if (!file) {

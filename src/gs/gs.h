@@ -16,7 +16,7 @@ s32 GSopen(SDL_Surface* display, const char* title);  ///< opens the display on 
 void GSclose();                                       ///< closes the display; the surface stays its owner's
 void GSshutdown();                                    ///< frees local memory
 void GSreset();                                       ///< puts everything back as at process start
-void GSvsync();                                       ///< presents the displayed frame buffer
+void GSvsync();                                       ///< shows the displayed frame buffer, see DXupdate
 void GSkeyEvent();                                    ///< does nothing
 void GSconfigure();                                   ///< reads the renderer's configuration again
 void GSabout();                                       ///< does nothing

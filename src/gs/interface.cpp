@@ -21,6 +21,7 @@ s32 GSinit() {
     if (!memory.allocate(localMemoryBytes)) {
         return -1;
     }
+    forgetPicture();
     Gs.vRam = std::move(memory);
 
     gsSetCtxt(0);
@@ -47,13 +48,16 @@ s32 GSopen(SDL_Surface* display, const char* /*title*/) {
 
 void GSclose() { DXclose(); }
 
-void GSshutdown() { Gs.vRam.release(); }
+void GSshutdown() {
+    forgetPicture();
+    Gs.vRam.release();
+}
 
 void GSreset() {
+    GsHost = GsDisplayState{};  // first: its surface may be gone
     GSshutdown();
     std::destroy_at(&Gs);
     std::construct_at(&Gs);
-    GsHost = GsDisplayState{};
 }
 
 void GSvsync() { DXupdate(); }

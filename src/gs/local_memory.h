@@ -10,8 +10,22 @@ namespace tarn {
 /// The word at `index`, taken modulo the size of local memory.
 inline u32& localWord(u32 index) { return Gs.vRamUL()[index & (localMemoryWords - 1)]; }
 
-/// The byte at `index`, taken modulo the size of local memory.
-inline u8& localByte(u32 index) { return Gs.vRam[index & (localMemoryBytes - 1)]; }
+/// A stretch of local memory, which may wrap at its end.
+struct WordRange {
+    u32 first = 0;
+    u32 count = 0;
+};
+
+constexpr bool overlap(WordRange a, WordRange b) {
+    return a.count != 0 && b.count != 0 &&
+           ((b.first - a.first) % localMemoryWords < a.count ||
+            (a.first - b.first) % localMemoryWords < b.count);
+}
+
+/// `count` words from `first` on, or all of them when that is less.
+constexpr WordRange wordRange(u32 first, s64 count) {
+    return {first, static_cast<u32>(std::clamp<s64>(count, 0, localMemoryWords))};
+}
 
 /// Calls use(words, first, run) for the stretches, each without a wrap, that make up the `count` words from
 /// `index` on: `words` points at the stretch, which holds `run` words, `first` of the `count` come before it.
@@ -32,10 +46,9 @@ inline void countWork(s64 width, s64 height) {
     }
 }
 
-/// Word `index` of the current context's frame buffer, of its depth buffer, and of the displayed buffer.
+/// Word `index` of the current context's frame buffer, and of its depth buffer.
 inline u32& fBufUL(u32 index) { return localWord(Gs.gsfb().fbp + index); }
 inline u32& zBufUL(u32 index) { return localWord(Gs.zbuf().zbp + index); }
-inline u32& dBufUL(u32 index) { return localWord(Gs.gsdspfb().fbp + index); }
 
 /// The rows that local memory holds of a buffer `width` pixels wide; for width 0, as for width 1.
 constexpr u32 maxRowsOf(u32 width) { return width == 0 ? localMemoryWords : localMemoryWords / width; }

@@ -27,7 +27,7 @@ bool hasDestination() { return GsHost.buffer != nullptr && GsHost.conf.width > 0
 
 /// The index in local memory of pixel (x, y) of a buffer that starts at `source`.
 u32 sourceIndex(const u32* source, s32 x, s32 y) {
-    return static_cast<u32>(source - Gs.vRamUL()) + static_cast<u32>(y) * Gs.gsdspfb().fbw +
+    return static_cast<u32>(source - Gs.vRamUL()) + static_cast<u32>(y) * GsHost.picture.stride +
            static_cast<u32>(x);
 }
 

@@ -19,8 +19,6 @@ const std::array<PrimitiveRoutine, 8> primTable = {
 
 namespace {
 
-constexpr s32 lastUntexturedRow = 1023;  // a limit that textured vertices do not have
-
 /// The scissor rectangle and the frame's size, signed because vertices may lie left of or above them.
 struct ClipBounds {
     s32 left = static_cast<s32>(Gs.scissor().scax0);

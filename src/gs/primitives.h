@@ -8,6 +8,8 @@
 
 namespace tarn {
 
+inline constexpr s32 lastUntexturedRow = 1023;  ///< a limit that textured vertices do not have
+
 using PrimitiveRoutine = void (*)(const GsVertex* vertices);
 
 /// By primitive type: vertices that complete one, and the routine that draws it.

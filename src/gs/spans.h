@@ -21,18 +21,6 @@
 
 namespace tarn {
 
-/// A stretch of local memory, which may wrap at its end.
-struct WordRange {
-    u32 first = 0;
-    u32 count = 0;
-};
-
-constexpr bool overlap(WordRange a, WordRange b) {
-    return a.count != 0 && b.count != 0 &&
-           ((b.first - a.first) % localMemoryWords < a.count ||
-            (a.first - b.first) % localMemoryWords < b.count);
-}
-
 // Four pixels at a time.
 using Lanes = u32 __attribute__((vector_size(16)));
 

@@ -1,6 +1,7 @@
 // Image transfers: from the GIF into local memory, and within local memory.
 #include "gs/transfer.h"
 
+#include "gs/display.h"
 #include "gs/local_memory.h"
 
 #include <algorithm>
@@ -21,6 +22,7 @@ void storeRow(const u8* data, u32 count) {
     if (begin < end) {
         const u8* visible = data + (begin - Gs.imageX) * static_cast<s64>(sizeof(u32));
         const u32 index = Gs.imagePtr + static_cast<u32>(Gs.imageY) * buffer.bw + static_cast<u32>(begin);
+        beforeWrite(wordRange(index, end - begin));
         forLocalRuns(index, static_cast<u32>(end - begin), [&](u32* words, u32 first, u32 run) {
             std::memcpy(words, visible + first * sizeof(u32), run * sizeof(u32));
         });
@@ -125,6 +127,8 @@ void FBmoveImage() {
         return;
     }
     countWork(width, height);
+    beforeWrite(wordRange(Gs.dstbuf.bp + static_cast<u32>(to.y * Gs.dstbuf.bw + to.x),
+                          (height - 1) * Gs.dstbuf.bw + width));
     for (s64 row = 0; row < height; ++row) {
         copyRow(Gs.dstbuf.bp + static_cast<u32>((to.y + row) * Gs.dstbuf.bw + to.x),
                 Gs.srcbuf.bp + static_cast<u32>((from.y + row) * Gs.srcbuf.bw + from.x),

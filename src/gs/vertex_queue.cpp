@@ -1,4 +1,5 @@
 // The vertex queue: when a primitive is complete, and what stays in the queue for the next one.
+#include "gs/display.h"
 #include "gs/primitives.h"
 
 #include <cstddef>
@@ -55,6 +56,9 @@ void vertexKick(bool draws) {
         return;
     }
     if (draws) {
+        if (GsHost.pictureIntact) {
+            beforeDrawing();
+        }
         primTable[type](Gs.gsvertex.data());
     }
     switch (type) {

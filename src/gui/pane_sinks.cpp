@@ -46,9 +46,13 @@ void appendMessage(const char* text) {
     append<emuOutputPane>(text);
 }
 
+/// A picture that is the same need not be drawn again, but shading a pane shows with the next one.
 void markPicture() {
     if (koGUIwidget* pane = paneAt(videoOutputPane)) {
-        pane->dirty = 1;
+        const bool isNew = TarnGUI.PictureIsNew == nullptr || TarnGUI.PictureIsNew();
+        if (isNew || anyPaneMoved(&TarnGUI)) {
+            pane->dirty = 1;
+        }
         paneChanged = true;
     }
 }

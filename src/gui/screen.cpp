@@ -62,8 +62,15 @@ void show(koGUIscreen* screen, SDL_Surface* video, const SDL_Rect* rectangle) {
     }
 }
 
+void prepareImages(const koGUIscreen* screen) {
+    if (screen->PrepareImages != nullptr) {
+        screen->PrepareImages();
+    }
+}
+
 /// Draws every pane, in index order so that later ones lie on top, and shows the result in the window.
 void redraw(koGUIscreen* screen, SDL_Surface* video) {
+    prepareImages(screen);
     screen->ClearScreen(screen);
     for (u32 i = 0; i < screen->nbWidgets; ++i) {
         koGUIwidget* pane = &screen->widgets[i];
@@ -124,6 +131,7 @@ bool redrawPicture(koGUIscreen* screen, SDL_Surface* video, bool due) {
     if (!due) {
         return true;
     }
+    prepareImages(screen);
     if (video != nullptr && blitChanges(pane->image, video, &picture, screen->shownPicture)) {
         update(video, picture);
     } else {
@@ -162,6 +170,12 @@ int koGUI_Init(koGUIscreen* screen) {
     screen->running = 1;
     koGUI_ClearScreen(screen);
     return 1;
+}
+
+bool anyPaneMoved(const koGUIscreen* screen) {
+    const auto end = screen->widgets.begin() + screen->nbWidgets;
+    return std::any_of(screen->widgets.begin(), end,
+                       [](const koGUIwidget& pane) { return pane.drawnPlace != placeOf(pane); });
 }
 
 void fillRectangle(koGUIscreen* screen, SDL_Rect rectangle, SDL_Color colour) {

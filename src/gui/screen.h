@@ -34,7 +34,9 @@ struct koGUIscreen {
     void (*ClearScreen)(koGUIscreen*) = nullptr;
     void (*MainLoop)(koGUIscreen*) = nullptr;
     void (*Destroy)(koGUIscreen*) = nullptr;
-    void (*IdleProc)() = nullptr;  ///< called once per iteration of the main loop
+    void (*IdleProc)() = nullptr;       ///< called once per iteration of the main loop
+    bool (*PictureIsNew)() = nullptr;   ///< whether the picture has changed since the last call; null: always
+    void (*PrepareImages)() = nullptr;  ///< called before the images of panes are looked at
 
     u8 quickPicture = 0;           ///< 1: a picture that alone has changed may skip the surface, and wait
     std::vector<u8> shownPicture;  ///< pixels of pane 0's image that did
@@ -56,6 +58,9 @@ void koGUI_MainLoop(koGUIscreen* screen);
 /// Frees the fonts, the surface and the text of the panes.
 void koGUI_Destroy(koGUIscreen* screen);
 void koGUI_defaultIdleProc();
+
+/// Whether a pane has been moved or shaded since it was drawn.
+bool anyPaneMoved(const koGUIscreen* screen);
 
 /// Fills a rectangle of the screen with a colour of red, green, blue.
 void fillRectangle(koGUIscreen* screen, SDL_Rect rectangle, SDL_Color colour);

@@ -1,6 +1,7 @@
 // Taking, restoring and thinning checkpoints.
 #include "history/checkpoints.h"
 
+#include "gs/display.h"
 #include "history/machine_state.h"
 #include "machine/machine.h"
 
@@ -77,6 +78,7 @@ void Checkpoints::take() {
             return;
         }
     }
+    presentPicture();
     forEachPage([&](std::span<const u8> bytes) {
         const auto holds = [&](PagePool::Number page) {
             return std::memcmp(pool.at(page), bytes.data(), bytes.size()) == 0;
@@ -98,6 +100,7 @@ void Checkpoints::take() {
 
 u64 Checkpoints::restore(u64 step) {
     const Checkpoint& point = list[indexAtOrBefore(step)];
+    forgetPicture();
     restoreRecords(machine, point.records);
     std::size_t index = 0;
     forEachPage([&](std::span<u8> bytes) {

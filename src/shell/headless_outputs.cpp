@@ -3,6 +3,7 @@
 
 #include "base/diagnostics.h"
 #include "base/png_file.h"
+#include "gs/display.h"
 #include "gs/gs.h"
 #include "gs/local_memory.h"
 #include "history/state_file.h"
@@ -49,6 +50,7 @@ std::string numberedName(const std::string& name, u64 number) {
 }  // namespace
 
 std::span<u8> picturePixels() {
+    forgetPicture();
     if (MainScreen == nullptr || MainScreen->pixels == nullptr) {
         return {};
     }

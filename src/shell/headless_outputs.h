@@ -10,7 +10,8 @@
 
 namespace tarn {
 
-/// The bytes of the picture, which belong to the machine's state; none before there is one.
+/// The bytes of the picture, to be read or replaced; they belong to the machine's state. None before there is
+/// one.
 std::span<u8> picturePixels();
 
 class HeadlessOutputs {

@@ -2,6 +2,7 @@
 #include "shell/output_files.h"
 
 #include "base/png_file.h"
+#include "gs/display.h"
 #include "gui/surface.h"
 
 #include <cerrno>
@@ -99,6 +100,7 @@ void writePicture(OutputFile& file, SDL_Surface* surface, bool asPng) {
         file.noteFailure("there is no picture");
         return;
     }
+    presentPicture();
     errno = 0;
     SDL_ClearError();
     const SurfacePtr view = trueColours(surface);

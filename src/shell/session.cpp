@@ -1,6 +1,7 @@
 // What both programs set up around the machine.
 #include "shell/session.h"
 
+#include "gs/display.h"
 #include "gui/pane_sinks.h"
 #include "machine/settings.h"
 
@@ -49,6 +50,8 @@ void freeMainScreen() {
 
 void addPanes(AddTextOperation addText) {
     connectPanes();
+    TarnGUI.PictureIsNew = takeNewPicture;
+    TarnGUI.PrepareImages = presentPicture;
     const u32 width = Settings.koGUI_MainScreenW;
     const u32 height = Settings.koGUI_MainScreenH;
     const s32 below = static_cast<s32>(height) + 42;

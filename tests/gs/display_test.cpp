@@ -1,7 +1,6 @@
 // Tests the display: every conversion against a formula per pixel, opening, configuration and snapshots.
 #include "gs/display.h"
 
-#include "gs/local_memory.h"
 #include "machine/settings.h"
 #include "support/gs_machine.h"
 #include "support/machine_test.h"
@@ -115,7 +114,77 @@ TEST_F(Display, EveryPixelIsTheFormulas) {
         std::memcpy(surface->pixels, expected.data(), expected.size());
         present(expected, *surface);
         GSvsync();
+        presentPicture();
         ASSERT_TRUE(bytesOf(*surface) == expected) << "case " << number;
+    }
+}
+
+/// Whatever happens between blanks, and whenever the surface is looked at, it shows what it would if every
+/// blank converted its picture at once.
+TEST_F(Display, ShowsTheLastBlanksPictureWheneverItIsLookedAt) {
+    using namespace gs_register;
+    for (u32 number = 0; number < 300; ++number) {
+        generator.seed(number);
+        const s32 depth = std::array{15, 16, 24, 32}[number % 4];
+        const Surface surface = makeSurface(40, 24, depth);
+        std::vector<u8> expected(bytesOf(*surface).size());
+        const auto smallBuffer = [&] {
+            return random(4) * 32 | u64{random(3)} << 16;
+        };  // in pages, 64 pixels
+        const auto corner = [&] { return random(48) << 4 | random(40) << 20; };
+        const auto area = [&] { return random(40) | random(40) << 16 | u64{random(30)} << 32; };
+        show(0, 1, 0, 0, 40, 24);
+        open(surface.get(), 40, 24, depth, number / 4 % 2);
+        expected = bytesOf(*surface);
+        for (u32 step = 0; step < 80; ++step) {
+            GifStream stream;
+            switch (random(10)) {
+            case 0:
+                show(random(4), random(3), random(20), random(40), 1 + random(48), 1 + random(30));
+                break;
+            case 1:
+                GSwrite64(0x12000090, random(4) | random(3) << 9);
+                GSwrite64(0x12000000, random(2));
+                break;
+            case 2:
+                stream.write(FRAME_1, smallBuffer() / 32).write(ZBUF_1, random(4));
+                stream.write(TEST_1, random(2) << 16 | 1 << 17).write(SCISSOR_1, area() | u64{47} << 48);
+                break;
+            case 3:
+            case 4:
+                stream.write(RGBAQ, static_cast<u32>(generator()))
+                    .write(PRIM, std::array{0, 1, 3, 6}[random(4)]);
+                stream.write(XYZ2, corner() | u64{random(99)} << 32)
+                    .write(XYZ2, corner())
+                    .write(XYZ2, corner());
+                break;
+            case 5:
+                stream.write(BITBLTBUF, smallBuffer() << 32).write(TRXPOS, area()).write(TRXREG, area());
+                stream.tag(GifStream::image, 2, 0, 0).quadword(generator(), 1).quadword(2, generator());
+                break;
+            case 6:
+                stream.write(BITBLTBUF, smallBuffer() | smallBuffer() << 32).write(TRXPOS, area());
+                stream.write(TRXREG, (1 + random(20)) | u64{1 + random(9)} << 32).write(TRXDIR, 2);
+                break;
+            case 7:
+                presentPicture();
+                ASSERT_TRUE(bytesOf(*surface) == expected) << "case " << number << ", step " << step;
+                break;
+            case 8:
+                if (random(8) == 0) {
+                    DXclearScr();
+                    expected = bytesOf(*surface);
+                }
+                break;
+            default:
+                GSvsync();
+                GsHost.ScrBlit(expected.data(), &localWord(Gs.gsdspfb().fbp), GsHost.picture.rectangle,
+                               surface->pitch);
+                break;
+            }
+            stream.send();
+        }
+        DXclose();
     }
 }
 
@@ -132,6 +201,7 @@ TEST_F(Display, OpensOnceAndLetsGoOfTheSurface) {
     const auto grey = bytesOf(*surface);
     GsHost.conf.bpp = 16;
     GSvsync();
+    presentPicture();
     const auto picture = bytesOf(*surface);
     EXPECT_NE(picture, grey);
     EXPECT_EQ(DXopen(), 0);  // open already

@@ -1,6 +1,7 @@
 // Random primitives over random registers, the whole of local memory compared with the model after each.
 // A case is determined by its number alone: TARN_CASE=N reruns case N of whichever of the tests is chosen.
 #include "base/bits.h"
+#include "gs/display.h"
 #include "gs/drawing_model.h"
 #include "gs/primitives.h"
 #include "support/gs_machine.h"
@@ -38,6 +39,13 @@ class RandomDrawing : public GsMachine {
             prepare();
             model.touched.clear();
             model.draw(vertices.data());
+            for (u32 look = 0; look < 8 && !model.touched.empty(); ++look) {
+                const u32 word = model.touched[random(static_cast<u32>(model.touched.size()))];
+                GsHost.pictureWords = {word, 1};
+                GsHost.pictureIntact = true;
+                beforeDrawing();
+                ASSERT_FALSE(GsHost.pictureIntact) << "case " << number << " writes to word " << word;
+            }
             primTable[Gs.prim().type](vertices.data());
             if (std::memcmp(Gs.vRamUL(), model.memory.data(), localMemoryBytes) != 0) {
                 u32 word = 0;
