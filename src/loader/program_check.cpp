@@ -22,6 +22,11 @@ bool readAt(std::FILE* file, u64 offset, void* bytes, std::size_t size) {
            std::fread(bytes, 1, size, file) == size;
 }
 
+std::string cutOff(const char* part, u64 end, u64 size) {
+    return std::string("is cut off: ") + part + " ends at byte " + std::to_string(end) + " of " +
+           std::to_string(size);
+}
+
 std::string whyNotFor(const ElfFileHeader& header) {
     if (std::memcmp(header.e_ident.data(),
                     "\x7F"
@@ -63,10 +68,13 @@ std::string whyNotProgram(const char* path) {
             return "is cut off in its program headers";
         }
         if (segment.p_type == loadable && u64{segment.p_offset} + segment.p_filesz > size) {
-            return "is cut off: a segment ends at byte " +
-                   std::to_string(u64{segment.p_offset} + segment.p_filesz) + " of " + std::to_string(size);
+            return cutOff("a segment", u64{segment.p_offset} + segment.p_filesz, size);
         }
         loads = loads || (segment.p_type == loadable && segment.p_filesz != 0);
+    }
+    const u64 sectionsEnd = u64{header.e_shoff} + u64{header.e_shnum} * sizeof(ElfSectionHeader);
+    if (header.e_shnum != 0 && sectionsEnd > size) {
+        return cutOff("the table of sections", sectionsEnd, size);
     }
     return loads ? "" : "has nothing to load";
 }

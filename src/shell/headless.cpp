@@ -167,6 +167,16 @@ std::optional<u32> addressOf(const std::string& name) {
     return address ? std::optional(symbols::foldAddress(*address)) : std::nullopt;
 }
 
+/// The address at which the run is to stop, if anywhere; false, with a message, when there is no such place.
+bool findPlace(const HeadlessOptions& options, std::optional<u32>& place) {
+    if (options.until && !(place = addressOf(options.until->name))) {
+        std::fprintf(stderr, "tarn-headless: '%s' is neither an address nor a symbol of %s\n",
+                     options.until->name.c_str(), Settings.ElfToExecute);
+        return false;
+    }
+    return true;
+}
+
 /// Driver steps one by one, until a limit or the place is reached.
 End runToPlace(const RunLimits& limits, u32 address, u64& count) {
     constexpr u64 stepsPerLook = 1 << 14;
@@ -189,15 +199,9 @@ End runToPlace(const RunLimits& limits, u32 address, u64& count) {
 }
 
 /// Runs until something ends the run, with a numbered picture now and then when they are asked for.
-End run(const HeadlessOptions& options, HeadlessOutputs& outputs) {
+End run(const HeadlessOptions& options, std::optional<u32> place, HeadlessOutputs& outputs) {
     const RunLimits limits = limitsOf(options);
-    std::optional<u32> place;
     u64 count = options.until ? options.until->count : 0;
-    if (options.until && !(place = addressOf(options.until->name))) {
-        std::fprintf(stderr, "tarn-headless: '%s' is neither an address nor a symbol of %s\n",
-                     options.until->name.c_str(), Settings.ElfToExecute);
-        return End::StartFailed;
-    }
     const u64& blanks = machine.counters.verticalBlanks;
     for (;;) {
         RunLimits part = limits;
@@ -299,9 +303,11 @@ int runHeadless(const HeadlessOptions& options) {
     // A debugger's user sees where the machine is, and its output must not wait for the line.
     progress.begin(!options.quiet && !options.gdbPort);
     HeadlessOutputs outputs(options, programSymbols);
+    std::optional<u32> place;
     std::vector<u8> savedState;
     // The state to start from is read first: it may be the file that the state at the end goes to.
-    if (!configure(options) || !readState(options, savedState) || !outputs.open()) {
+    if (!configure(options) || !findPlace(options, place) || !readState(options, savedState) ||
+        !outputs.open()) {
         return exitStatus(End::StartFailed, false);
     }
     traceOutput = &outputs;
@@ -327,7 +333,7 @@ int runHeadless(const HeadlessOptions& options) {
             timeline.begin();
             past = &timeline;
         }
-        end = debugger ? runDebugged(*debugger, limitsOf(options)) : run(options, outputs);
+        end = debugger ? runDebugged(*debugger, limitsOf(options)) : run(options, place, outputs);
     }
     progress.clear();
     reportEnd(end);

@@ -47,6 +47,20 @@ bool writeAsPng(std::FILE* file, SDL_Surface* view) {
     return writePng(file, static_cast<u32>(view->w), static_cast<u32>(view->h), pixels);
 }
 
+/// By way of memory: SDL goes back in what it writes, which a pipe cannot.
+bool writeAsBmp(std::FILE* file, SDL_Surface* view) {
+    constexpr std::size_t headerAndPalette = 2048;  // more than any
+    std::vector<u8> bytes(headerAndPalette + static_cast<std::size_t>(view->w) *
+                                                 static_cast<std::size_t>(view->h + 1) * sizeof(u32));
+    SDL_RWops* memory = SDL_RWFromMem(bytes.data(), static_cast<int>(bytes.size()));
+    if (memory == nullptr || SDL_SaveBMP_RW(view, memory, 1) != 0) {
+        return false;
+    }
+    u32 size = 0;
+    std::memcpy(&size, &bytes[2], sizeof size);  // as the file's header has it
+    return size <= bytes.size() && std::fwrite(bytes.data(), 1, size, file) == size;
+}
+
 }  // namespace
 
 bool reportLostOutput(const char* path, const char* reason) {
@@ -104,8 +118,8 @@ void writePicture(OutputFile& file, SDL_Surface* surface, bool asPng) {
     errno = 0;
     SDL_ClearError();
     const SurfacePtr view = trueColours(surface);
-    const bool written = asPng ? writeAsPng(file.stream(), view.get())
-                               : SDL_SaveBMP_RW(view.get(), SDL_RWFromFP(file.stream(), 0), 1) == 0;
+    const bool written =
+        asPng ? writeAsPng(file.stream(), view.get()) : writeAsBmp(file.stream(), view.get());
     if (!written && errno != 0) {
         file.noteFailure();
     } else if (!written) {

@@ -30,6 +30,7 @@ class CommandLineTest(ProgramTest):
         whole = elf(EXIT_7)
         cases = {b"": "is empty", b"#!/bin/sh\n" * 20: "is not an ELF file", whole[:40]: "is cut off in its header",
                  whole[:-4]: r"is cut off: a segment ends at byte \d+ of \d+",
+                 whole[:32] + b"\xFF" + whole[33:]: r"is cut off: the table of sections ends at byte 295 of \d+",
                  whole[:18] + b"\x3e" + whole[19:]: "is not for this machine",
                  whole[:16] + b"\x01" + whole[17:]: "is not a program"}
         (self.directory / "bios").mkdir()
@@ -90,7 +91,10 @@ class CommandLineTest(ProgramTest):
         self.assertEqual(sorted(path.name for path in self.directory.glob("p-*")), ["p-000002.png", "p-000004.png"])
 
     def test_standard_output(self):
-        result = subprocess.run([BUILD / "tarn-headless", guest("picture"), "--steps=99", "-DGeneral:Debug_GS=1",
-                                 "--registers", "--dump-vram=-"], cwd=self.directory, capture_output=True, check=True)
-        self.assertEqual(len(result.stdout), 4 << 20, "and nothing else")
-        self.assertIn(b"fp31", result.stderr)
+        for option in "--dump-vram=-", "--picture=-":
+            result = subprocess.run([BUILD / "tarn-headless", guest("picture"), "--steps=99", "-DGeneral:Debug_GS=1",
+                                     "--registers", option], cwd=self.directory, capture_output=True, check=True)
+            size = 4 << 20 if "vram" in option else int.from_bytes(result.stdout[2:6], "little")
+            self.assertEqual(len(result.stdout), size, "and nothing else")
+            self.assertIn(b"fp31", result.stderr)
+        self.assertEqual(len(read_bmp(result.stdout)), 240)
