@@ -147,20 +147,20 @@ struct DropColour {
     static void step() {}
 };
 
-template <AlphaTest test>
+template <AlphaTest test, class Store>
 struct TestAlpha {
     u32 reference = Gs.test().aref;
 
     static void start(u32 /*x*/, u32 /*y*/) {}
     void write(u32& pixel, u32 colour) const {
         if (passesAlphaTest(test, colour >> 24, reference)) {
-            pixel = colour;
+            Store::write(pixel, colour);
         }
     }
     static void step() {}
 };
 
-/// Whatever writer has been selected; the way of blended pixels, and of counted ones under an alpha test.
+/// Whatever writer has been selected; the way of blended pixels.
 struct CallWriter {
     u32 column = 0;
     u32 row = 0;
@@ -193,26 +193,31 @@ void withPixelEnd(const Source& source, Draw draw) {
         } else {
             draw(DropColour{});
         }
-    } else if (test != AlphaTest::always && pixelsAreCounted()) {
-        draw(CallWriter{});
     } else {
+        const auto tested = [&]<AlphaTest kind>() {
+            if (pixelsAreCounted()) {
+                draw(TestAlpha<kind, StoreAndCount>{});
+            } else {
+                draw(TestAlpha<kind, StoreColour>{});
+            }
+        };
         switch (test) {
         case AlphaTest::never:
             return draw(DropColour{});
         case AlphaTest::always:
             return store();
         case AlphaTest::less:
-            return draw(TestAlpha<AlphaTest::less>{});
+            return tested.template operator()<AlphaTest::less>();
         case AlphaTest::lessOrEqual:
-            return draw(TestAlpha<AlphaTest::lessOrEqual>{});
+            return tested.template operator()<AlphaTest::lessOrEqual>();
         case AlphaTest::equal:
-            return draw(TestAlpha<AlphaTest::equal>{});
+            return tested.template operator()<AlphaTest::equal>();
         case AlphaTest::greaterOrEqual:
-            return draw(TestAlpha<AlphaTest::greaterOrEqual>{});
+            return tested.template operator()<AlphaTest::greaterOrEqual>();
         case AlphaTest::greater:
-            return draw(TestAlpha<AlphaTest::greater>{});
+            return tested.template operator()<AlphaTest::greater>();
         case AlphaTest::notEqual:
-            return draw(TestAlpha<AlphaTest::notEqual>{});
+            return tested.template operator()<AlphaTest::notEqual>();
         }
     }
 }

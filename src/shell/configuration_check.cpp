@@ -39,7 +39,7 @@ constexpr std::array<KnownKey, 14> knownKeys{{
     {"Video", "Width", ValueKind::Side},
     {"Video", "Height", ValueKind::Side},
     {"Video", "Bpp", ValueKind::Depth},
-    {"Video", "Stretch"},
+    {"Video", "Stretch", ValueKind::Count},
     {"Video", "Frame_rate", ValueKind::Count},
     {"Video", "Blend"},
 }};

@@ -37,7 +37,8 @@ struct Profiler {
         lineStart = next;
     }
     void endWait() {
-        if (std::exchange(waits, false)) {
+        if (waits) {
+            waits = false;
             counts.branch(waiting.word, waiting.pc, waiting.target,
                           {waiting.cycle - cycleAtStart, gs.pixels, gs.words});
         }
@@ -59,6 +60,12 @@ struct Profiler {
 
 std::unique_ptr<Profiler> profiler;
 
+/// False for the conditional branches of which loops are made, which stay in their function.
+bool mayEnterOrLeave(u32 word) {
+    constexpr u32 lastWithCalls = 3;  // SPECIAL, REGIMM, J and JAL are the first major opcodes
+    return word >> 26 <= lastWithCalls;
+}
+
 void runBegins(u64 pc) {
     profiler->countTransfers();
     profiler->endWait();
@@ -68,7 +75,11 @@ void runBegins(u64 pc) {
 void taken(u32 word, u64 pc, u64 target, u64 cycle) {
     constexpr u64 branchAndSlot = 8;
     profiler->count(pc + branchAndSlot, target);
-    profiler->wait({word, pc, target, cycle});
+    if (mayEnterOrLeave(word)) {
+        profiler->wait({word, pc, target, cycle});
+    } else {
+        profiler->endWait();
+    }
 }
 
 void slotSkipped(u64 pc) { profiler->count(pc + 4, pc + 8); }
