@@ -18,12 +18,10 @@ int main(void) {
 
 class ConsoleTest(ProgramTest):
     def test_print(self):
-        for complete in False, True:
-            built = self.build({"main.c": PROGRAM}, complete=complete)
-            self.assertEqual(built.returncode, 0, built.stderr)
-            self.configure(self.directory / "program.elf", general="Console=1")
-            if not complete:
-                self.assertEqual(self.run_headless("--exit-status", status=7)[0],
-                                 "numbers: 0 7 -1 2147483647 -2147483648 0123abcd\n\nlast")
-                self.configure(self.directory / "program.elf")
-                self.assertIn("DMA Adress Non-Impl.  1000f180 h (i:", self.run_headless(status=3)[0])
+        built = self.build({"main.c": PROGRAM})
+        self.assertEqual(built.returncode, 0, built.stderr)
+        self.configure(self.directory / "program.elf", general="Console=1")
+        self.assertEqual(self.run_headless("--exit-status", status=7)[0],
+                         "numbers: 0 7 -1 2147483647 -2147483648 0123abcd\n\nlast")
+        self.configure(self.directory / "program.elf")
+        self.assertIn("DMA Adress Non-Impl.  1000f180 h (i:", self.run_headless(status=3)[0])
