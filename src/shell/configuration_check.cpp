@@ -1,4 +1,4 @@
-// The keys of the configuration, and the warnings about what does not fit them.
+// The keys of the configuration, and the warnings about unknown keys and unusable values.
 #include "shell/configuration_check.h"
 
 #include "base/configuration.h"
@@ -44,7 +44,7 @@ constexpr std::array<KnownKey, 14> knownKeys{{
     {"Video", "Blend"},
 }};
 
-constexpr unsigned warningLimit = 20;  ///< a file with more is no configuration file
+constexpr unsigned warningLimit = 20;  ///< a file with more is hardly a configuration file
 
 char lowerCase(char letter) { return static_cast<char>(std::tolower(static_cast<unsigned char>(letter))); }
 
@@ -60,8 +60,8 @@ const KnownKey* findKey(std::string_view section, std::string_view name) {
     return known != knownKeys.end() ? known : nullptr;
 }
 
-/// How many letters have to be inserted, removed or changed to make one name of the other. Of a name longer
-/// than any that is known, the beginning tells enough: the files are anyone's, and the work is a product.
+/// How many letters have to be inserted, removed or changed to turn one name into the other. Only the
+/// beginning of a very long name is compared, which bounds the work for hostile files.
 unsigned editDistance(std::string_view name, std::string_view known) {
     constexpr std::size_t longest = 24;
     std::array<char, longest> letters{};
@@ -81,8 +81,7 @@ unsigned editDistance(std::string_view name, std::string_view known) {
     return column[count];
 }
 
-/// The known key that was most likely meant. A right name in the wrong section is nearer than any
-/// misspelling.
+/// The known key that is most similar. The right name in the wrong section is nearer than any misspelling.
 const KnownKey& nearestKey(std::string_view section, std::string_view name) {
     const auto distance = [&](const KnownKey& known) {
         constexpr unsigned nameWeight = 4;
@@ -99,8 +98,8 @@ bool isNumber(const std::string& text) {
     return end != text.c_str() && *end == '\0';
 }
 
-/// What the values of a kind are, or nothing when this is one of them. Some others work, but not as anyone
-/// would expect: they are cut to 8 or 16 bits.
+/// Describes the values that a kind allows, or returns null when this is one of them. Some others work, but
+/// are cut to 8 or 16 bits.
 const char* expectedInstead(ValueKind kind, int value) {
     constexpr int largestSide = 16383;  // of a surface, in pixels
     switch (kind) {

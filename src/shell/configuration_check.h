@@ -1,4 +1,4 @@
-// Warnings about a configuration that cannot mean what it says.
+// Warnings about unknown keys and unusable values of the configuration.
 #pragma once
 
 #include <string>
@@ -8,9 +8,9 @@ namespace tarn {
 
 class IniFile;
 
-/// Warns on standard error of every key that nothing reads, naming the nearest one that something does, of
-/// every number that is not one, naming the value that it is taken for, and of values that make no sense.
-/// `origin` is where the configuration comes from, with which each warning begins.
+/// Warns on standard error about unknown keys, naming the nearest known one, about values that are not
+/// numbers, naming the value used instead, and about values that make no sense. Each warning begins with
+/// `origin`, the source of the configuration.
 void warnAboutConfiguration(const IniFile& file, const char* origin);
 
 /// A complaint about "Section:Key" that names the nearest known key, or an empty text when it is known.

@@ -1,4 +1,4 @@
-// What the programs say on standard error when the CPU has paused.
+// The message on standard error about a paused CPU.
 #include "shell/pause_message.h"
 
 #include "machine/machine.h"

@@ -1,15 +1,15 @@
-// What the programs say on standard error when the CPU has paused.
+// The message on standard error about a paused CPU.
 #pragma once
 
 #include "symbols/symbol_table.h"
 
 namespace tarn {
 
-/// What the program says of itself, read when it is first asked for.
+/// The symbols of the guest program, read on the first call.
 const symbols::SymbolTable& programSymbols();
 
-/// Says where and why the CPU paused, and how the program got there. `speaker` is the name of the program
-/// that speaks.
+/// Reports where and why the CPU paused, and the calls that led there. Each line begins with `speaker`, the
+/// name of this program.
 void reportPause(const char* speaker);
 
 /// Ends a line with the steps and vertical blanks so far.

@@ -1,4 +1,4 @@
-// The line that shows how far a long run has come.
+// The progress line of a long run.
 #include "shell/progress_line.h"
 
 #include <algorithm>

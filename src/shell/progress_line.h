@@ -1,4 +1,4 @@
-// The line that shows how far a long run has come.
+// The progress line of a long run.
 #pragma once
 
 #include "base/types.h"
@@ -7,18 +7,16 @@
 
 namespace tarn {
 
-/// One line on standard error that is overwritten in place. It exists only on a terminal: redirected,
-/// standard error gets nothing of it.
+/// A line on standard error that is overwritten in place. It is only shown on a terminal.
 class ProgressLine {
   public:
-    /// `wanted` false: there is no line, whatever standard error is. To be called before anything is printed.
+    /// With `wanted` false the line is never shown. Must be called before anything is printed.
     void begin(bool wanted);
 
     /// Shows the counts of driver steps and vertical blanks, several times a second at most.
     void update(u64 steps, u64 frames);
 
-    /// Takes the line away, so that other text can be written to the terminal; the next update brings it
-    /// back.
+    /// Erases the line, so that other text can be written to the terminal, until the next update.
     void clear();
 
   private:

@@ -20,8 +20,8 @@ using AddTextOperation = koGUItextLine* (*)(koGUIwidget*, const char*);
 /// Adds the four panes to TarnGUI: the picture, and three of text that append with `addText`.
 void addPanes(AddTextOperation addText);
 
-/// Opens what is closed of the standard streams on nothing, so that no other file takes their numbers, turns
-/// a lost reader into a failed write, and makes SIGINT and SIGTERM request a stop.
+/// Opens closed standard streams on /dev/null, so that no other file gets their descriptors, turns SIGPIPE
+/// into a failed write, and makes SIGINT and SIGTERM request a stop.
 void prepareProcess();
 
 /// Whether SIGINT or SIGTERM has come.

@@ -1,4 +1,4 @@
-// How a program got to where it is: the calls that it is in, read from its code and its stack.
+// The call stack of the guest program, recovered from its code and its stack.
 #include "symbols/call_chain.h"
 
 #include "base/bits.h"
@@ -41,7 +41,7 @@ class Reader {
     std::span<const u8> memory;
 };
 
-/// What a function has done to the stack by the time that it gets to an address.
+/// What a function has done to the stack before it reaches an address.
 struct Frame {
     u32 size = 0;                ///< bytes
     std::optional<u32> savedAt;  ///< offset of the return address from the stack pointer

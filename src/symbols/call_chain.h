@@ -1,4 +1,4 @@
-// How a program got to where it is: the calls that it is in, read from its code and its stack.
+// The call stack of the guest program, recovered from its code and its stack.
 #pragma once
 
 #include "symbols/symbol_table.h"

@@ -1,7 +1,7 @@
 // Reading the symbols and line tables of an ELF file.
 //
-// libelf and libdw trust what they read too much to let them loose on any file, so they run in a process of
-// their own, which hands the tables over as bytes.
+// libelf and libdw are not safe on malformed files, so they run in a separate process, which passes the
+// tables back as bytes.
 #include "symbols/elf_symbols.h"
 
 #include "base/file.h"

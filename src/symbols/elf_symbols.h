@@ -5,8 +5,8 @@
 
 namespace tarn::symbols {
 
-/// The table is empty for a file that is stripped, of another processor or no ELF file at all, and, with a
-/// warning on standard error, for one that libelf or libdw cannot cope with.
+/// The table is empty for a file that is stripped, for another processor or not ELF, and, with a warning on
+/// standard error, for one that libelf or libdw cannot read.
 SymbolTable readSymbols(const std::string& path);
 
 }  // namespace tarn::symbols

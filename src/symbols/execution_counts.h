@@ -69,7 +69,7 @@ class ExecutionCounts {
     /// along with it.
     void noteFunction(u32 address) { entry[address] = true; }
 
-    // The program goes in straight lines. One begins at an address, and ends before another one.
+    // The program runs in straight lines, each from one address up to, but not including, another.
     void begin(u64 pc) { balance[pc] += 1; }
     void end(u64 pc) { balance[pc] -= 1; }
 
@@ -77,13 +77,13 @@ class ExecutionCounts {
     /// included.
     void branch(u32 word, u64 pc, u64 target, const Costs& now);
 
-    /// The instruction at `pc` has had the GS do this.
+    /// Adds what the GS did for the instruction at `pc`.
     void transfer(u64 pc, u64 pixels, u64 words);
 
-    /// Ends the calls that the program is in. Nothing is counted any more.
+    /// Ends all active calls. Nothing may be counted after that.
     void finish(const Costs& now);
 
-    /// By rising address, for each word that was executed.
+    /// The costs of each executed word, by ascending address.
     std::vector<AddressCosts> byAddress() const;
     const std::vector<Call>& calls() const { return allCalls; }
 

@@ -1,4 +1,4 @@
-// What a person wants to know when the CPU has paused: where in the program, how it got there, what to do.
+// The report on a paused CPU: where in the program, through which calls, and what is wrong.
 #include "symbols/pause_report.h"
 
 #include "kernel/syscall_table.h"

@@ -1,18 +1,18 @@
-// What a person wants to know when the CPU has paused: where in the program, how it got there, what to do.
+// The report on a paused CPU: where in the program, through which calls, and what is wrong.
 #pragma once
 
 #include "symbols/symbol_table.h"
 
 namespace tarn::symbols {
 
-/// The address of the instruction that paused the CPU: PC has left it after an access that failed. Nothing
+/// The address of the instruction that paused the CPU; after a failed access PC is already beyond it. Nothing
 /// when it could not be fetched, or stopped in a delay slot.
 std::optional<u32> pausedInstruction();
 
-/// What the program gave to the kernel call Exit, if that is what the CPU has paused on.
+/// The argument of the kernel call Exit, if the CPU has paused on that call.
 std::optional<s32> exitResult();
 
-/// The lines of the report on the machine as it is, which has paused. None of them for what is not known.
+/// The lines of the report on the paused machine. What is not known is left out.
 std::vector<std::string> pauseReport(const SymbolTable& table);
 
 }  // namespace tarn::symbols

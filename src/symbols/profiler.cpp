@@ -20,8 +20,8 @@ struct Branch {
     u64 cycle = 0;
 };
 
-/// What is counted, and where the program is. A branch waits for the next event before it counts: what its
-/// delay slot has the GS do belongs to it.
+/// The counts and the current position. A branch is only counted at the next event, because what the GS does
+/// for its delay slot belongs to it.
 struct Profiler {
     ExecutionCounts counts;
     u64 lineStart = 0;

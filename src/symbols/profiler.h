@@ -6,10 +6,10 @@
 
 namespace tarn::symbols {
 
-/// Has everything counted that runs from now on. False when the host has no memory for it.
+/// Starts counting. Returns false when the host has no memory for the counts.
 bool startCounting(const SymbolTable& table);
 
-/// Ends that, and gives what was counted; nothing when nothing was.
+/// Stops counting and returns the counts; nothing when counting was not started.
 std::optional<ExecutionCounts> stopCounting();
 
 }  // namespace tarn::symbols
