@@ -115,6 +115,8 @@ class Parser {
         usable = false;
     }
 
+    void complain(const char* text) { complain("%s", text); }
+
     void take(std::size_t index) {
         const Option& row = optionTable[index];
         const u64 bit = u64{1} << index;
@@ -150,7 +152,7 @@ class Parser {
         std::string_view text = optarg;
         text.remove_prefix(text.starts_with("0x") ? 2 : 0);
         const char* const last = text.data() + text.size();
-        bytes.emplace();
+        bytes = Options::Bytes{};
         auto [end, error] = std::from_chars(text.data(), last, bytes->address, 16);
         if (error == std::errc() && end != last && *end == ':') {
             const auto length = std::from_chars(end + 1, last, bytes->count);

@@ -2,7 +2,7 @@
 #pragma once
 
 #ifndef TARN_COMPLETE_CPU
-#error "<math.h> needs --complete-cpu; for the described processor real.h has what there is"
+#error "<math.h> needs --complete-cpu; for the default processor real.h has what there is"
 #endif
 
 #define M_PI 3.14159265358979323846

@@ -5,7 +5,7 @@
 #pragma once
 
 #ifndef TARN_COMPLETE_CPU
-#error "<stdio.h> needs --complete-cpu; for the described processor tarn_guest.h has what there is"
+#error "<stdio.h> needs --complete-cpu; for the default processor tarn_guest.h has what there is"
 #endif
 
 #include <stdarg.h>

@@ -2,7 +2,7 @@
 #pragma once
 
 #ifndef TARN_COMPLETE_CPU
-#error "<stdlib.h> needs --complete-cpu; for the described processor tarn_guest.h has what there is"
+#error "<stdlib.h> needs --complete-cpu; for the default processor tarn_guest.h has what there is"
 #endif
 
 #include <stddef.h>
