@@ -1,4 +1,4 @@
-// Presentation benchmarks: a vertical blank at every depth, 1:1 and stretched. One item is one
+// Presentation benchmarks: the conversion of a picture at every depth, 1:1 and stretched. One item is one
 // pixel of the destination.
 #include "bench_machine.h"
 #include "gs/display.h"
@@ -40,7 +40,9 @@ void present(benchmark::State& state, s32 depth, Extent source, Extent destinati
         .width = destination.width, .height = destination.height, .bpp = depth, .stretch = stretched ? 1 : 0};
     DXopen();
     for (auto _ : state) {
+        forgetPicture();
         GSvsync();
+        presentPicture();
         benchmark::ClobberMemory();
     }
     state.SetItemsProcessed(state.iterations() * destination.width * destination.height);

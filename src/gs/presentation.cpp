@@ -6,6 +6,11 @@
 #include <SDL.h>
 #include <algorithm>
 #include <array>
+#include <cstring>
+
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
 
 namespace tarn {
 namespace {
@@ -32,14 +37,14 @@ u32 sourceIndex(const u32* source, s32 x, s32 y) {
 }
 
 /// Converts `count` words of local memory from `index` on.
-template <class HostPixel>
+template <typename HostPixel>
 void convertLocal(u8* destination, u32 index, u32 count) {
     forLocalRuns(index, count, [&](const u32* words, u32 first, u32 run) {
         convertPixels<HostPixel>(destination + std::size_t{first} * HostPixel::bytes, words, run);
     });
 }
 
-template <class HostPixel>
+template <typename HostPixel>
 void copyPlain(u8* destination, const u32* source, const GsRectangle& rectangle, s32 pitch) {
     if (!hasDestination()) {
         return;
@@ -57,24 +62,69 @@ void copyPlain(u8* destination, const u32* source, const GsRectangle& rectangle,
     }
 }
 
-/// Copies the words of local memory that lie at `columns`, ascending, from `start`.
-void gather(u32* samples, u32 start, const u32* columns, u32 count) {
+/// The columns of a source row that a part of each destination row samples, ascending.
+struct SampledColumns {
+    static constexpr u32 most = 512;
+    std::array<u32, most> columns;
+    u32 count;
+    s64 step;  ///< 16.16
+};
+
+using Samples = std::array<u32, SampledColumns::most>;
+
+#if defined(__x86_64__)
+
+[[gnu::target("avx2")]] __m256i loadVector(const u32* words) {
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(words));
+}
+
+/// Samples eight columns at a time, any eight of which lie within `reach` words. Returns how many are done.
+template <u32 reach>
+[[gnu::target("avx2")]] u32 sampleVectors(Samples& samples, const u32* row, const SampledColumns& sampled) {
+    const auto& columns = sampled.columns;
+    u32 k = 0;
+    for (; k + 8 <= sampled.count; k += 8) {
+        const __m256i first = _mm256_set1_epi32(static_cast<int>(columns[k]));
+        const __m256i places = _mm256_sub_epi32(loadVector(&columns[k]), first);
+        __m256i words = _mm256_permutevar8x32_epi32(loadVector(row + columns[k]), places);
+        if constexpr (reach > 8) {
+            const __m256i more = _mm256_permutevar8x32_epi32(loadVector(row + columns[k] + 8), places);
+            words = _mm256_blendv_epi8(words, more, _mm256_cmpgt_epi32(places, _mm256_set1_epi32(7)));
+        }
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(&samples[k]), words);
+    }
+    return k;
+}
+
+#endif
+
+/// Samples the row of local memory that starts at index `start`.
+void sample(Samples& samples, u32 start, const SampledColumns& sampled) {
+    constexpr u32 reach = 16;  // so many words may be read from a sampled one on
     start &= localMemoryWords - 1;
-    if (start + columns[count - 1] < localMemoryWords) {
-        const u32* words = Gs.vRamUL() + start;
-        for (u32 k = 0; k < count; ++k) {
-            samples[k] = words[columns[k]];
+    if (start + sampled.columns[sampled.count - 1] + reach > localMemoryWords) {
+        for (u32 k = 0; k < sampled.count; ++k) {
+            samples[k] = localWord(start + sampled.columns[k]);
         }
-    } else {
-        for (u32 k = 0; k < count; ++k) {
-            samples[k] = localWord(start + columns[k]);
-        }
+        return;
+    }
+    const u32* row = Gs.vRamUL() + start;
+    u32 k = 0;
+#if defined(__x86_64__)
+    if (hasWideVectors && sampled.step <= 0x10000) {
+        k = sampleVectors<8>(samples, row, sampled);
+    } else if (hasWideVectors && sampled.step <= 0x20000) {
+        k = sampleVectors<reach>(samples, row, sampled);
+    }
+#endif
+    for (; k < sampled.count; ++k) {
+        samples[k] = row[sampled.columns[k]];
     }
 }
 
 /// Steps are 16.16; destination pixel k of a row samples column x + 1 + k × step: the first is never column
 /// x. Columns are done in blocks, whose places in a source row are the same for all rows.
-template <class HostPixel>
+template <typename HostPixel>
 void copyStretched(u8* destination, const u32* source, const GsRectangle& rectangle, s32 pitch) {
     if (!hasDestination()) {
         return;
@@ -84,13 +134,13 @@ void copyStretched(u8* destination, const u32* source, const GsRectangle& rectan
     const s32 width = std::min(GsHost.conf.width, GsHost.buffer->w);
     const s32 height = std::min(GsHost.conf.height, GsHost.buffer->h);
 
-    constexpr s32 blockSize = 512;
-    std::array<u32, blockSize> columns;
-    std::array<u32, blockSize> samples;
-    for (s32 block = 0; block < width; block += blockSize) {
-        const u32 count = static_cast<u32>(std::min(blockSize, width - block));
-        for (u32 k = 0; k < count; ++k) {
-            columns[k] = static_cast<u32>((block + s64{k}) * xstep >> 16);
+    SampledColumns sampled;
+    sampled.step = xstep;
+    Samples samples;
+    for (s32 block = 0; block < width; block += s32{SampledColumns::most}) {
+        sampled.count = std::min(SampledColumns::most, static_cast<u32>(width - block));
+        for (u32 k = 0; k < sampled.count; ++k) {
+            sampled.columns[k] = static_cast<u32>((block + s64{k}) * xstep >> 16);
         }
         s64 sampledRow = -1;
         for (s32 row = 0; row < height; ++row) {
@@ -99,14 +149,19 @@ void copyStretched(u8* destination, const u32* source, const GsRectangle& rectan
             u8* line = destination + std::ptrdiff_t{row} * pitch +
                        std::ptrdiff_t{block} * std::ptrdiff_t{HostPixel::bytes};
             if (xstep == 0x10000) {
-                convertLocal<HostPixel>(line, start + columns[0], count);
+                convertLocal<HostPixel>(line, start + sampled.columns[0], sampled.count);
                 continue;
             }
-            if (sourceRow != sampledRow) {  // a repeated row is there already
-                sampledRow = sourceRow;
-                gather(samples.data(), start, columns.data(), count);
+            const bool repeated = sourceRow == sampledRow;
+            if (repeated && HostPixel::wholePixel) {
+                std::memcpy(line, line - pitch, std::size_t{sampled.count} * HostPixel::bytes);
+                continue;
             }
-            convertPixels<HostPixel>(line, samples.data(), count);
+            if (!repeated) {
+                sampledRow = sourceRow;
+                sample(samples, start, sampled);
+            }
+            convertPixels<HostPixel>(line, samples.data(), sampled.count);
         }
     }
 }

@@ -1,6 +1,7 @@
 // A fresh Graphics Synthesizer for each test.
 #pragma once
 
+#include "base/vectors.h"
 #include "gs/gs.h"
 #include "gs/registers.h"
 #include "machine/machine.h"
@@ -28,6 +29,18 @@ struct GsImage {
     std::vector<u8> record{reinterpret_cast<const u8*>(&Gs._gsfb), reinterpret_cast<const u8*>(&Gs + 1)};
 
     bool operator==(const GsImage&) const = default;
+};
+
+/// While one lives, vectors are as wide as the processor has them, or not.
+class WideVectors {
+  public:
+    explicit WideVectors(bool on) { hasWideVectors = former && on; }
+    ~WideVectors() { hasWideVectors = former; }
+    WideVectors(const WideVectors&) = delete;
+    WideVectors& operator=(const WideVectors&) = delete;
+
+  private:
+    bool former = hasWideVectors;
 };
 
 class GsMachine : public testing::Test {
