@@ -22,6 +22,7 @@ endif()
 if(TARN_LTO)
     include(CheckIPOSupported)
     check_ipo_supported()
+    target_link_options(tarn_options INTERFACE -Wno-psabi)  # see CMakeLists.txt; code is made by the linker then
     set(CMAKE_INTERPROCEDURAL_OPTIMIZATION ON)
 endif()
 if(TARN_SANITIZE)

@@ -112,6 +112,7 @@ void seedRegisters(fuzz::Input& input) {
 
 /// A step is one instruction and as many delay slots as may be nested, or the next part of a long transfer.
 void runChecked(u64 limit) {
+    const fuzz::WorkTimer timer;
     for (u64 step = 0; step < limit && MipsCpu.pause == 0 && Gs.work < workLimit; ++step) {
         const u64 before = MipsCpu.cycle;
         const u64 work = Gs.work;

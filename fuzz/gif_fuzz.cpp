@@ -106,6 +106,7 @@ void addStep(GifStream& stream, fuzz::Input& input) {
 }
 
 void send(const GifStream& stream, u32 pieces) {
+    const fuzz::WorkTimer timer;
     if (pieces == 0) {
         u8* place = MipsMemory + mainMemorySize - stream.quadwords() * 16;
         std::copy_n(stream.at(0), stream.quadwords() * 16, place);

@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <iterator>
 #include <span>
 #include <string>
@@ -151,5 +152,24 @@ inline void require(bool condition, const char* what) {
         std::abort();
     }
 }
+
+/// Fails when the processor time of its life is more than the work that the machine has counted in it
+/// explains.
+class WorkTimer {
+  public:
+    WorkTimer() = default;
+    ~WorkTimer() {
+        constexpr double most = 5, secondsPerWord = 1e-7;  // under sanitizers, on a busy host
+        const double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+        require(seconds < most + secondsPerWord * static_cast<double>(Gs.work - work),
+                "the time of the work");
+    }
+    WorkTimer(const WorkTimer&) = delete;
+    WorkTimer& operator=(const WorkTimer&) = delete;
+
+  private:
+    std::clock_t start = std::clock();
+    u64 work = Gs.work;
+};
 
 }  // namespace tarn::fuzz

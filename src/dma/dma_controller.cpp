@@ -1,6 +1,7 @@
 // The DMA controller: the registers of channel 2 (GIF) and channel 5 (SIF0) and what starting them does.
 // A transfer is over before the guest's next instruction, however many steps of the machine it takes.
 #include "dma/dma_controller.h"
+#include "base/device_codes.h"
 #include "base/diagnostics.h"
 
 #include "gs/gs.h"
@@ -16,13 +17,10 @@
 namespace tarn {
 namespace {
 
-constexpr u64 gifControlOffset = 0xA000;
-constexpr u64 sif0ControlOffset = 0xC000;
-constexpr u64 statusOffset = 0xE010;
-constexpr u64 startBit = 0x100;           ///< STR of a channel control register
-constexpr u64 startCleared = 0xFFFFFEFF;  ///< keeps the low word without STR
-constexpr u8 normalFromMemory = 0x01;     ///< DIR 1, normal mode, no tags, no interrupt
-constexpr u32 quadwordBytes = 16;
+using namespace dma_register;
+
+constexpr u64 startCleared = 0xFFFFFFFF & ~dma_control::start;  ///< keeps the rest of the low word
+constexpr u8 normalFromMemory = dma_control::fromMemory;        ///< no chain, no tags, no interrupt
 
 /// A channel register that the controller knows, by its offset in the special area.
 struct ChannelRegister {
@@ -33,16 +31,16 @@ struct ChannelRegister {
 };
 
 constexpr std::array channelRegisters{
-    ChannelRegister{gifControlOffset, "DmaChannel2_CHCRT", gifChannel, &DmaChannelRegs::chcr},
-    ChannelRegister{0xA010, "DmaChannel2_MADR", gifChannel, &DmaChannelRegs::madr},
-    ChannelRegister{0xA020, "DmaChannel2_SIZE", gifChannel, &DmaChannelRegs::qwc},
-    ChannelRegister{0xA030, "DmaChannel2_TAG", gifChannel, &DmaChannelRegs::tadr},
-    ChannelRegister{0xA040, "DmaChannel2_ASR0", gifChannel, &DmaChannelRegs::asr0},
-    ChannelRegister{0xA050, "DmaChannel2_ASR1", gifChannel, &DmaChannelRegs::asr1},
-    ChannelRegister{0xA080, "DmaChannel2_SADR", gifChannel, &DmaChannelRegs::sadr},
-    ChannelRegister{sif0ControlOffset, "DmaChannel5_CHCR", sif0Channel, &DmaChannelRegs::chcr},
-    ChannelRegister{0xC010, "DmaChannel5_MADR", sif0Channel, &DmaChannelRegs::madr},
-    ChannelRegister{0xC020, "DmaChannel5_QWC", sif0Channel, &DmaChannelRegs::qwc},
+    ChannelRegister{D2_CHCR, "DmaChannel2_CHCRT", gifChannel, &DmaChannelRegs::chcr},
+    ChannelRegister{D2_MADR, "DmaChannel2_MADR", gifChannel, &DmaChannelRegs::madr},
+    ChannelRegister{D2_QWC, "DmaChannel2_SIZE", gifChannel, &DmaChannelRegs::qwc},
+    ChannelRegister{D2_TADR, "DmaChannel2_TAG", gifChannel, &DmaChannelRegs::tadr},
+    ChannelRegister{D2_ASR0, "DmaChannel2_ASR0", gifChannel, &DmaChannelRegs::asr0},
+    ChannelRegister{D2_ASR1, "DmaChannel2_ASR1", gifChannel, &DmaChannelRegs::asr1},
+    ChannelRegister{D2_SADR, "DmaChannel2_SADR", gifChannel, &DmaChannelRegs::sadr},
+    ChannelRegister{D5_CHCR, "DmaChannel5_CHCR", sif0Channel, &DmaChannelRegs::chcr},
+    ChannelRegister{D5_MADR, "DmaChannel5_MADR", sif0Channel, &DmaChannelRegs::madr},
+    ChannelRegister{D5_QWC, "DmaChannel5_QWC", sif0Channel, &DmaChannelRegs::qwc},
 };
 
 /// Clears STR in the copy and in what the guest reads back, without recording a guest write.
@@ -64,7 +62,7 @@ void continueGif() {
         machine.counters.gifQuadwords += done;
     }
     if (!gifTransferGoesOn()) {
-        acknowledge(gifChannel, gifControlOffset);
+        acknowledge(gifChannel, D2_CHCR);
         ++nb_dma_transfert;
     }
 }
@@ -92,7 +90,7 @@ void startSif0(const DmaChannelRegs& registers) {
     if (registers.madr != 0) {
         DmaPrintChannelInfo(sif0Channel);
     }
-    acknowledge(sif0Channel, sif0ControlOffset);
+    acknowledge(sif0Channel, D5_CHCR);
 }
 
 void writeChannelRegister(const ChannelRegister& target, u64 value) {
@@ -101,7 +99,7 @@ void writeChannelRegister(const ChannelRegister& target, u64 value) {
     }
     DmaChannelRegs& registers = Ps2Bios.dmaChannel[target.channel];
     registers.*target.field = value;
-    if (target.field == &DmaChannelRegs::chcr && (value & startBit) != 0) {
+    if (target.field == &DmaChannelRegs::chcr && (value & dma_control::start) != 0) {
         const auto start = target.channel == gifChannel ? startGif : startSif0;
         start(registers);
     }
@@ -115,7 +113,7 @@ void serveWrite(u64 offset, u64 value) {
                                      [&](const ChannelRegister& entry) { return entry.offset == offset; });
     if (target != channelRegisters.end()) {
         writeChannelRegister(*target, value);
-    } else if (offset == statusOffset) {
+    } else if (offset == D_STAT) {
         if (Settings.debug_dma == 1) {
             printDiagnostic("DMAC Status = %llx NI\n", value);
         }

@@ -1,6 +1,7 @@
 // The debugger's view of the machine: registers by number, memory without side effects.
 #include "gdb/machine.h"
 
+#include "base/device_codes.h"
 #include "history/memory_access.h"
 #include "machine/machine.h"
 #include "r5900/fpu_registers.h"
@@ -16,9 +17,6 @@ using history::wordOf;
 namespace {
 
 // Numbers of the coprocessor registers that the debugger asks for.
-constexpr unsigned cp0BadVAddr = 8;
-constexpr unsigned cp0Status = 12;
-constexpr unsigned cp0Cause = 13;
 constexpr unsigned fcrFir = 0;
 constexpr unsigned fcrFcsr = 31;
 
@@ -31,15 +29,15 @@ u64* doublewordOf(unsigned number) {
     }
     switch (number) {
     case statusRegister:
-        return &MipsCpu.CP0[cp0Status][0];
+        return &MipsCpu.CP0[cp0_register::Status][0];
     case loRegister:
         return &MipsCpu.LO.low;
     case hiRegister:
         return &MipsCpu.HI.low;
     case badvaddrRegister:
-        return &MipsCpu.CP0[cp0BadVAddr][0];
+        return &MipsCpu.CP0[cp0_register::BadVAddr][0];
     case causeRegister:
-        return &MipsCpu.CP0[cp0Cause][0];
+        return &MipsCpu.CP0[cp0_register::Cause][0];
     case pcRegister:
         return &MipsCpu.PC;
     case fcsrRegister:

@@ -1,4 +1,4 @@
-// The display: opening and closing it on a host surface, and presenting a frame there.
+// The display: opening and closing it on a host surface, and the choice of the conversion.
 #include "gs/display.h"
 
 #include "base/diagnostics.h"
@@ -24,14 +24,14 @@ constexpr std::array<Conversion, 4> conversions{{
     {32, 4, ScrBlit32, ScrBlit32S},
 }};
 
+}  // namespace
+
 void fillWithGrey() {
     forgetPicture();
     if (GsHost.buffer != nullptr) {
         SDL_FillRect(GsHost.buffer, nullptr, SDL_MapRGB(GsHost.buffer->format, 221, 221, 221));
     }
 }
-
-}  // namespace
 
 int DXopen() {
     if (GsHost.DXinit == 1) {
@@ -56,18 +56,6 @@ void DXclose() {
     if (GsHost.conf.fullscreen == 0) {
         GsHost.buffer = nullptr;
     }
-}
-
-void DXclearScr() {
-    if (GsHost.conf.fullscreen == 0) {
-        fillWithGrey();
-    }
-}
-
-int DXswitchScrMode() {
-    DXclose();
-    GsHost.conf.fullscreen = 1 - GsHost.conf.fullscreen;
-    return DXopen();
 }
 
 void DXupdScrBlit() {

@@ -8,7 +8,7 @@ struct SDL_Surface;
 
 namespace tarn {
 
-/// The renderer's configuration; these seven words are also what SaveConfig writes.
+/// The renderer's configuration.
 struct GsConfig {
     s32 width = 0;  ///< of the host surface, pixels
     s32 height = 0;
@@ -76,14 +76,12 @@ struct GsDisplayState {
 
 inline GsDisplayState GsHost;
 
-void LoadConfig();      ///< reads ./tarn.ini again, for the renderer's keys; all zero when it cannot
-void SaveConfig();      ///< writes conf to "$HOME/.PS2E/Gravelx.cfg"; says nothing when it cannot
-int DXopen();           ///< opens the display on `buffer`, in grey; 0, or -1 when fullscreen is asked for
-void DXclose();         ///< lets go of `buffer`, which stays its owner's to free
-void DXclearScr();      ///< fills `buffer` with grey
-int DXswitchScrMode();  ///< closes, switches `fullscreen` over, opens again; DXopen's result
-void DXupdScrBlit();    ///< chooses the conversion by depth and stretch
-void DXupdate();        ///< makes the displayed rectangle the picture that `buffer` shows
+void LoadConfig();    ///< reads ./tarn.ini again, for the renderer's keys; all zero when it cannot
+void fillWithGrey();  ///< all of `buffer`, if there is one
+int DXopen();         ///< opens the display on `buffer`, in grey; 0, or -1 when fullscreen is asked for
+void DXclose();       ///< lets go of `buffer`, which stays its owner's to free
+void DXupdScrBlit();  ///< chooses the conversion by depth and stretch
+void DXupdate();      ///< makes the displayed rectangle the picture that `buffer` shows
 
 /// Brings `buffer` to the picture of the last vertical blank. To be called before anything looks at it.
 void presentPicture();
@@ -104,10 +102,5 @@ inline void beforeWrite(WordRange words) {
 
 /// The same for whatever words a primitive of the current context can change.
 void beforeDrawing();
-
-// The settings dialogs of other front ends; they do nothing here.
-void OnConf_Ok();
-void OnConf_Cancel();
-void OnAbout_Ok();
 
 }  // namespace tarn

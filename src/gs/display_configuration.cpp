@@ -1,12 +1,9 @@
-// The renderer's configuration: read from the configuration file, saved per user.
+// The renderer's part of the configuration file.
 #include "base/configuration.h"
 #include "gs/display.h"
 #include "machine/settings.h"
 
 #include <cstdio>
-#include <cstdlib>
-#include <string>
-#include <sys/stat.h>
 
 namespace tarn {
 
@@ -25,24 +22,5 @@ void LoadConfig() {
     GsHost.conf.bpp = file.number("Video:Bpp", 32);
     GsHost.conf.stretch = file.number("Video:Stretch", 1);
 }
-
-void SaveConfig() {
-    static_assert(sizeof(GsConfig) == 28, "the file is the record as it stands");
-    const char* home = std::getenv("HOME");
-    if (home == nullptr) {
-        return;
-    }
-    const std::string directory = std::string(home) + "/.PS2E";
-    mkdir(directory.c_str(), 0755);
-    std::FILE* file = std::fopen((directory + "/Gravelx.cfg").c_str(), "w");
-    if (file != nullptr) {
-        std::fwrite(&GsHost.conf, sizeof GsHost.conf, 1, file);
-        std::fclose(file);
-    }
-}
-
-void OnConf_Ok() {}
-void OnConf_Cancel() {}
-void OnAbout_Ok() {}
 
 }  // namespace tarn

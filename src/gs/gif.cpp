@@ -17,8 +17,6 @@
 namespace tarn {
 namespace {
 
-constexpr u32 quadwordBytes = 16;
-
 template <class Word>
 Word load(const u8* data) {
     Word word;
@@ -135,7 +133,7 @@ void consume(Stream& stream, bool groups24) {
         consumePacked(stream);
     } else if (Gs.gifMode == GifMode::Reglist) {
         consumeReglist(stream);
-    } else if (groups24 && Gs.dstbuf.psm == 1) {
+    } else if (groups24 && Gs.dstbuf.psm == pixel_format::PSMCT24) {
         consumeImage24(stream);
     } else {
         consumeImage(stream);
@@ -163,22 +161,23 @@ void GIFtag(const u8* quadword) {
         .prim = bits(low, 47, 11),
         .pre = bit(low, 46),
     };
-    if (Gs.gtag.flg <= 1) {
+    const GifForm form{Gs.gtag.flg};
+    if (form == GifForm::Packed || form == GifForm::Reglist) {
         Gs.regs = load<u64>(quadword + 8);
         Gs.regn = 0;
     }
-    switch (Gs.gtag.flg) {
-    case 0:
+    switch (form) {
+    case GifForm::Packed:
         Gs.gifMode = GifMode::Packed;
         if (Gs.gtag.pre == 1) {
             GSwrite(Gs.gtag.prim, gs_register::PRIM);
         }
         break;
-    case 1:
+    case GifForm::Reglist:
         Gs.gifMode = GifMode::Reglist;
         break;
     default:
-        if (Gs.imageTransfer == 2) {
+        if (Gs.imageTransfer == localToLocal) {
             Gs.imageTransfer = 0;  // the move within local memory is done; there are no data to wait for
         } else {
             Gs.gifMode = GifMode::Image;
@@ -195,31 +194,31 @@ void GIFprocessReg(const u8* quadword, u32 descriptor) {
     const u32 xy = (w[0] & 0xFFFF) | (w[1] & 0xFFFF) << 16;
     const bool noDrawing = bit(w[3], 15) != 0;  // bit 111 of the quadword
     switch (descriptor) {
-    case 0x0:
+    case PRIM:
         GSwrite(w[0], PRIM);
         break;
-    case 0x1: {
+    case RGBAQ: {
         const u32 rgba = bits(w[0], 0, 8) | bits(w[1], 0, 8) << 8 | bits(w[2], 0, 8) << 16 | w[3] << 24;
         writeRgbaq(rgba, std::bit_cast<u32>(pending.q));
         break;
     }
-    case 0x2:
+    case ST:
         writeSt(w[0], w[1]);
         // Q has no register of its own: it goes in with the vertex's colour, which so becomes the current
         // one.
         writeRgbaq(pending.rgba, w[2]);
         break;
-    case 0x3:
+    case UV:
         writeUv((w[0] & 0x7FFF) | (w[1] & 0x7FFF) << 16);
         break;
-    case 0x4:
+    case XYZF2:
         // The fog coefficient is taken from bits 104-111, four above its place on the console.
         writeXyzf(xy, ((w[2] >> 4) & 0xFFFFFF) | (w[3] & 0xFF00) << 16, !noDrawing);
         break;
-    case 0x5:
+    case XYZ2:
         writeXyz(xy, w[2], !noDrawing);
         break;
-    case 0xE:
+    case AD:
         GSwrite(join(w[0], w[1]), bits(w[2], 0, 8));
         break;
     default:

@@ -7,20 +7,12 @@ struct SDL_Surface;
 
 namespace tarn {
 
-u32 PS2EgetLibType();          ///< 1
-u32 PS2EgetLibVersion();       ///< 0x10000
-const char* PS2EgetLibName();  ///< "Gravel-sdl Driver"
-
 s32 GSinit();  ///< allocates local memory, sets start values; 0, or -1 (and nothing set) without memory
 s32 GSopen(SDL_Surface* display, const char* title);  ///< opens the display on a surface; 0 or -1
 void GSclose();                                       ///< closes the display; the surface stays its owner's
 void GSshutdown();                                    ///< frees local memory
 void GSreset();                                       ///< puts everything back as at process start
 void GSvsync();                                       ///< shows the displayed frame buffer, see DXupdate
-void GSkeyEvent();                                    ///< does nothing
-void GSconfigure();                                   ///< reads the renderer's configuration again
-void GSabout();                                       ///< does nothing
-s32 GStest();                                         ///< 0
 
 /// Privileged register accesses by full guest address (0x12000000 and up).
 void GSwrite32(u32 address, u32 value);

@@ -1,20 +1,13 @@
-// The renderer's life cycle: identification, local memory, start values, and the plain entry points.
+// The renderer's life cycle: local memory, start values, the display.
 #include "base/buffer.h"
 #include "gs/display.h"
 #include "gs/gs.h"
-#include "gs/gs_log.h"
 #include "gs/local_memory.h"
 #include "gs/registers.h"
 
-#include <cstdarg>
-#include <cstdlib>
 #include <memory>
 
 namespace tarn {
-
-u32 PS2EgetLibType() { return 1; }
-u32 PS2EgetLibVersion() { return 0x10000; }
-const char* PS2EgetLibName() { return "Gravel-sdl Driver"; }
 
 s32 GSinit() {
     Buffer memory;
@@ -61,19 +54,5 @@ void GSreset() {
 }
 
 void GSvsync() { DXupdate(); }
-void GSkeyEvent() {}
-void GSconfigure() { LoadConfig(); }
-void GSabout() {}
-s32 GStest() { return 0; }
-
-void __Log(const char* format, ...) {
-    if (Log == 0 || gsLog == nullptr) {
-        return;
-    }
-    std::va_list arguments;
-    va_start(arguments, format);
-    std::vfprintf(gsLog, format, arguments);
-    va_end(arguments);
-}
 
 }  // namespace tarn

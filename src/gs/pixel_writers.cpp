@@ -16,7 +16,7 @@ u32& framePixel(u32 x, u32 y) { return fBufUL(y * Gs.gsfb().fbw + x); }
 
 template <AlphaTest test, PixelWriter store = _drawPixel>
 void writeTested(u32 x, u32 y, u32 colour) {
-    if (passesAlphaTest(test, colour >> 24, Gs.test().aref)) {
+    if (alphaRange(test, Gs.test().aref).passes(colour)) {
         store(x, y, colour);
     }
 }
@@ -34,23 +34,23 @@ constexpr std::array<PixelWriter, 9> countingWriters = {
     countPixel,
     _drawPixelA_F,
     countPixel,
-    counted<AlphaTest::less>,
-    counted<AlphaTest::lessOrEqual>,
-    counted<AlphaTest::equal>,
-    counted<AlphaTest::greaterOrEqual>,
-    counted<AlphaTest::greater>,
-    counted<AlphaTest::notEqual>,
+    counted<AlphaTest::Less>,
+    counted<AlphaTest::LessOrEqual>,
+    counted<AlphaTest::Equal>,
+    counted<AlphaTest::GreaterOrEqual>,
+    counted<AlphaTest::Greater>,
+    counted<AlphaTest::NotEqual>,
 };
 
 /// The table that writers are taken from.
 const std::array<PixelWriter, 9>* writers = &drawPixelT;
 
-/// The colour word that ALPHA.A, B and D select: 0 the source, 1 the destination, else black.
+/// The colour word that ALPHA.A, B and D select.
 u32 blendInput(u32 select, u32 source, u32 destination) {
     switch (select) {
-    case 0:
+    case blendSource:
         return source;
-    case 1:
+    case blendDestination:
         return destination;
     default:
         return 0;
@@ -60,11 +60,11 @@ u32 blendInput(u32 select, u32 source, u32 destination) {
 /// The factor that ALPHA.C selects; 128 is unity.
 s32 blendFactor(const GsAlpha& alpha, u32 source, u32 destination) {
     switch (alpha.c) {
-    case 0:
+    case factorSource:
         return static_cast<s32>(source >> 24);
-    case 1:
+    case factorDestination:
         return static_cast<s32>(destination >> 24);
-    case 2:
+    case factorFixed:
         return static_cast<s32>(alpha.fix);
     default:
         return 0;
@@ -76,12 +76,12 @@ s32 blendFactor(const GsAlpha& alpha, u32 source, u32 destination) {
 void _drawPixel(u32 x, u32 y, u32 colour) { framePixel(x, y) = colour; }
 
 void _drawPixelA_F(u32 /*x*/, u32 /*y*/, u32 /*colour*/) {}
-void _drawPixelA_L(u32 x, u32 y, u32 colour) { writeTested<AlphaTest::less>(x, y, colour); }
-void _drawPixelA_LE(u32 x, u32 y, u32 colour) { writeTested<AlphaTest::lessOrEqual>(x, y, colour); }
-void _drawPixelA_E(u32 x, u32 y, u32 colour) { writeTested<AlphaTest::equal>(x, y, colour); }
-void _drawPixelA_GE(u32 x, u32 y, u32 colour) { writeTested<AlphaTest::greaterOrEqual>(x, y, colour); }
-void _drawPixelA_G(u32 x, u32 y, u32 colour) { writeTested<AlphaTest::greater>(x, y, colour); }
-void _drawPixelA_NE(u32 x, u32 y, u32 colour) { writeTested<AlphaTest::notEqual>(x, y, colour); }
+void _drawPixelA_L(u32 x, u32 y, u32 colour) { writeTested<AlphaTest::Less>(x, y, colour); }
+void _drawPixelA_LE(u32 x, u32 y, u32 colour) { writeTested<AlphaTest::LessOrEqual>(x, y, colour); }
+void _drawPixelA_E(u32 x, u32 y, u32 colour) { writeTested<AlphaTest::Equal>(x, y, colour); }
+void _drawPixelA_GE(u32 x, u32 y, u32 colour) { writeTested<AlphaTest::GreaterOrEqual>(x, y, colour); }
+void _drawPixelA_G(u32 x, u32 y, u32 colour) { writeTested<AlphaTest::Greater>(x, y, colour); }
+void _drawPixelA_NE(u32 x, u32 y, u32 colour) { writeTested<AlphaTest::NotEqual>(x, y, colour); }
 
 const std::array<PixelWriter, 9> drawPixelT = {
     _drawPixel,                                                    // no test

@@ -1,6 +1,7 @@
 // The pixel writers: the alpha test and the store that end a pixel, chosen once per drawing call.
 #pragma once
 
+#include "base/device_codes.h"
 #include "machine/machine.h"
 
 #include <array>
@@ -10,46 +11,47 @@ namespace tarn {
 /// Takes a frame-buffer position that the caller has clipped, and the colour word.
 using PixelWriter = void (*)(u32 x, u32 y, u32 colour);
 
-/// The comparison of a colour's alpha (bits 24-31) with AREF, numbered as TEST.ATST.
-enum class AlphaTest : u32 {
-    never = 0,
-    always = 1,
-    less = 2,
-    lessOrEqual = 3,
-    equal = 4,
-    greaterOrEqual = 5,
-    greater = 6,
-    notEqual = 7,
-};
+/// The colours that an alpha test lets through: those whose alpha (bits 24-31) is one of a range, which may
+/// go on from 255 to 0.
+struct AlphaRange {
+    u32 first = 0;            ///< the range's first alpha, in bits 24-31
+    u32 extent = 0xFFFFFFFF;  ///< how far a colour may be above it
+    bool empty = false;       ///< if so, the others say nothing
 
-/// The comparison of a pixel's depth with the stored one, numbered as TEST.ZTST.
-enum class DepthTest : u32 {
-    never = 0,
-    always = 1,
-    greaterOrEqual = 2,
-    greater = 3,
-};
-
-constexpr bool passesAlphaTest(AlphaTest test, u32 alpha, u32 reference) {
-    switch (test) {
-    case AlphaTest::never:
-        return false;
-    case AlphaTest::always:
-        return true;
-    case AlphaTest::less:
-        return alpha < reference;
-    case AlphaTest::lessOrEqual:
-        return alpha <= reference;
-    case AlphaTest::equal:
-        return alpha == reference;
-    case AlphaTest::greaterOrEqual:
-        return alpha >= reference;
-    case AlphaTest::greater:
-        return alpha > reference;
-    case AlphaTest::notEqual:
-        return alpha != reference;
+    bool full() const { return extent == 0xFFFFFFFF && !empty; }
+    /// Of a colour, or of each of a vector; the range is not empty.
+    template <typename Words>
+    [[gnu::always_inline]] auto contains(const Words& colours) const {
+        return colours - first <= extent;
     }
-    return false;
+    bool passes(u32 colour) const { return !empty && contains(colour); }
+};
+
+/// The range that a test against AREF (8 bits) lets through.
+constexpr AlphaRange alphaRange(AlphaTest test, u32 reference) {
+    const auto range = [](u32 low, u32 high) {
+        return AlphaRange{.first = low << 24, .extent = (high - low) << 24 | 0xFFFFFF};
+    };
+    constexpr AlphaRange nothing{.empty = true};
+    switch (test) {
+    case AlphaTest::Never:
+        return nothing;
+    case AlphaTest::Always:
+        return {};
+    case AlphaTest::Less:
+        return reference == 0 ? nothing : range(0, reference - 1);
+    case AlphaTest::LessOrEqual:
+        return range(0, reference);
+    case AlphaTest::Equal:
+        return range(reference, reference);
+    case AlphaTest::GreaterOrEqual:
+        return range(reference, 255);
+    case AlphaTest::Greater:
+        return reference == 255 ? nothing : range(reference + 1, 255);
+    case AlphaTest::NotEqual:
+        return range(reference + 1, reference + 255);
+    }
+    return nothing;
 }
 
 void _drawPixel(u32 x, u32 y, u32 colour);

@@ -1,6 +1,7 @@
 // The primitive entries: offset removal, clipping, texel coordinates and the choice of the routine.
 #include "gs/primitives.h"
 
+#include "base/device_codes.h"
 #include "gs/drawing.h"
 #include "gs/gs.h"
 #include "gs/local_memory.h"
@@ -152,7 +153,7 @@ void primTriangle(const GsVertex* vertices) {
         draw = gouraud ? drawTriangleG : tested ? drawTriangleF_Z : drawTriangleF;
     } else {
         prepareTextured(corners);
-        const bool modulate = Gs.tex0().tfx == 0;  // the highlights draw as decals
+        const bool modulate = Gs.tex0().tfx == textureModulate;  // the highlights draw as decals
         if (gouraud) {
             draw = drawTriangleGT;
         } else if (modulate) {

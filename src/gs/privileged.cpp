@@ -1,23 +1,13 @@
 // The privileged registers, which the guest reaches by address: display set-up, CSR, the field bit.
 #include "base/bits.h"
+#include "base/device_codes.h"
 #include "gs/gs.h"
 #include "gs/local_memory.h"
 
 namespace tarn {
 namespace {
 
-enum PrivilegedAddress : u32 {
-    PMODE = 0x12000000,
-    SMODE2 = 0x12000020,
-    DISPFB1 = 0x12000070,
-    DISPLAY1 = 0x12000080,
-    DISPFB2 = 0x12000090,
-    DISPLAY2 = 0x120000A0,
-    FIELD = 0x12000400,  // no register of the hardware: vertical-blank pacing reads the field here
-    CSR = 0x12001000,
-};
-
-constexpr u32 csrVerticalBlank = 8;  // VSINT, always raised
+using namespace gs_privileged;
 
 GsDispFb decodeDispFb(u64 value) {
     const u32 fbw = bits(value, 9, 6) * 64;
@@ -85,7 +75,7 @@ u64 GSread64(u32 address) {
     switch (address) {
     case FIELD:
         Gs.interlace ^= 1;
-        return u64{Gs.interlace} * 0x2000;
+        return u64{Gs.interlace} * fieldBit;
     case CSR:
         return csrVerticalBlank;
     default:

@@ -327,7 +327,7 @@ void GSwrite(u64 value, u32 address) {
         break;
     case TRXDIR:
         Gs.imageTransfer = bits(value, 0, 2);
-        if (Gs.imageTransfer == 2) {
+        if (Gs.imageTransfer == localToLocal) {
             FBmoveImage();
         }
         break;

@@ -1,28 +1,23 @@
 // The snapshot: local memory as a numbered BMP file.
+#include "base/file.h"
 #include "gs/gs.h"
 #include "gs/host_pixels.h"
 #include "gs/local_memory.h"
 
 #include <array>
 #include <cstdio>
-#include <memory>
 #include <string>
 #include <vector>
 
 namespace tarn {
 namespace {
 
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, FileCloser>;
-
 constexpr u32 headerBytes = 54;
 constexpr u32 trailerBytes = 2;
 constexpr u32 pixelsPerMetre = 2834;
 
 /// Stores a little-endian field of a BMP header.
-template <class Field>
+template <typename Field>
 void put(std::array<u8, headerBytes>& header, u32 offset, u32 value) {
     const Field field = static_cast<Field>(value);
     std::memcpy(&header[offset], &field, sizeof field);
@@ -47,7 +42,7 @@ std::string freeName(const char* prefix) {
         std::array<char, 32> number{};
         std::snprintf(number.data(), number.size(), "snap%03ld.bmp", n);
         const std::string name = std::string(prefix) + number.data();
-        if (!File(std::fopen(name.c_str(), "rb"))) {
+        if (!FilePtr(std::fopen(name.c_str(), "rb"))) {
             return name;
         }
     }
@@ -61,7 +56,7 @@ bool GSmakeSnapshot(const char* prefix) {
     }
     const u32 width = Gs.gsdspfb().fbw;
     const u32 height = width == 0 ? 0 : Gs.gsdspfb().maxRows;
-    File file(std::fopen(freeName(prefix).c_str(), "wb"));
+    FilePtr file(std::fopen(freeName(prefix).c_str(), "wb"));
     if (!file) {
         return false;
     }

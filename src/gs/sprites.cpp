@@ -3,6 +3,7 @@
 #include "gs/drawing.h"
 #include "gs/local_memory.h"
 #include "gs/spans.h"
+#include "gs/texel_sources.h"
 #include "gs/transfer.h"
 
 #include <algorithm>
@@ -13,23 +14,16 @@
 namespace tarn {
 namespace {
 
-enum TextureFormat : u32 {
-    PSMT8 = 19,
-    PSMT4 = 20,
-};
-
-enum PaletteFormat : u32 {
-    PSMCT32 = 0,
-    PSMCT16 = 2,
-};
+using namespace pixel_format;
 
 using Palette = std::array<u32, 256>;
 
 /// A piece of local memory from a word on, taken as `count` entries.
-template <class Entry, std::size_t count>
+template <typename Entry, std::size_t count>
 std::array<Entry, count> entriesAt(u32 word) {
     std::array<Entry, count> entries;
-    forLocalRuns(word, sizeof(entries) / 4, [&entries](const u32* words, u32 first, u32 run) {
+    countWork(sizeof entries / 4, 1);
+    forLocalRuns(word, sizeof entries / 4, [&entries](const u32* words, u32 first, u32 run) {
         std::memcpy(reinterpret_cast<u8*>(entries.data()) + first * 4, words, run * 4);
     });
     return entries;
@@ -59,7 +53,7 @@ Palette loadPalette(u32 textureFormat) {
 
 struct Indexed8Source {
     static constexpr bool constantAlpha = false;
-    static constexpr u32 wideFrom = 0;
+    static constexpr u32 fewestForVectors = 0;
     const Palette* palette;
     const u8* memory = Gs.vRam;
     u32 base = Gs.tex0().tbp0 * 4;
@@ -76,7 +70,7 @@ struct Indexed8Source {
 
 struct Indexed4Source {
     static constexpr bool constantAlpha = false;
-    static constexpr u32 wideFrom = 0;
+    static constexpr u32 fewestForVectors = 0;
     const Palette* palette;
     const u8* memory = Gs.vRam;
     u32 base = Gs.tex0().tbp0 * 4;
@@ -96,64 +90,38 @@ struct Indexed4Source {
     void step() { ++column; }
 };
 
-/// 32-bit texels, always modulated, alpha too.
-struct ModulatedSource {
-    static constexpr bool constantAlpha = false;
-    static constexpr u32 wideFrom = 4;
-    TexelModulator modulator{Gs.rgba};
-    const u32* memory = Gs.vRamUL();
-    u32 base = Gs.tex0().tbp0;
-    u32 stride = Gs.tex0().tbw;
-    u32 index = 0;
-
-    /// False for a row that starts beyond local memory: it ends the sprite. One that starts right at the end
-    /// is still drawn.
-    bool startRow(s32 u, s32 v) {
-        const u32 row = base + static_cast<u32>(v) * stride;
-        index = row + static_cast<u32>(u);
-        return row <= localMemoryWords;
-    }
-    u32 colour() const { return modulator.apply(memory[index % localMemoryWords]); }
-    void step() { ++index; }
-    WordRange reads(u32 count) const { return {index, count}; }
-    void advance(u32 count) { index += count; }
-
-    struct Quads {
-        const ModulatedSource& walk;
-        Lanes indexes = laneValues(walk.index, 1);
-
-        explicit Quads(const ModulatedSource& source) : walk(source) {}
-        Lanes next() {
-            const Lanes texels = fetch(walk.memory, indexes % localMemoryWords);
-            indexes += 4;
-            return walk.modulator.apply(texels);
-        }
-    };
-};
-
 /// Fills the rectangle between two corners. They are not put in order: a second corner left of or above the
 /// first leaves it empty.
-template <class Source, class Depth, class End>
+template <typename Source, typename Depth, typename End>
 void fillRectangle(const GsVertex* corners, Source source, Depth depth, End end) {
     const SpanTarget target;
     const s32 width = corners[1].x - corners[0].x;
     countWork(width, corners[1].y - corners[0].y);
-    for (s32 y = corners[0].y; y < corners[1].y; ++y) {
-        fillSpan(target, corners[0].x, y, width, source, depth, end);
-    }
+    withVectors([=](auto words) __attribute__((always_inline)) {
+        Source s = source;
+        Depth d = depth;
+        End e = end;
+        for (s32 y = corners[0].y; y < corners[1].y; ++y) {
+            fillSpan<words>(target, corners[0].x, y, width, s, d, e);
+        }
+    });
 }
 
-template <class Source>
+template <typename Source>
 void drawTextured(const GsVertex* corners, Source source) {
     const s32 width = std::min(corners[1].x - corners[0].x, corners[1].u - corners[0].u);
     const s32 height = std::min(corners[1].y - corners[0].y, corners[1].v - corners[0].v);
     countWork(width, height);
-    withPixelEnd(source, [&](auto end) {
+    withPixelEnd(source, [=]<typename End>(End end) {
         const SpanTarget target;
-        NoDepth depth;
-        for (s32 row = 0; row < height && source.startRow(corners[0].u, corners[0].v + row); ++row) {
-            fillSpan(target, corners[0].x, corners[0].y + row, width, source, depth, end);
-        }
+        withVectors([=](auto words) __attribute__((always_inline)) {
+            Source s = source;
+            NoDepth depth;
+            End e = end;
+            for (s32 row = 0; row < height && s.startRow(corners[0].u, corners[0].v + row); ++row) {
+                fillSpan<words>(target, corners[0].x, corners[0].y + row, width, s, depth, e);
+            }
+        });
     });
 }
 
@@ -170,7 +138,7 @@ void drawSprite_Z(const GsVertex* vertices) {
     selectPixelWriter();
     withDepthTest([&]<DepthTest test>(SteppedDepth<test> depth) {
         depth.z = z;
-        if constexpr (test == DepthTest::always) {
+        if constexpr (test == DepthTest::Always) {
             withPixelEnd(source, [&](auto end) { fillRectangle(vertices, source, depth, end); });
         } else {
             // Where depth is compared, a sprite's pixels take no alpha test.
@@ -196,7 +164,7 @@ void drawSpriteT(const GsVertex* vertices) {
         break;
     }
     default:
-        drawTextured(vertices, ModulatedSource{});
+        drawTextured(vertices, TexelRowSource{});
         break;
     }
 }

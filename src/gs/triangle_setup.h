@@ -85,7 +85,7 @@ struct TriangleAttribute {
     s32 TriangleEdges::*deltaRight;
 };
 
-template <TriangleVariant variant, class Operation>
+template <TriangleVariant variant, typename Operation>
 inline void forEachAttribute(Operation operation) {
     using V = SectionVertex;
     using E = TriangleEdges;
@@ -175,6 +175,17 @@ inline SectionVertex sectionVertex(const GsVertex& vertex) {
     return result;
 }
 
+/// Starts the first section of a side that has a height, of those from `section` down. False when none has.
+template <typename Start>
+[[gnu::always_inline]] inline bool startSide(s32& section, Start start) {
+    while (start() < 1) {
+        if (--section < 1) {
+            return false;
+        }
+    }
+    return true;
+}
+
 /// Sets up the walk of three clipped vertices; false when the triangle is degenerate and nothing is to be
 /// drawn.
 template <TriangleVariant variant>
@@ -204,41 +215,21 @@ inline bool SetupSections(TriangleEdges& edges, const GsVertex* vertices) {
     if (width == 0) {
         return false;
     }
-    constexpr s32 narrowest = 4096;  // 1/16 pixel keeps the gradients of slivers bounded
-    if (width > 0) {
-        edges.right_array = {bottom, top};
-        edges.right_section = 1;
-        edges.left_array = {bottom, middle, top};
-        edges.left_section = 2;
-        if (RightSection(edges) < 1) {
-            return false;
-        }
-        if (LeftSection<variant>(edges) < 1) {
-            --edges.left_section;
-            if (LeftSection<variant>(edges) < 1) {
-                return false;
-            }
-        }
-        if constexpr (!variant.flat()) {
-            width = std::max(width, narrowest);
-        }
-    } else {
-        edges.left_array = {bottom, top};
-        edges.left_section = 1;
-        edges.right_array = {bottom, middle, top};
-        edges.right_section = 2;
-        if (LeftSection<variant>(edges) < 1) {
-            return false;
-        }
-        if (RightSection(edges) < 1) {
-            --edges.right_section;
-            if (RightSection(edges) < 1) {
-                return false;
-            }
-        }
-        if constexpr (!variant.flat()) {
-            width = std::min(width, -narrowest);
-        }
+    // The middle vertex cuts the side that it lies on in two; the other is one section.
+    const bool leftBroken = width > 0;
+    const std::array straight{bottom, top, top};
+    const std::array broken{bottom, middle, top};
+    edges.left_array = leftBroken ? broken : straight;
+    edges.right_array = leftBroken ? straight : broken;
+    edges.left_section = leftBroken ? 2 : 1;
+    edges.right_section = leftBroken ? 1 : 2;
+    if (!startSide(edges.left_section, [&] { return LeftSection<variant>(edges); }) ||
+        !startSide(edges.right_section, [&] { return RightSection(edges); })) {
+        return false;
+    }
+    if constexpr (!variant.flat()) {
+        constexpr s32 narrowest = 4096;  // 1/16 pixel keeps the gradients of slivers bounded
+        width = leftBroken ? std::max(width, narrowest) : std::min(width, -narrowest);
     }
 
     const s32 lastRow = static_cast<s32>(Gs.scissor().scay1) + (variant.flat() ? 1 : 0);

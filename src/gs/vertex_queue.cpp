@@ -1,4 +1,5 @@
 // The vertex queue: when a primitive is complete, and what stays in the queue for the next one.
+#include "base/device_codes.h"
 #include "gs/display.h"
 #include "gs/primitives.h"
 
@@ -6,12 +7,6 @@
 
 namespace tarn {
 namespace {
-
-enum PrimitiveType : u32 {
-    lineStrip = 2,
-    triangleStrip = 4,
-    triangleFan = 5,
-};
 
 /// Moves a vertex down one slot. Attributes that the primitive does not use stay with their slot, so a
 /// flat-shaded strip keeps no colour of its own.
@@ -61,12 +56,12 @@ void vertexKick(bool draws) {
         }
         primTable[type](Gs.gsvertex.data());
     }
-    switch (type) {
-    case triangleFan:
+    switch (PrimitiveType{type}) {
+    case PrimitiveType::TriangleFan:
         stepGSfanvertex();
         break;
-    case lineStrip:
-    case triangleStrip:
+    case PrimitiveType::LineStrip:
+    case PrimitiveType::TriangleStrip:
         stepGSvertex();
         break;
     default:

@@ -1,6 +1,7 @@
 // DMA, SIF and GS system calls. They reach the devices as a guest would, through the memory map, and run
 // the DMA controller at once so that a write has taken effect when the call returns.
 #include "base/bits.h"
+#include "base/device_codes.h"
 #include "base/diagnostics.h"
 #include "kernel/syscalls.h"
 #include "machine/devices.h"
@@ -12,11 +13,10 @@
 namespace tarn {
 namespace {
 
-constexpr u64 dmacStatus = 0x1000E010;       // D_STAT
-constexpr u64 sif0Control = 0x1000C000;      // D5_CHCR
-constexpr u64 sif0Quadwords = 0x1000C020;    // D5_QWC
-constexpr u64 gsInterruptMask = 0x12001010;  // IMR
-constexpr u64 startChain = 0x184;            ///< STR, TIE and chain mode
+constexpr u64 dmacStatus = specialAreaFirst + dma_register::D_STAT;
+constexpr u64 sif0Control = specialAreaFirst + dma_register::D5_CHCR;
+constexpr u64 sif0Quadwords = specialAreaFirst + dma_register::D5_QWC;
+constexpr u64 startChain = dma_control::start | dma_control::tagInterrupt | dma_control::chainMode;
 
 u64& argument0() { return MipsCpu.GPR[REG_A0].low; }
 u64& argument1() { return MipsCpu.GPR[REG_A1].low; }
@@ -69,7 +69,7 @@ void SYSCALL_GsPutIMR() {
         printDiagnostic("|A0\t= %llx\n", argument0());
     }
     result() = argument0();
-    writeDoubleword(gsInterruptMask, argument0());
+    writeDoubleword(gs_privileged::IMR, argument0());
     finishSyscall();
 }
 

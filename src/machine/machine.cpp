@@ -1,6 +1,8 @@
 // The machine's reset and start state.
 #include "machine/machine.h"
 
+#include "base/device_codes.h"
+
 #include <memory>
 
 namespace tarn {
@@ -9,8 +11,6 @@ namespace {
 // What the guest finds in its registers. Intentional: the pointers are zero-extended.
 constexpr u64 globalPointer = 0x81F80000;
 constexpr u64 stackPointer = 0x81F00000;
-constexpr unsigned cp0Status = 12;
-constexpr unsigned cp0PRId = 15;
 constexpr u64 startStatus = 0x10900001;
 constexpr u64 processorId = 0x2E20;
 
@@ -32,8 +32,8 @@ void setStartState(Machine& target, u32 entry) {
     target.bios.semaInUse = 0;
     target.cpu.GPR[REG_GP].low = globalPointer;
     target.cpu.GPR[REG_SP].low = stackPointer;
-    target.cpu.CP0[cp0Status][0] = startStatus;
-    target.cpu.CP0[cp0PRId][0] = processorId;
+    target.cpu.CP0[cp0_register::Status][0] = startStatus;
+    target.cpu.CP0[cp0_register::PRId][0] = processorId;
     target.cpu.cycle = 0;
     target.cpu.delaySlots = 0;
     target.cpu.PC = entry;

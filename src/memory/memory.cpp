@@ -1,6 +1,7 @@
 // Accesses outside main memory: dispatch to the other areas, and the messages of those that nothing serves.
 #include "memory/memory.h"
 
+#include "base/device_codes.h"
 #include "base/diagnostics.h"
 #include "machine/machine.h"
 #include "memory/area_handlers.h"
@@ -10,9 +11,6 @@
 
 namespace tarn {
 namespace {
-
-constexpr u32 gsAreaFirst = 0x12000000;
-constexpr u32 gsAreaLast = 0x12001080;
 
 constexpr bool isGsArea(u32 address) { return address - gsAreaFirst <= gsAreaLast - gsAreaFirst; }
 

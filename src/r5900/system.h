@@ -1,6 +1,7 @@
 // System control: coprocessor 0, system calls, and the two no-ops with a name.
 #pragma once
 
+#include "base/device_codes.h"
 #include "kernel/syscall_table.h"
 #include "r5900/fields.h"
 #include "r5900/registers.h"
@@ -16,7 +17,7 @@ inline void MFC0(Cop0Fields f) {
 
 /// Interrupts enabled, in the Status register.
 inline constexpr u64 statusEnableMask = u64{1} << 16;
-inline u64& status() { return MipsCpu.CP0[12][0]; }
+inline u64& status() { return MipsCpu.CP0[cp0_register::Status][0]; }
 
 inline void EI(NoFields) { status() |= statusEnableMask; }
 inline void DI(NoFields) { status() &= 0xFFFFFFFF & ~statusEnableMask; }

@@ -1,11 +1,10 @@
 // What the complete processor adds to system control: writing coprocessor 0, and its counter of steps.
 #pragma once
 
+#include "base/device_codes.h"
 #include "r5900/registers.h"
 
 namespace tarn::r5900 {
-
-inline constexpr u8 cp0Count = 9, cp0PRId = 15;
 
 /// Driver steps so far: a branch and its delay slot are one.
 inline u64 stepsTaken() { return MipsCpu.cycle - MipsCpu.delaySlots; }
@@ -14,14 +13,14 @@ inline u64 stepsTaken() { return MipsCpu.cycle - MipsCpu.delaySlots; }
 inline void MFC0_complete(Cop0Fields f) {
     const auto& selects = MipsCpu.CP0[f.rd];
     const u64 held = f.sel < selects.size() ? selects[f.sel] : 0;
-    setWord(f.rt, f.rd == cp0Count ? held + stepsTaken() : held);
+    setWord(f.rt, f.rd == cp0_register::Count ? held + stepsTaken() : held);
 }
 
 /// The number of the processor cannot be written, nor can selects that the record does not hold.
 inline void MTC0(Cop0Fields f) {
     auto& selects = MipsCpu.CP0[f.rd];
-    if (f.sel < selects.size() && f.rd != cp0PRId) {
-        selects[f.sel] = signExtend32(f.rd == cp0Count ? gpr(f.rt) - stepsTaken() : gpr(f.rt));
+    if (f.sel < selects.size() && f.rd != cp0_register::PRId) {
+        selects[f.sel] = signExtend32(f.rd == cp0_register::Count ? gpr(f.rt) - stepsTaken() : gpr(f.rt));
     }
 }
 

@@ -1,6 +1,7 @@
 // The report on a paused CPU: where in the program, through which calls, and what is wrong.
 #include "symbols/pause_report.h"
 
+#include "base/device_codes.h"
 #include "kernel/syscall_table.h"
 #include "machine/machine.h"
 #include "machine/settings.h"
@@ -42,7 +43,7 @@ constexpr std::array areas{
     Area{mainMemoryFirst, mainMemorySize - 2, "main memory", "any access"},
     Area{specialAreaFirst, specialAreaFirst + specialAreaSize - 2, "the device registers",
          "words and doublewords"},
-    Area{0x12000000, 0x12001080, "the registers of the GS", "words and doublewords"},
+    Area{gsAreaFirst, gsAreaLast, "the registers of the GS", "words and doublewords"},
     Area{0x1FC00000, 0x1FC00000 + biosMemorySize - 2, "the BIOS image", "loads of words and bytes"},
 };
 

@@ -1,6 +1,7 @@
 // Tests the display: every conversion against a formula per pixel, opening, configuration and snapshots.
 #include "gs/display.h"
 
+#include "gs/interface_extras.h"
 #include "machine/settings.h"
 #include "support/gs_machine.h"
 #include "support/machine_test.h"
@@ -94,6 +95,7 @@ void present(std::vector<u8>& bytes, const SDL_Surface& surface) {
 TEST_F(Display, EveryPixelIsTheFormulas) {
     for (u32 number = 0; number < 200; ++number) {
         generator.seed(number);
+        const WideVectors vectors(random(2) != 0);
         const s32 depth = std::array{15, 16, 24, 32}[number % 4];
         const s32 told = random(6) == 0 ? std::array{0, 8, 16, 24, 32}[random(5)] : depth;
         const s32 width = random(20) == 0 ? -5 : static_cast<s32>(random(700));

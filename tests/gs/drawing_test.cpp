@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <tuple>
 
 namespace tarn::test {
 namespace {
@@ -128,6 +129,17 @@ TEST_F(Drawing, TheSteepestDepthGradientWrapsInsteadOfTrapping) {
     GSwrite(triangle, PRIM);  // -2^63 over a width of -1/65536 pixel
     xyz(0, 0, 0x80000000), xyz(1, 1, 0), xyz(3, 3, 0x80000000);
     EXPECT_EQ(std::count(Gs.vRamUL(), Gs.vRamUL() + 640 * 448, 0u), 640 * 448);
+}
+
+TEST_F(Drawing, PalettesAreWorkEvenOfASpriteOfNoSize) {
+    using namespace pixel_format;
+    for (const auto& [texture, palette, words] :
+         {std::tuple{PSMT8, PSMCT32, 256u}, {PSMT8, PSMCT16, 128u}, {PSMT4, PSMCT32, 64u}}) {
+        GSwrite(u64{texture} << 20 | u64{palette} << 51, TEX0_1);
+        const u64 before = Gs.work;
+        drawn(sprite | tme | fst, {{3, 3}, {3, 3}});
+        EXPECT_EQ(Gs.work - before, words);
+    }
 }
 
 }  // namespace

@@ -34,6 +34,7 @@ class RandomDrawing : public GsMachine {
         const u32 first = only == nullptr ? 0 : static_cast<u32>(std::stoul(only));
         for (u32 number = first; number < (only == nullptr ? count : first + 1); ++number) {
             generator.seed(number);
+            const WideVectors vectors(number / 7 % 2 == 0);
             choosePixelState(number);
             chooseRegisters(hostile);
             prepare();

@@ -1,0 +1,62 @@
+// Entry points and settings of the renderer that no program here uses.
+#include "gs/interface_extras.h"
+
+#include "base/file.h"
+#include "gs/display.h"
+
+#include <cstdarg>
+#include <cstdlib>
+#include <string>
+#include <sys/stat.h>
+
+namespace tarn {
+
+u32 PS2EgetLibType() { return 1; }
+u32 PS2EgetLibVersion() { return 0x10000; }
+const char* PS2EgetLibName() { return "Gravel-sdl Driver"; }
+
+void GSkeyEvent() {}
+void GSconfigure() { LoadConfig(); }
+void GSabout() {}
+s32 GStest() { return 0; }
+
+void SaveConfig() {
+    static_assert(sizeof(GsConfig) == 28, "the file is the record as it stands");
+    const char* home = std::getenv("HOME");
+    if (home == nullptr) {
+        return;
+    }
+    const std::string directory = std::string(home) + "/.PS2E";
+    mkdir(directory.c_str(), 0755);
+    if (const FilePtr file{std::fopen((directory + "/Gravelx.cfg").c_str(), "w")}) {
+        std::fwrite(&GsHost.conf, sizeof GsHost.conf, 1, file.get());
+    }
+}
+
+void DXclearScr() {
+    if (GsHost.conf.fullscreen == 0) {
+        fillWithGrey();
+    }
+}
+
+int DXswitchScrMode() {
+    DXclose();
+    GsHost.conf.fullscreen = 1 - GsHost.conf.fullscreen;
+    return DXopen();
+}
+
+void OnConf_Ok() {}
+void OnConf_Cancel() {}
+void OnAbout_Ok() {}
+
+void __Log(const char* format, ...) {
+    if (Log == 0 || gsLog == nullptr) {
+        return;
+    }
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::vfprintf(gsLog, format, arguments);
+    va_end(arguments);
+}
+
+}  // namespace tarn

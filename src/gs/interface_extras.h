@@ -1,0 +1,35 @@
+// Entry points and settings of the renderer that no program here uses: identification, keys, dialogs, the
+// screen mode, the log.
+#pragma once
+
+#include "base/types.h"
+
+#include <cstdio>
+
+namespace tarn {
+
+u32 PS2EgetLibType();          ///< 1
+u32 PS2EgetLibVersion();       ///< 0x10000
+const char* PS2EgetLibName();  ///< "Gravel-sdl Driver"
+
+void GSkeyEvent();   ///< does nothing
+void GSconfigure();  ///< reads the renderer's configuration again
+void GSabout();      ///< does nothing
+s32 GStest();        ///< 0
+
+void SaveConfig();      ///< writes conf to "$HOME/.PS2E/Gravelx.cfg"; says nothing when it cannot
+void DXclearScr();      ///< fills the display's surface with grey
+int DXswitchScrMode();  ///< closes, switches `fullscreen` over, opens again; DXopen's result
+
+// The settings dialogs of other front ends; they do nothing here.
+void OnConf_Ok();
+void OnConf_Cancel();
+void OnAbout_Ok();
+
+inline s32 Log = 0;                 ///< not 0: __Log writes
+inline std::FILE* gsLog = nullptr;  ///< where to; never opened here
+
+/// Writes a printf-style text to gsLog.
+[[gnu::format(printf, 1, 2)]] void __Log(const char* format, ...);  // NOLINT(bugprone-reserved-identifier)
+
+}  // namespace tarn
