@@ -1,10 +1,7 @@
 // The debugger's commands that go through history: backwards, and the user's monitor commands.
-#include "base/diagnostics.h"
 #include "gdb/debugger.h"
-#include "history/memory_access.h"
 #include "history/report.h"
 #include "machine/machine.h"
-#include "machine/run_loop.h"
 
 #include <charconv>
 
@@ -18,7 +15,8 @@ constexpr const char* monitorHelp =
     "monitor step                          where the machine is: step, vertical blank, symbol\n"
     "monitor goto STEP                     go to a step of the past\n"
     "monitor frame N                       go to the step in which the Nth vertical blank came\n"
-    "monitor last-write ADDRESS [BYTES]    who stored there last (hexadecimal address, default 4 bytes)\n"
+    "monitor last-write ADDRESS [BYTES]    who stored there last: a symbol, SYMBOL+0xN, or a hexadecimal\n"
+    "                                      address; 4 bytes by default\n"
     "monitor history N                     the last N steps, with what they changed\n"
     "monitor picture FILE                  write the picture as a BMP file\n"
     "After goto and frame, 'maintenance flush register-cache' has the debugger look again.\n";
@@ -31,13 +29,10 @@ std::string_view takeWord(std::string_view& line) {
     return word;
 }
 
-std::optional<u64> takeNumber(std::string_view& line, int base) {
-    std::string_view word = takeWord(line);
-    if (base == 16 && word.starts_with("0x")) {
-        word.remove_prefix(2);
-    }
+std::optional<u64> takeNumber(std::string_view& line) {
+    const std::string_view word = takeWord(line);
     u64 value = 0;
-    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value, base);
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
     return error == std::errc() && end == word.data() + word.size() ? std::optional(value) : std::nullopt;
 }
 
@@ -48,26 +43,26 @@ std::optional<u64> takeNumber(std::string_view& line, int base) {
 /// has just been made: one step further back it is undone.
 std::optional<std::string> Debugger::hitBefore() {
     std::string reply;
-    const u64 origin = machine.counters.driverSteps;
+    const u64& now = machine.counters.driverSteps;
+    const u64 origin = now;
     const std::optional<u64> found = timeline->searchBack([&](u64 end) {
         std::optional<u64> last;
-        while (machine.counters.driverSteps < end) {
-            const u64 step = machine.counters.driverSteps;
+        const history::ActiveStops active(points);
+        for (;;) {
+            history::runTo(end);
+            if (now >= end) {
+                return last;
+            }
             if (points.breaksAt(MipsCpu.PC)) {
-                last = step;
+                last = now;
                 reply = stoppedByTrap;
             }
-            if (points.watching()) {
-                if (const std::optional<history::MemoryAccess> access = history::nextMemoryAccess()) {
-                    if (const std::optional<WatchHit> hit = points.watchHit(*access)) {
-                        last = step + 1;
-                        reply = watchReply(*hit);
-                    }
-                }
+            if (const std::optional<history::WatchHit> hit = points.nextWatchHit()) {
+                last = now + 1;
+                reply = watchReply(*hit);
             }
-            history::runTo(step + 1);
+            history::makeStep();
         }
-        return last;
     });
     timeline->goTo(found.value_or(origin));
     return found ? std::optional(reply) : std::nullopt;
@@ -92,19 +87,15 @@ std::optional<std::string> Debugger::goBack(bool oneStep) {
         return stop(historyBegins);
     }
     timeline->goTo(now - 1);
-    if (points.watching()) {
-        if (const std::optional<history::MemoryAccess> access = history::nextMemoryAccess()) {
-            if (const std::optional<WatchHit> hit = points.watchHit(*access)) {
-                timeline->goTo(now);
-                return stop(watchReply(*hit));
-            }
-        }
+    if (const std::optional<history::WatchHit> hit = points.nextWatchHit()) {
+        timeline->goTo(now);
+        return stop(watchReply(*hit));
     }
     return stop(stoppedByTrap);
 }
 
 std::string Debugger::monitorMove(std::string_view name, std::string_view arguments) {
-    const std::optional<u64> number = takeNumber(arguments, 10);
+    const std::optional<u64> number = takeNumber(arguments);
     if (!number) {
         return "a number is missing\n";
     }
@@ -117,18 +108,7 @@ std::string Debugger::monitorMove(std::string_view name, std::string_view argume
         timeline->goTo(*number);
         return history::describePosition(symbols);
     }
-    const u64 origin = machine.counters.driverSteps;
-    timeline->goTo(timeline->first());
-    const bool ahead = machine.counters.verticalBlanks < *number;
-    if (ahead) {
-        const MutedDiagnostics muted;
-        while (machine.counters.verticalBlanks < *number && machine.counters.driverSteps < furthest) {
-            history::runTo(
-                std::min(furthest, machine.counters.driverSteps + 1 + machine.bios.vsyncCountdown / 2));
-        }
-    }
-    if (!ahead || machine.counters.verticalBlanks != *number) {
-        timeline->goTo(origin);
+    if (!timeline->goToBlank(*number)) {
         return "history has no such vertical blank\n";
     }
     return history::describePosition(symbols);
@@ -156,18 +136,18 @@ std::string Debugger::monitor(std::string_view line) {
         altered = false;
     }
     if (name == "last-write") {
-        const std::optional<u64> address = takeNumber(line, 16);
-        const std::optional<u64> bytes = line.empty() ? 4 : takeNumber(line, 10);
+        const std::optional<u32> address = history::addressNamed(takeWord(line), symbols);
+        const std::optional<u64> bytes = line.empty() ? 4 : takeNumber(line);
         if (!address || !bytes || *bytes == 0 || *bytes > 0x10000) {
             return "an address and 1 to 65536 bytes are wanted\n";
         }
-        return history::describeLastWrite(*timeline, static_cast<u32>(*address), static_cast<u32>(*bytes),
-                                          symbols);
+        return history::describeLastWrite(*timeline, *address, static_cast<u32>(*bytes), symbols);
     }
     if (name == "history") {
-        const std::optional<u64> count = takeNumber(line, 10);
+        const std::optional<u64> count = takeNumber(line);
         constexpr u64 most = 100;  // what fits a packet
-        return count ? history::describeSteps(*timeline, std::min(*count, most)) : "a number is missing\n";
+        return count ? history::describeSteps(*timeline, std::min(*count, most), symbols)
+                     : "a number is missing\n";
     }
     return monitorMove(name, line);
 }

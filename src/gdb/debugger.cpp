@@ -3,6 +3,7 @@
 
 #include "gdb/machine.h"
 #include "gdb/packet.h"
+#include "machine/devices.h"
 #include "machine/machine.h"
 #include "r5900/fields.h"
 #include "r5900/operation.h"
@@ -205,7 +206,7 @@ std::string query(std::string_view packet) {
 }
 
 /// Sets or removes a breakpoint or watchpoint: "Z" or "z", then "TYPE,ADDRESS,LENGTH".
-std::string changePoint(std::string_view packet, DebugPoints& points) {
+std::string changePoint(std::string_view packet, history::StopPoints& points) {
     const bool add = packet.front() == 'Z';
     packet.remove_prefix(1);
     const std::optional<u64> type = takeHex(packet);
@@ -229,8 +230,9 @@ std::string changePoint(std::string_view packet, DebugPoints& points) {
     if (range->length == 0 || range->length > mainMemorySize) {
         return badArguments;
     }
+    using history::WatchKind;
     constexpr std::array kinds = {WatchKind::Write, WatchKind::Read, WatchKind::Access};
-    const Watchpoint watchpoint{kinds[*type - 2], range->address, static_cast<u32>(range->length)};
+    const history::Watchpoint watchpoint{kinds[*type - 2], range->address, static_cast<u32>(range->length)};
     if (!add) {
         points.removeWatchpoint(watchpoint);
         return ok;
@@ -240,19 +242,31 @@ std::string changePoint(std::string_view packet, DebugPoints& points) {
 
 }  // namespace
 
+std::string watchReply(const history::WatchHit& hit) {
+    const char* kind = hit.kind == history::WatchKind::Write  ? "watch"
+                       : hit.kind == history::WatchKind::Read ? "rwatch"
+                                                              : "awatch";
+    const std::array<u8, 4> digits = {static_cast<u8>(hit.address >> 24), static_cast<u8>(hit.address >> 16),
+                                      static_cast<u8>(hit.address >> 8), static_cast<u8>(hit.address)};
+    return std::string("T05") + kind + ":" + toHex(digits) + ";";
+}
+
 void Debugger::attach() {
     attached = true;
+    stops.reset();
     points.clear();
     stop(MipsCpu.pause != 0 ? pauseReason() : stoppedByTrap);
 }
 
 void Debugger::drop() {
+    stops.reset();
     points.clear();
     attached = false;
 }
 
 std::optional<std::string> Debugger::stop(std::string reply) {
     current = Mode::Stopped;
+    stops.reset();
     rangeFirst = rangeEnd = 0;
     lastStop = std::move(reply);
     return lastStop;
@@ -274,6 +288,9 @@ std::optional<std::string> Debugger::resume(Mode how, std::string_view address) 
     stepped = false;
     MipsCpu.pause = 0;  // what could not be executed is tried again
     current = how;
+    if (how == Mode::Running && !points.empty()) {
+        stops.emplace(points);
+    }
     return std::nullopt;
 }
 
@@ -348,8 +365,13 @@ std::optional<std::string> Debugger::answer(std::string_view packet) {
     case 'X':
         return changed(writeMemoryFrom(arguments, false));
     case 'Z':
-    case 'z':
-        return changePoint(packet, points);
+    case 'z': {
+        std::string reply = changePoint(packet, points);
+        if (stops) {
+            stops.emplace(points);
+        }
+        return reply;
+    }
     case 'c':
         return resume(Mode::Running, arguments);
     case 'C':
@@ -364,15 +386,17 @@ std::optional<std::string> Debugger::answer(std::string_view packet) {
     case 'q':
         if (packet.starts_with(monitorPacket)) {
             const std::optional<std::string> command = fromHex(packet.substr(monitorPacket.size()));
-            return command ? hexOf(monitor(*command)) : badArguments;
+            return command && current == Mode::Stopped ? hexOf(monitor(*command)) : badArguments;
         }
         if (timeline != nullptr && packet.starts_with("qSupported")) {
             return query(packet) + ";ReverseStep+;ReverseContinue+";
         }
         return query(packet);
     case 'b':
-        return timeline != nullptr && (packet == "bs" || packet == "bc") ? goBack(packet == "bs")
-                                                                         : unknownPacket;
+        if (timeline == nullptr || (packet != "bs" && packet != "bc")) {
+            return unknownPacket;
+        }
+        return current == Mode::Stopped ? goBack(packet == "bs") : badArguments;
     case 'D':
         drop();
         resume(Mode::Running, {});
@@ -402,18 +426,15 @@ std::optional<std::string> Debugger::interrupt() {
 }
 
 std::optional<std::string> Debugger::beforeStep() {
+    if (gifTransferGoesOn()) {
+        return std::nullopt;  // the step before is not over
+    }
     // A single step starts where the debugger stands, so only a continued run looks at breakpoints.
     if ((current == Mode::Running || stepped) && points.breaksAt(MipsCpu.PC)) {
         return stop(stoppedByTrap);
     }
-    if (points.watching()) {
-        if (const std::optional<history::MemoryAccess> access = history::nextMemoryAccess()) {
-            if (const std::optional<WatchHit> hit = points.watchHit(*access)) {
-                return stop(watchReply(*hit));
-            }
-        }
-    }
-    return std::nullopt;
+    const std::optional<history::WatchHit> hit = points.nextWatchHit();
+    return hit ? stop(watchReply(*hit)) : std::nullopt;
 }
 
 std::optional<std::string> Debugger::afterStep() {

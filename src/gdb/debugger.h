@@ -2,7 +2,7 @@
 #pragma once
 
 #include "base/types.h"
-#include "gdb/debug_points.h"
+#include "history/stop_points.h"
 #include "history/timeline.h"
 #include "symbols/symbol_table.h"
 
@@ -11,6 +11,9 @@
 #include <string_view>
 
 namespace tarn::gdb {
+
+/// The stop reply that names the watchpoint and the watched address.
+std::string watchReply(const history::WatchHit& hit);
 
 /// Answers packets and decides whether the machine runs. Knows no sockets; the machine's step is its
 /// caller's.
@@ -46,9 +49,6 @@ class Debugger {
     /// The debugger asks for the machine to stop. The reply, or nothing when it is stopped already.
     std::optional<std::string> interrupt();
 
-    /// Whether there are breakpoints or watchpoints; otherwise beforeStep() has nothing to say.
-    bool hasPoints() const { return !points.empty(); }
-
     /// Writes the picture to a file for a user; false when it cannot.
     bool (*writePicture)(const std::string& path) = nullptr;
 
@@ -79,7 +79,8 @@ class Debugger {
     bool stepped = false;  ///< Mode::Step has left the place that it started from
     Mode current = Mode::Stopped;
     bool attached = false;
-    DebugPoints points;
+    history::StopPoints points;
+    std::optional<history::ActiveStops> stops;  ///< in Mode::Running, if there are points
     std::string lastStop;
 };
 

@@ -23,7 +23,7 @@ namespace tarn::gdb {
 
 namespace {
 
-constexpr u32 stepsPerLook = 1 << 16;  ///< driver steps between two looks at the connection
+constexpr u32 stepsPerLook = 1 << 18;  ///< driver steps between two looks at the connection
 constexpr int idleMilliseconds =
     100;  ///< how long a stopped machine waits before it asks whether the run is over
 constexpr int sendMilliseconds = 2000;  ///< a debugger that takes no bytes for so long is dropped
@@ -129,7 +129,8 @@ Server::Finish Server::runUntilFinished(const RunLimits& limits, bool (*interrup
     }
 }
 
-/// One step, or as many as nothing can stop up to `limit`. What was heard before is not said again.
+/// One step, or, of a machine that runs, as many as nothing stops up to `limit`. What was heard before is not
+/// said again.
 void Server::advance(u64 limit, bool (*interrupted)()) {
     const u64 now = machine.counters.driverSteps;
     std::optional<MutedDiagnostics> muted;
@@ -137,7 +138,7 @@ void Server::advance(u64 limit, bool (*interrupted)()) {
         muted.emplace();
         limit = std::min(limit, timeline->furthest());
     }
-    if (debugger.mode() == Debugger::Mode::Running && !debugger.hasPoints()) {
+    if (debugger.mode() == Debugger::Mode::Running) {
         runSteps(limit - now);
     } else {
         while (!driverStep() && !interrupted()) {

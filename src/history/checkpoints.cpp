@@ -52,8 +52,6 @@ std::size_t Checkpoints::indexAtOrBefore(u64 step) const {
     return static_cast<std::size_t>(after - list.begin()) - 1;
 }
 
-u64 Checkpoints::nearest(u64 step) const { return list[indexAtOrBefore(step)].step; }
-
 void Checkpoints::clear() {
     while (!list.empty()) {
         remove(list.size() - 1);
@@ -68,7 +66,7 @@ void Checkpoints::remove(std::size_t index) {
 }
 
 void Checkpoints::take() {
-    Checkpoint taken{machine.counters.driverSteps, saveRecords(machine), {}};
+    Checkpoint taken{machine.counters.driverSteps, machine.counters.verticalBlanks, saveRecords(machine), {}};
     const Checkpoint* before = nullptr;
     std::size_t index = 0;
     if (!list.empty() && list.front().step <= taken.step) {
@@ -100,6 +98,18 @@ void Checkpoints::take() {
 
 u64 Checkpoints::restore(u64 step) {
     const Checkpoint& point = list[indexAtOrBefore(step)];
+    restoreAt(point);
+    return point.step;
+}
+
+void Checkpoints::restoreBeforeBlank(u64 number) {
+    const auto behind =
+        std::lower_bound(list.begin() + 1, list.end(), number,
+                         [](const Checkpoint& point, u64 value) { return point.blanks < value; });
+    restoreAt(behind[-1]);
+}
+
+void Checkpoints::restoreAt(const Checkpoint& point) {
     forgetPicture();
     restoreRecords(machine, point.records);
     std::size_t index = 0;
@@ -109,7 +119,6 @@ u64 Checkpoints::restore(u64 step) {
             std::memcpy(bytes.data(), stored, bytes.size());
         }
     });
-    return point.step;
 }
 
 std::size_t Checkpoints::bytesUsed() const {

@@ -34,7 +34,7 @@ class PagePool {
     std::vector<Number> unused;
 };
 
-/// The checkpoints of one run, in the order of their steps.
+/// The checkpoints of one run, in the order of their steps: at least one, except before the first take().
 class Checkpoints {
   public:
     /// `bytes` bounds the memory taken, except for two checkpoints that are always kept. `shown`
@@ -52,8 +52,8 @@ class Checkpoints {
     /// and returns its step.
     u64 restore(u64 step);
 
-    /// The last checkpoint's step at or before `step`.
-    u64 nearest(u64 step) const;
+    /// Puts it back to the last checkpoint before the `number`th vertical blank, or to the first.
+    void restoreBeforeBlank(u64 number);
 
     std::size_t bytesUsed() const;
     std::size_t count() const { return list.size(); }
@@ -61,6 +61,7 @@ class Checkpoints {
   private:
     struct Checkpoint {
         u64 step = 0;
+        u64 blanks = 0;  ///< vertical blanks so far
         std::vector<u8> records;
         std::vector<PagePool::Number> pages;
     };
@@ -69,6 +70,7 @@ class Checkpoints {
     template <typename Visit>
     void forEachPage(Visit visit) const;
     std::size_t indexAtOrBefore(u64 step) const;
+    void restoreAt(const Checkpoint& point);
     void remove(std::size_t index);
     void thin();
 

@@ -1,7 +1,7 @@
 // The list of everything that a run depends on. Saving, restoring and comparing follow from it.
 //
-// Every record is taken apart by a structured binding, which names all of its fields or does not compile: a
-// new field cannot be forgotten here.
+// Every record is taken apart by a structured binding, which names all of its fields or does not compile, and
+// what is visited must fill the record: a new field cannot be forgotten here.
 #pragma once
 
 #include "machine/machine.h"
@@ -21,49 +21,77 @@ inline constexpr bool hasNoPadding<GsVertex> = sizeof(GsVertex) == 10 * sizeof(u
 template <typename T, std::size_t count>
 inline constexpr bool hasNoPadding<std::array<T, count>> = hasNoPadding<T>;
 
+/// Whether these fields, in this order, make up a record.
+template <typename Record, typename... Fields>
+consteval bool makeUp() {
+    std::size_t end = 0;
+    const auto place = [&end](std::size_t size, std::size_t alignment) {
+        end = (end + alignment - 1) / alignment * alignment + size;
+    };
+    (place(sizeof(Fields), alignof(Fields)), ...);
+    place(0, alignof(Record));
+    return end == sizeof(Record);
+}
+
+/// Calls `visit` with each field of a part of the machine.
+template <typename Record, typename Visit, typename... Fields>
+void visitRecord(const Record&, Visit&& visit, Fields&... fields) {
+    static_assert(makeUp<Record, std::remove_const_t<Fields>...>(), "a field is missing");
+    (visit(fields), ...);
+}
+
 /// Calls `visit` with each field of the machine: a value without padding, or a Buffer. The order is the same
 /// every time.
 template <typename MachineType, typename Visit>
 void forEachField(MachineType& machine, Visit&& visit) {
-    const auto visitAll = [&visit](auto&&... fields) { (visit(fields), ...); };
     auto& [cpu, bios, gs, memory, counters, traceLine] = machine;
+    static_assert(makeUp<Machine, MipsCpuRecord, Ps2BiosRecord, GsState, MemoryAreas, MachineCounters,
+                         std::remove_const_t<decltype(machine.traceLine)>>());
     {
         auto& [opcode, pause, GPR, HI, LO, CP0, FPR128, FPR32, FCR, ACC, SA, cycle, PC, entry, delaySlotDepth,
                delaySlots, stopCycle, stop] = cpu;
-        visitAll(opcode, pause, GPR, HI, LO, CP0, FPR128, FPR32, FCR, ACC, SA, cycle, PC, entry,
-                 delaySlotDepth, delaySlots, stopCycle, stop);
+        visitRecord(cpu, visit, opcode, pause, GPR, HI, LO, CP0, FPR128, FPR32, FCR, ACC, SA, cycle, PC,
+                    entry, delaySlotDepth, delaySlots, stopCycle, stop);
     }
     {
         auto& [writePending, writeOffset, writeValue, readPending, readOffset, readValue, channels, handlers,
                semaInUse, semaWords, sif0StartRequest, vsyncCountdown, gifAddress, gifQuadwords] = bios;
-        visitAll(writePending, writeOffset, writeValue, readPending, readOffset, readValue, channels,
-                 semaInUse, semaWords, sif0StartRequest, vsyncCountdown, gifAddress, gifQuadwords);
-        for (auto& handler : handlers) {
-            auto& [address, savedPc, active] = handler;
-            visitAll(address, savedPc, active);
-        }
+        const auto visitSlots = [&]<typename Field>(Field& field) {
+            if constexpr (std::is_same_v<std::remove_const_t<Field>,
+                                         std::array<DmacHandlerSlot, dmaChannelCount>>) {
+                for (auto& slot : field) {
+                    auto& [address, savedPc, active] = slot;
+                    visitRecord(slot, visit, address, savedPc, active);
+                }
+            } else {
+                visit(field);
+            }
+        };
+        visitRecord(bios, visitSlots, writePending, writeOffset, writeValue, readPending, readOffset,
+                    readValue, channels, handlers, semaInUse, semaWords, sif0StartRequest, vsyncCountdown,
+                    gifAddress, gifQuadwords);
     }
     {
         auto& [vRam, gsfbs, zbufs, tex0s, tex1s, tex2s, clamps, miptbp0s, miptbp1s, offsets, scissors, alphas,
-               tests, fbas, context, prims, prim, prac, gsvertex, primC, rgba, texa, clut, fogcol, fogf,
-               smask, dthe, colclamp, pabe, srcbuf, dstbuf, ldbw, trxpos, imageW, imageH, imageX, imageY,
-               imagePtr, imageTransfer, work, gtag, regs, regn, gifMode, pmode, smode2, dspfbs, modes,
-               circuit, magh, magv, interlace] = gs;
-        visitAll(vRam, gsfbs, zbufs, tex0s, tex1s, tex2s, clamps, miptbp0s, miptbp1s, offsets, scissors,
-                 alphas, tests, fbas, context, prims, prim, prac, gsvertex, primC, rgba, texa, clut, fogcol,
-                 fogf, smask, dthe, colclamp, pabe, srcbuf, dstbuf, ldbw, trxpos, imageW, imageH, imageX,
-                 imageY, imagePtr, imageTransfer, work, gtag, regs, regn, gifMode, pmode, smode2, dspfbs,
-                 modes, circuit, magh, magv, interlace);
+               tests, fbas, currentContext, prims, currentPrim, prac, gsvertex, primC, rgba, texa, clut,
+               fogcol, fogf, smask, dthe, colclamp, pabe, srcbuf, dstbuf, ldbw, trxpos, imageW, imageH,
+               imageX, imageY, imagePtr, imageTransfer, work, gtag, regs, regn, gifMode, pmode, smode2,
+               dspfbs, modes, currentCircuit, magh, magv, interlace] = gs;
+        visitRecord(gs, visit, vRam, gsfbs, zbufs, tex0s, tex1s, tex2s, clamps, miptbp0s, miptbp1s, offsets,
+                    scissors, alphas, tests, fbas, currentContext, prims, currentPrim, prac, gsvertex, primC,
+                    rgba, texa, clut, fogcol, fogf, smask, dthe, colclamp, pabe, srcbuf, dstbuf, ldbw, trxpos,
+                    imageW, imageH, imageX, imageY, imagePtr, imageTransfer, work, gtag, regs, regn, gifMode,
+                    pmode, smode2, dspfbs, modes, currentCircuit, magh, magv, interlace);
     }
     {
         auto& [main, special, gsArea, bios_] = memory;
-        visitAll(main, special, gsArea, bios_);
+        visitRecord(memory, visit, main, special, gsArea, bios_);
     }
     {
         auto& [driverSteps, verticalBlanks_, dmaTransfers, gifQuadwords] = counters;
-        visitAll(driverSteps, verticalBlanks_, dmaTransfers, gifQuadwords);
+        visitRecord(counters, visit, driverSteps, verticalBlanks_, dmaTransfers, gifQuadwords);
     }
-    visitAll(traceLine);
+    visit(traceLine);
 }
 
 }  // namespace tarn::history

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace tarn::history {
 namespace {
@@ -33,37 +34,67 @@ struct Reader {
     void operator()(Buffer&) {}
 };
 
-constexpr bool within(s64 value, s64 limit) { return value >= -limit && value <= limit; }
-
-/// Whether the records are inside the bounds that the rest of the system takes for granted.
+/// Whether the records are inside the bounds that the rest of the system takes for granted: what is used as
+/// an index, and what decides how much one primitive or transfer has to do.
 bool isPlausible(const Machine& machine) {
+    const MipsCpuRecord& cpu = machine.cpu;
     const Ps2BiosRecord& bios = machine.bios;
     const GsState& gs = machine.gs;
     const u64 gifEnd = bios.gifAddress + u64{16} * bios.gifQuadwords;
-    bool plausible = machine.cpu.delaySlotDepth == 0 && machine.cpu.stop <= Stop::UnalignedAddress &&
-                     gifEnd <= mainMemorySize && machine.traceLine.back() == 0 && gs.primC >= 0 &&
-                     gs.primC <= 3 && static_cast<u32>(gs.gifMode) <= 3 && gs.regn < 16 &&
-                     gs.gtag.nreg <= 16 && gs.pmode <= 1 && gs.currentContext <= 1 && gs.currentPrim <= 1 &&
-                     gs.currentCircuit <= 1;
-    for (const GsVertex& vertex : gs.gsvertex) {
-        plausible = plausible && within(vertex.x, 0xFFFF) && within(vertex.y, 0xFFFF) &&
-                    within(vertex.u, 0xFFFF) && within(vertex.v, 0xFFFF);
+    if (cpu.delaySlotDepth != 0 || cpu.stop > Stop::UnalignedAddress || machine.traceLine.back() != 0 ||
+        gifEnd > mainMemorySize || gs.primC < 0 || gs.primC > 2 || gs.gifMode > GifMode::Image ||
+        gs.regn > 15 || gs.gtag.nreg > 16) {
+        return false;
     }
+    struct Bound {
+        u32 value;
+        u32 highest;
+    };
+    constexpr u32 coordinate = 0xFFFF;
+    constexpr u32 scissor = 0x7FF;
+    std::vector<Bound> bounds{{gs.currentContext, 1}, {gs.currentPrim, 1}, {gs.currentCircuit, 1},
+                              {gs.pmode, 1},          {gs.prac, 1},        {gs.gtag.nloop, 0x7FFF}};
     for (unsigned i = 0; i < 2; ++i) {
-        const GsScissor& scissor = gs._scissor[i];
-        plausible =
-            plausible && std::max({gs._gsfb[i].fbw, gs._tex0[i].tbw, gs._gsdspfb[i].fbw}) <= 0xFFFF &&
-            std::max({gs._tex0[i].tw, gs._tex0[i].th, gs._offset[i].ofx, gs._offset[i].ofy}) <= 0xFFFF &&
-            std::max({scissor.scax0, scissor.scax1, scissor.scay0, scissor.scay1}) <= 0xFFFF &&
-            std::max({gs._gsmode[i].x, gs._gsmode[i].y, gs._gsmode[i].width, gs._gsmode[i].height}) <=
-                0xFFFF &&
-            std::max({gs._gsdspfb[i].dbx, gs._gsdspfb[i].dby}) <= 0xFFFF && gs._prim[i].type <= 7 &&
-            gs._prim[i].ctxt <= 1 && gs._test[i].atst <= 7 && gs._test[i].ztst <= 3 && gs._test[i].afail <= 3;
+        const auto& [type, iip, tme, fge, abe, aa1, fst, ctxt, fix] = gs._prim[i];
+        const GsScissor& rectangle = gs._scissor[i];
+        bounds.insert(bounds.end(), {{type, 7},
+                                     {ctxt, 1},
+                                     {gs._test[i].atst, 7},
+                                     {gs._test[i].ztst, 3},
+                                     {gs._test[i].afail, 3},
+                                     {gs._tex0[i].tbw, coordinate},
+                                     {gs._tex0[i].tw, coordinate},
+                                     {gs._tex0[i].th, coordinate},
+                                     {gs._offset[i].ofx, coordinate},
+                                     {gs._offset[i].ofy, coordinate},
+                                     {rectangle.scax0, scissor},
+                                     {rectangle.scax1, scissor},
+                                     {rectangle.scay0, scissor},
+                                     {rectangle.scay1, scissor},
+                                     {gs._gsdspfb[i].dbx, coordinate},
+                                     {gs._gsdspfb[i].dby, coordinate},
+                                     {gs._gsmode[i].x, coordinate},
+                                     {gs._gsmode[i].y, coordinate},
+                                     {gs._gsmode[i].width, coordinate},
+                                     {gs._gsmode[i].height, coordinate}});
     }
-    return plausible;
+    for (const auto& [width, rows] : {std::pair{gs.srcbuf.bw, gs.srcbuf.maxRows},
+                                      {gs.dstbuf.bw, gs.dstbuf.maxRows},
+                                      {gs._gsfb[0].fbw, gs._gsfb[0].maxRows},
+                                      {gs._gsfb[1].fbw, gs._gsfb[1].maxRows},
+                                      {gs._gsdspfb[0].fbw, gs._gsdspfb[0].maxRows},
+                                      {gs._gsdspfb[1].fbw, gs._gsdspfb[1].maxRows}}) {
+        bounds.push_back({width, coordinate});
+        bounds.push_back(
+            {rows, width == 0 ? localMemoryWords : localMemoryWords / std::min(width, coordinate)});
+    }
+    for (const GsVertex& vertex : gs.gsvertex) {
+        for (const s32 place : {vertex.x, vertex.y, vertex.u, vertex.v}) {
+            bounds.push_back({static_cast<u32>(place) + coordinate, 2 * coordinate});
+        }
+    }
+    return std::ranges::all_of(bounds, [](const Bound& bound) { return bound.value <= bound.highest; });
 }
-
-void read(Machine& target, std::span<const u8> bytes) { forEachField(target, Reader{bytes}); }
 
 }  // namespace
 
@@ -79,11 +110,13 @@ std::size_t recordBytes() {
     return size;
 }
 
-bool restoreRecords(Machine& target, std::span<const u8> bytes) {
+void restoreRecords(Machine& target, std::span<const u8> bytes) { forEachField(target, Reader{bytes}); }
+
+bool restoreForeignRecords(Machine& target, std::span<const u8> bytes) {
     const std::vector<u8> before = saveRecords(target);
-    read(target, bytes);
+    restoreRecords(target, bytes);
     if (!isPlausible(target)) {
-        read(target, before);
+        restoreRecords(target, before);
         return false;
     }
     return true;

@@ -15,9 +15,12 @@ std::vector<u8> saveRecords(const Machine& source);
 /// How many that is.
 std::size_t recordBytes();
 
-/// Puts the records back; `bytes` has recordBytes() bytes. False, with the machine as it was, when they are
-/// not those of any machine that has run.
-bool restoreRecords(Machine& target, std::span<const u8> bytes);
+/// Puts the records back; `bytes` are recordBytes() bytes that saveRecords has made.
+void restoreRecords(Machine& target, std::span<const u8> bytes);
+
+/// The same for bytes of any origin. False, with the machine as it was, when they are not those of any machine
+/// that has run.
+bool restoreForeignRecords(Machine& target, std::span<const u8> bytes);
 
 /// The machine's buffers; their contents are the rest of its state.
 std::vector<std::span<u8>> buffersOf(Machine& source);

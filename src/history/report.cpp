@@ -3,14 +3,16 @@
 
 #include "base/diagnostics.h"
 #include "history/memory_access.h"
+#include "history/stop_points.h"
 #include "kernel/syscall_table.h"
 #include "machine/machine.h"
-#include "machine/run_loop.h"
 #include "machine/settings.h"
 #include "r5900/fields.h"
+#include "r5900/interpreter.h"
 #include "r5900/register_names.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstring>
 
 namespace tarn::history {
@@ -34,7 +36,7 @@ void addTraceLine(const char* text) {
         line.remove_suffix(1);
     }
     // The line that closes a step repeats the one before.
-    if (traceOfStep.ends_with(line)) {
+    if (line.empty() || traceOfStep.ends_with(line)) {
         return;
     }
     traceOfStep += traceOfStep.empty() ? "" : " | ";
@@ -56,11 +58,6 @@ class TracedQuietly {
     MutedDiagnostics muted;
     u8 former = Settings.debug_op;
 };
-
-void makeOneStep() {
-    const u64 before = machine.counters.driverSteps;
-    runTo(before + 1);
-}
 
 std::string changesSince(const MipsCpuRecord& before) {
     std::string text;
@@ -84,52 +81,103 @@ std::string changesSince(const MipsCpuRecord& before) {
     return text;
 }
 
-std::string storedBy(const MemoryAccess& access) {
-    const u32 place = placeOf(access.address, Access::Store);
-    if (MipsMemory == nullptr || u64{place} + access.length > mainMemorySize) {
-        return format(" [%8.8x] stored", access.address);
+/// The host's bytes behind a place, or none.
+std::span<const u8> bytesAt(u32 place, u32 length) {
+    if (MipsMemory != nullptr && u64{place} + length <= mainMemorySize) {
+        return {MipsMemory + place, length};
     }
+    const u32 offset = place - specialAreaFirst;
+    if (SpecialAreaMemory != nullptr && u64{offset} + length <= specialAreaSize) {
+        return {SpecialAreaMemory + offset, length};
+    }
+    return {};
+}
+
+std::string storedBy(const MemoryAccess& access) {
+    const std::span<const u8> bytes = bytesAt(placeOf(access.address, Access::Store), access.length);
     std::string text = format(" [%8.8x]=", access.address);
-    for (u32 i = access.length; i-- > 0;) {
-        text += format("%2.2x", unsigned{MipsMemory[place + i]});
+    for (std::size_t i = bytes.size(); i-- > 0;) {
+        text += format("%2.2x", unsigned{bytes[i]});
     }
     return text;
 }
 
-/// Bytes in main memory that are watched for a change by whatever means.
+/// Watched bytes, and what they held when they were looked at last.
 class WatchedBytes {
   public:
     WatchedBytes(u32 address, u32 bytes)
-        : place(placeOf(address, Access::Store)), length(bytes),
-          inMemory(MipsMemory != nullptr && u64{place} + length <= mainMemorySize) {
-        note();
+        : now(bytesAt(placeOf(address, Access::Store), bytes)), before(now.begin(), now.end()) {
+        points.addWatchpoint({WatchKind::Write, address, bytes});
     }
 
-    bool touchedBy(const MemoryAccess& access) const {
-        const u64 first = placeOf(access.address, access.kind);
-        return access.kind == Access::Store && first < u64{place} + length && place < first + access.length;
-    }
-    bool changed() const { return inMemory && std::memcmp(MipsMemory + place, before.data(), length) != 0; }
-    void note() {
-        if (inMemory) {
-            before.assign(MipsMemory + place, MipsMemory + place + length);
-        }
-    }
+    /// The stores to them, as stops.
+    const StopPoints& stores() const { return points; }
+    bool changed() const { return !std::equal(now.begin(), now.end(), before.begin()); }
+    void note() { before.assign(now.begin(), now.end()); }
+
     /// As a number, when it is short enough.
     std::string value() const {
-        std::string text = length <= 16 ? "0x" : "";
-        for (u32 i = length; inMemory && length <= 16 && i-- > 0;) {
-            text += format("%2.2x", unsigned{MipsMemory[place + i]});
+        if (now.empty() || now.size() > 16) {
+            return "(not shown)";
         }
-        return inMemory && length <= 16 ? text : "(not shown)";
+        std::string text = "0x";
+        for (std::size_t i = now.size(); i-- > 0;) {
+            text += format("%2.2x", unsigned{now[i]});
+        }
+        return text;
     }
 
   private:
-    u32 place;
-    u32 length;
-    bool inMemory;
+    StopPoints points;
+    std::span<const u8> now;
     std::vector<u8> before;
 };
+
+/// The last step before `end` that changes the bytes without a store instruction: the DMA controller's and
+/// the kernel's stores show in the values only.
+std::optional<u64> lastChange(WatchedBytes& watched, u64 end) {
+    std::optional<u64> last;
+    for (const u64& now = machine.counters.driverSteps; now < end;) {
+        makeStep();
+        if (watched.changed()) {
+            last = now - 1;
+            watched.note();
+        }
+    }
+    return last;
+}
+
+/// The last step before `end` that stores to the bytes, from the machine's position on.
+std::optional<u64> lastStore(Timeline& timeline, u32 address, u32 bytes, u64 end) {
+    constexpr u64 stretch = 1 << 16;
+    const u64& now = machine.counters.driverSteps;
+    std::optional<u64> last;
+    std::optional<std::pair<u64, u64>> silent;  ///< a stretch behind `last` in which the bytes changed
+    WatchedBytes watched(address, bytes);
+    {
+        const ActiveStops active(watched.stores());
+        while (now < end) {
+            const u64 begin = now;
+            runTo(std::min(end, begin + stretch));
+            if (watched.changed()) {
+                silent = {begin, now};
+                watched.note();
+            }
+            if (now < end && watched.stores().stopHere()) {
+                last = now;
+                silent.reset();
+                makeStep();
+                watched.note();
+            }
+        }
+    }
+    if (silent) {
+        timeline.goTo(silent->first);
+        watched.note();
+        last = lastChange(watched, silent->second);
+    }
+    return last;
+}
 
 /// What made a step that stored without a store instruction.
 std::string writerName(u32 word) {
@@ -141,12 +189,28 @@ std::string writerName(u32 word) {
 
 }  // namespace
 
+std::optional<u32> addressNamed(std::string_view text, const symbols::SymbolTable& symbols) {
+    const std::size_t plus = std::min(text.find('+'), text.size());
+    const std::optional<u32> symbol = symbols.addressOf(text.substr(0, plus));
+    std::string_view number = symbol ? text.substr(std::min(plus + 1, text.size())) : text;
+    if (symbol && plus == text.size()) {
+        return symbol;
+    }
+    if (number.starts_with("0x")) {
+        number.remove_prefix(2);
+    }
+    u32 value = 0;
+    const char* const last = number.data() + number.size();
+    const auto [end, error] = std::from_chars(number.data(), last, value, 16);
+    return error == std::errc() && end == last ? std::optional(symbol.value_or(0) + value) : std::nullopt;
+}
+
 std::string describePosition(const symbols::SymbolTable& symbols) {
     return format("step %llu, vertical blank %llu, PC 0x%8.8llx %s\n", machine.counters.driverSteps,
                   machine.counters.verticalBlanks, MipsCpu.PC, symbols.describe(MipsCpu.PC).c_str());
 }
 
-std::string describeSteps(Timeline& timeline, u64 count) {
+std::string describeSteps(Timeline& timeline, u64 count, const symbols::SymbolTable& symbols) {
     const u64 end = machine.counters.driverSteps;
     const u64 available = std::min({count, end - timeline.first(), longestReport});
     timeline.goTo(end - available);
@@ -154,13 +218,17 @@ std::string describeSteps(Timeline& timeline, u64 count) {
     {
         const TracedQuietly traced;
         while (machine.counters.driverSteps < end) {
-            traceOfStep.clear();
             const MipsCpuRecord before = MipsCpu;
             const u64 step = machine.counters.driverSteps;
             const std::optional<MemoryAccess> access = nextMemoryAccess();
-            makeOneStep();
-            text += format("%llu  ", step) +
-                    (traceOfStep.empty() ? format("%8.8llx", before.PC) : traceOfStep) + " " +
+            traceOfStep.clear();
+            machine.traceLine.front() = 0;
+            makeStep();
+            if (traceOfStep.empty()) {  // what stops, and kernel calls, write no line
+                traceOfStep = format("%8.8llx : %s", before.PC, mnemonicOf(MipsCpu.opcode));
+            }
+            const std::string place = symbols.describe(before.PC);
+            text += format("%llu  ", step) + place + (place.empty() ? "" : "  ") + traceOfStep + " " +
                     changesSince(before);
             text += access && access->kind == Access::Store ? storedBy(*access) : "";
             text += MipsCpu.pause != 0 ? " (paused)\n" : "\n";
@@ -173,36 +241,21 @@ std::string describeSteps(Timeline& timeline, u64 count) {
 std::string describeLastWrite(Timeline& timeline, u32 address, u32 bytes,
                               const symbols::SymbolTable& symbols) {
     const u64 end = machine.counters.driverSteps;
-    const std::optional<u64> found = timeline.searchBack([&](u64 limit) {
-        WatchedBytes watched(address, bytes);
-        std::optional<u64> last;
-        while (machine.counters.driverSteps < limit) {
-            const u64 step = machine.counters.driverSteps;
-            const std::optional<MemoryAccess> access = nextMemoryAccess();
-            const bool stores = access && watched.touchedBy(*access);
-            makeOneStep();
-            if (stores || watched.changed()) {
-                last = step;
-                watched.note();
-            }
-        }
-        return last;
-    });
+    const std::optional<u64> found =
+        timeline.searchBack([&](u64 limit) { return lastStore(timeline, address, bytes, limit); });
     std::string text = format("0x%8.8x: no store from step %llu to %llu\n", address, timeline.first(), end);
     if (found) {
         timeline.goTo(*found);
         WatchedBytes watched(address, bytes);
         const std::string old = watched.value();
-        const std::optional<MemoryAccess> access = nextMemoryAccess();
-        const bool stores = access && watched.touchedBy(*access);
         const u64 pc = MipsCpu.PC;
         u32 word = 0;
         if (MipsMemory != nullptr && static_cast<u32>(pc) <= mainMemorySize - sizeof word) {
             std::memcpy(&word, MipsMemory + static_cast<u32>(pc), sizeof word);
         }
-        const std::string writer = stores ? "" : ", by " + writerName(word);
+        const std::string writer = watched.stores().stopHere() ? "" : ", by " + writerName(word);
         const MutedDiagnostics muted;
-        makeOneStep();
+        makeStep();
         text = format("0x%8.8x: last store at step %llu, PC 0x%8.8llx", address, *found, pc) + " " +
                symbols.describe(pc) + writer + ": " + old + " -> " + watched.value() + "\n";
     }

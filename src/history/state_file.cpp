@@ -4,6 +4,7 @@
 #include "base/file.h"
 #include "history/machine_state.h"
 #include "machine/machine.h"
+#include "machine/settings.h"
 
 #include <algorithm>
 #include <array>
@@ -27,6 +28,7 @@ struct Header {
     u32 records = 0;  ///< bytes
     u64 program = 0;
     u64 picture = 0;  ///< bytes
+    u64 completeCpu = 0;
 };
 
 /// FNV-1a over eight bytes at a time, and then over the rest.
@@ -63,6 +65,10 @@ const char* complaintAbout(const Header& header, u64 program) {
     if (header.program != program) {
         return "it is the state of another program";
     }
+    if (header.completeCpu != (Settings.completeCpu == 1 ? 1 : 0)) {
+        return header.completeCpu != 0 ? "it is a state of the complete processor"
+                                       : "it is a state of the other processor";
+    }
     return header.picture > largestPicture ? "it is damaged" : nullptr;
 }
 
@@ -93,25 +99,37 @@ u64 programIdentity(const char* path) {
 }
 
 std::vector<u8> packState(u64 program, std::span<const u8> picture) {
-    std::vector<u8> content = saveRecords(machine);
+    const std::vector<u8> records = saveRecords(machine);
+    std::vector<std::span<const u8>> parts{records};
+    for (const std::span<u8> buffer : buffersOf(machine)) {
+        parts.emplace_back(buffer);
+    }
+    parts.push_back(picture);
     Header header;
-    header.records = static_cast<u32>(content.size());
+    header.records = static_cast<u32>(records.size());
     header.program = program;
     header.picture = picture.size();
-    content.reserve(content.size() + bufferBytes() + picture.size());
-    for (const std::span<u8> buffer : buffersOf(machine)) {
-        content.insert(content.end(), buffer.begin(), buffer.end());
-    }
-    content.insert(content.end(), picture.begin(), picture.end());
+    header.completeCpu = Settings.completeCpu == 1 ? 1 : 0;
 
-    std::vector<u8> bytes(sizeof header + ZSTD_compressBound(content.size()));
+    std::vector<u8> bytes(sizeof header);
     std::memcpy(bytes.data(), &header, sizeof header);
     const std::unique_ptr<ZSTD_CCtx, std::size_t (*)(ZSTD_CCtx*)> context(ZSTD_createCCtx(), ZSTD_freeCCtx);
     ZSTD_CCtx_setParameter(context.get(), ZSTD_c_compressionLevel, compressionLevel);
     ZSTD_CCtx_setParameter(context.get(), ZSTD_c_checksumFlag, 1);  // which reading checks by itself
-    const std::size_t size = ZSTD_compress2(context.get(), bytes.data() + sizeof header,
-                                            bytes.size() - sizeof header, content.data(), content.size());
-    bytes.resize(sizeof header + (ZSTD_isError(size) != 0 ? 0 : size));
+    std::vector<u8> block(ZSTD_CStreamOutSize());
+    for (const std::span<const u8>& part : parts) {
+        const ZSTD_EndDirective end = &part == &parts.back() ? ZSTD_e_end : ZSTD_e_continue;
+        ZSTD_inBuffer input{part.data(), part.size(), 0};
+        std::size_t left = 0;
+        do {
+            ZSTD_outBuffer output{block.data(), block.size(), 0};
+            left = ZSTD_compressStream2(context.get(), &output, &input, end);
+            if (ZSTD_isError(left) != 0) {
+                return {};
+            }
+            bytes.insert(bytes.end(), block.begin(), block.begin() + static_cast<std::ptrdiff_t>(output.pos));
+        } while (input.pos < input.size || (end == ZSTD_e_end && left != 0));
+    }
     return bytes;
 }
 
@@ -125,14 +143,15 @@ std::optional<std::string> unpackState(std::span<const u8> bytes, u64 program, s
         return complaint;
     }
     bytes = bytes.subspan(sizeof header);
-    std::vector<u8> content(header.records + bufferBytes() + header.picture);
+    const std::size_t expected = header.records + bufferBytes() + header.picture;
+    const std::unique_ptr<u8[]> content = std::make_unique_for_overwrite<u8[]>(expected);
     // A frame that holds more than fits is refused by the library.
-    const std::size_t size = ZSTD_decompress(content.data(), content.size(), bytes.data(), bytes.size());
-    if (ZSTD_isError(size) != 0 || size != content.size()) {
+    const std::size_t size = ZSTD_decompress(content.get(), expected, bytes.data(), bytes.size());
+    if (ZSTD_isError(size) != 0 || size != expected) {
         return "it is damaged";
     }
-    std::span<const u8> rest = content;
-    if (!restoreRecords(machine, rest.first(header.records))) {
+    std::span<const u8> rest(content.get(), expected);
+    if (!restoreForeignRecords(machine, rest.first(header.records))) {
         return "it is damaged";
     }
     rest = rest.subspan(header.records);

@@ -13,7 +13,7 @@ namespace tarn::history {
 /// Stands for the program of a file: a checksum of its bytes; 0 when it cannot be read.
 u64 programIdentity(const char* path);
 
-/// The machine and `picture` as a file's bytes.
+/// The machine and `picture` as a file's bytes; none when the host has no memory for compressing them.
 std::vector<u8> packState(u64 program, std::span<const u8> picture);
 
 /// Makes the machine what the bytes of a file say; a picture of another size is left as it is. Returns what

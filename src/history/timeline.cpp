@@ -2,9 +2,9 @@
 #include "history/timeline.h"
 
 #include "base/diagnostics.h"
+#include "history/stop_points.h"
 #include "machine/devices.h"
 #include "machine/machine.h"
-#include "machine/run_loop.h"
 
 #include <algorithm>
 
@@ -25,15 +25,6 @@ constexpr u64 windowGrowth = 16;
 constexpr u64 largestWindow = 1 << 26;
 
 }  // namespace
-
-void runTo(u64 step) {
-    while (machine.counters.driverSteps < step) {
-        if (machineRests()) {
-            machine.cpu.pause = 0;
-        }
-        runSteps(step - machine.counters.driverSteps);
-    }
-}
 
 void Timeline::begin() {
     checkpoints.clear();
@@ -64,6 +55,25 @@ void Timeline::goTo(u64 step) {
         checkpoints.take();
     }
     runTo(step);
+}
+
+bool Timeline::goToBlank(u64 number) {
+    const MutedDiagnostics muted;
+    const u64& blanks = machine.counters.verticalBlanks;
+    const u64& now = machine.counters.driverSteps;
+    const u64 origin = now;
+    reached = furthest();
+    checkpoints.restoreBeforeBlank(number);
+    const bool within = blanks < number;
+    while (blanks < number && now < reached) {
+        // No blank comes before the countdown is over.
+        runTo(std::min(reached, now + 1 + quietSteps()));
+    }
+    if (!within || blanks != number) {
+        goTo(origin);
+        return false;
+    }
+    return true;
 }
 
 std::optional<u64> Timeline::searchBack(const std::function<std::optional<u64>(u64 end)>& scan) {

@@ -15,6 +15,7 @@ inline constexpr std::size_t defaultBudget = 512U << 20;  ///< bytes
 /// number.
 class Timeline {
   public:
+    /// `budget` is in bytes; see Checkpoints.
     Timeline(std::size_t budget, std::span<u8> picture) : checkpoints(budget, picture) {}
 
     /// Forgets what was, and has history begin with the machine as it is.
@@ -32,6 +33,10 @@ class Timeline {
     /// Puts the machine to a step from first() to furthest(), without a sound.
     void goTo(u64 step);
 
+    /// Puts the machine behind the step in which the `number`th vertical blank came. False, with the machine
+    /// where it was, when that is not in the history.
+    bool goToBlank(u64 number);
+
     /// The position that `scan` finds last, from first() to the machine's: `scan(end)` runs the machine to
     /// `end` and returns the last position that it is looking for, if there is one. The machine is left
     /// anywhere.
@@ -48,8 +53,5 @@ class Timeline {
     Clock::time_point due{};
     u64 reached = 0;
 };
-
-/// Runs the machine to `step`, lifting pauses as a debugger that continues does.
-void runTo(u64 step);
 
 }  // namespace tarn::history

@@ -12,6 +12,9 @@ void MipsUpdateCpu();
 /// Executes steps, at least one and at most `limit`, with the results that as many calls of MipsUpdateCpu
 /// have. Returns how many. All but the last have done nothing that anyone but the CPU could notice: they have
 /// computed, branched, and accessed main memory. The last one may have done anything.
+///
+/// Before a step that runs are to end at (r5900/run_stops.h) it returns early, 0 when that is the first one.
+/// MipsCpu.opcode is then of some earlier step.
 u64 MipsRun(u64 limit);
 
 }  // namespace tarn

@@ -39,6 +39,9 @@ u64 runSteps(u64 limit) {
         u64 run = 1;
         if (!gifTransferGoesOn()) {
             run = MipsRun(std::min(limit - steps, quietSteps() + 1));
+            if (run == 0) {
+                break;
+            }
             passQuietSteps(run - 1);
             machine.counters.driverSteps += run - 1;
         }

@@ -15,8 +15,9 @@ bool machineRests();
 /// take, and the next call goes on with it.
 bool driverStep();
 
-/// Up to `limit` driver steps, ending early after the one in which the CPU pauses or a pane changes, and
-/// within one whose transfer to the GIF goes on. Returns how many were completed.
+/// Up to `limit` driver steps, ending early after the one in which the CPU pauses or a pane changes, before
+/// one that runs are to end at, and within one whose transfer to the GIF goes on. Returns how many were
+/// completed.
 u64 runSteps(u64 limit);
 
 /// Where a run ends, as values of the machine's counters.

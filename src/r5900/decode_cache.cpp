@@ -4,6 +4,7 @@
 #include "r5900/observed_run.h"
 #include "r5900/operation.h"
 #include "r5900/pairs.h"
+#include "r5900/run_stops.h"
 #include "r5900/tables.h"
 #include "r5900/threaded_interpreter.h"
 
@@ -27,9 +28,10 @@ std::array<KeptPage, keptPages> kept;
 std::array<CodePage*, mainMemoryPages> pageByNumber{};
 u32 next = 0;  // the page given up next, once all are in use: the oldest
 
-/// Makes every instruction of a fresh page a no-op of word 0, which is as valid as any.
+/// Makes every instruction of a fresh page one that is decoded when it is first run. For words of 0 it counts
+/// as decoded already, hence the routine.
 void clearPage(CodePage& page) {
-    page.fill({noOperation.run, noOperation.runInSlot, 0, {}, {}});
+    page.fill({interrupted, noOperation.runInSlot, 0, {}, {}});
     for (u32 i = codePageWords; i < page.size(); ++i) {
         page[i].run = enterNextPage;
     }
@@ -71,7 +73,7 @@ const Routines& routinesOf(u32 word) {
     return processor->isComplete && operation.namesR0(word) ? operation.routinesIntoR0 : operation.routines;
 }
 
-void decode(DecodedInstruction& instruction, u64 words) {
+void decode(DecodedInstruction& instruction, u64 words, u64 pc) {
     const Routines& first = routinesOf(firstWord(words));
     const Routines& second = routinesOf(secondWord(words));
     if (instruction.run != enterNextPage) {
@@ -83,6 +85,9 @@ void decode(DecodedInstruction& instruction, u64 words) {
     second.setOperands(instruction.nextOperands, secondWord(words));
     if (branchObserver != nullptr) {
         observe(instruction);
+    }
+    if (runStops != nullptr) {
+        placeStop(instruction, pc);
     }
 }
 

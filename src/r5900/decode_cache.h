@@ -87,8 +87,8 @@ CodePage* codePageAt(u64 pc);
 /// How the instruction with this word is run.
 const Routines& routinesOf(u32 word);
 
-/// Makes `instruction` what the two words say.
-void decode(DecodedInstruction& instruction, u64 words);
+/// Makes `instruction` what the two words at `pc` say.
+void decode(DecodedInstruction& instruction, u64 words, u64 pc);
 
 /// Has every instruction decoded again.
 void dropDecodedInstructions();

@@ -37,11 +37,15 @@ void stepSlotPlainly(DecodedInstruction* at, u64 pc, StepBudget budget, u64 dela
     runState.steps += 1;
 }
 
+void endBefore(DecodedInstruction*, u64 pc, StepBudget budget, u64 delaySlots, const u8*) {
+    leave(pc, budget, delaySlots);
+}
+
 void interrupted(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots, const u8* memory) {
     if (!budget.covers(pc)) {
-        return stepPlainly(at, pc, budget, delaySlots, memory);
+        return endOfBudget(at, pc, budget, delaySlots, memory);
     }
-    decode(*at, wordsAt(memory, pc));
+    decode(*at, wordsAt(memory, pc), pc);
     return at->run(at, pc, budget, delaySlots, memory);
 }
 
@@ -50,7 +54,7 @@ void find(u64 pc, StepBudget budget, u64 delaySlots, const u8* memory) {
     const bool isCode = std::rotr(pc, 2) < codeEnd / 4 && memory != nullptr;
     CodePage* page = isCode ? codePageAt(pc) : nullptr;
     if (page == nullptr) {
-        return stepPlainly(nullptr, pc, budget, delaySlots, memory);
+        return endOfBudget(nullptr, pc, budget, delaySlots, memory);
     }
     return next(&(*page)[pc % codePageBytes / 4], pc, budget, delaySlots, memory);
 }

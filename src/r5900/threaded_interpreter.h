@@ -47,6 +47,12 @@ void stepPlainly(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlo
 void stepSlotPlainly(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots, const u8* memory,
                      u64 target);
 
+/// Ends the run before the instruction at `pc`.
+void endBefore(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots, const u8* memory);
+
+/// What a run ends with whose budget is spent, or that leaves the code: chosen before a run.
+inline Routine endOfBudget = stepPlainly;
+
 // The way from one instruction to the next.
 
 /// The words at `pc`, which is code, and behind it.

@@ -5,14 +5,12 @@
 #include "base/diagnostics.h"
 #include "base/file.h"
 #include "gdb/server.h"
-#include "history/report.h"
-#include "history/state_file.h"
 #include "loader/program_check.h"
-#include "machine/devices.h"
 #include "machine/machine.h"
 #include "machine/run_loop.h"
 #include "machine/settings.h"
 #include "shell/driver.h"
+#include "shell/headless_history.h"
 #include "shell/headless_outputs.h"
 #include "shell/pause_message.h"
 #include "shell/progress_line.h"
@@ -34,7 +32,7 @@ namespace {
 enum class End { StepLimit, FrameLimit, Place, Signal, Paused, Killed, StartFailed };
 
 HeadlessOutputs* traceOutput = nullptr;
-history::Timeline* past = nullptr;  ///< while checkpoints are taken
+HeadlessHistory* past = nullptr;  ///< during the run
 ProgressLine progress;
 
 /// The panes keep no text: EmuOutput's goes to standard error, that of the others to the trace. A text that
@@ -221,50 +219,6 @@ End run(const HeadlessOptions& options, std::optional<u32> place, HeadlessOutput
     }
 }
 
-void reportUselessState(const std::string& path, const std::string& complaint) {
-    std::fprintf(stderr, "tarn-headless: cannot go on from %s: %s\n", path.c_str(), complaint.c_str());
-}
-
-/// Reads the file of a saved state when one is named; false, with the reason, when it cannot be read.
-bool readState(const HeadlessOptions& options, std::vector<u8>& bytes) {
-    if (!options.loadState) {
-        return true;
-    }
-    const std::optional<std::string> complaint = history::readStateFile(options.loadState->c_str(), bytes);
-    if (complaint) {
-        reportUselessState(*options.loadState, *complaint);
-    }
-    return !complaint;
-}
-
-/// Goes on from a saved state when one is named; false, with the reason, when it cannot be used.
-bool loadState(const HeadlessOptions& options, std::span<const u8> bytes) {
-    if (!options.loadState) {
-        return true;
-    }
-    const std::optional<std::string> complaint =
-        history::unpackState(bytes, history::programIdentity(Settings.ElfToExecute), picturePixels());
-    if (complaint) {
-        reportUselessState(*options.loadState, *complaint);
-    }
-    return !complaint;
-}
-
-/// What the options ask of the steps before the end.
-void reportPast(const HeadlessOptions& options, End end) {
-    if (past == nullptr || !past->begun() || gifTransferGoesOn()) {
-        return;
-    }
-    if (options.history && end == End::Paused) {
-        std::fprintf(stderr, "%s", history::describeSteps(*past, *options.history).c_str());
-    }
-    if (options.lastWrite) {
-        const auto& [address, bytes] = *options.lastWrite;
-        std::fprintf(stderr, "%s",
-                     history::describeLastWrite(*past, address, bytes, programSymbols()).c_str());
-    }
-}
-
 /// What the configuration is, and whether the program can be run at all; false, with a message, otherwise.
 bool configure(const HeadlessOptions& options) {
     configurationSource = {.readsFile = !options.program, .assignments = options.assignments};
@@ -306,8 +260,8 @@ int runHeadless(const HeadlessOptions& options) {
     std::optional<u32> place;
     std::vector<u8> savedState;
     // The state to start from is read first: it may be the file that the state at the end goes to.
-    if (!configure(options) || !findPlace(options, place) || !readState(options, savedState) ||
-        !outputs.open()) {
+    if (!configure(options) || !findPlace(options, place) ||
+        !HeadlessHistory::readState(options, savedState) || !outputs.open()) {
         return exitStatus(End::StartFailed, false);
     }
     traceOutput = &outputs;
@@ -321,25 +275,22 @@ int runHeadless(const HeadlessOptions& options) {
     Driver.farewell = 0;
 
     End end = End::StartFailed;
-    history::Timeline timeline(history::defaultBudget, picturePixels());
+    HeadlessHistory history(options, programSymbols);
     std::optional<gdb::Server> debugger;
     if (options.gdbPort) {
-        debugger.emplace(&timeline, programSymbols());
+        debugger.emplace(&history.past(), programSymbols());
         debugger->setPictureWriter([](const std::string& path) { return writePicture(path, MainScreen); });
     }
-    if ((!debugger || debugger->listen(*options.gdbPort)) && start() && loadState(options, savedState) &&
+    if ((!debugger || debugger->listen(*options.gdbPort)) && start() && history.begin(savedState) &&
         outputs.beginCounting()) {
-        if (debugger || options.history || options.lastWrite) {
-            timeline.begin();
-            past = &timeline;
-        }
+        past = &history;
         end = debugger ? runDebugged(*debugger, limitsOf(options)) : run(options, place, outputs);
     }
     progress.clear();
     reportEnd(end);
     const int status = exitStatus(end, options.exitStatus);
     const bool complete = outputs.write();
-    reportPast(options, end);
+    history.report(end == End::Paused);
     past = nullptr;
     while (TarnGUI.running == 1) {
         koGUI_TarnEndingProc();

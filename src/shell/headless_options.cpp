@@ -64,8 +64,11 @@ constexpr Option optionTable[] = {
     {"save-state", "FILE", &Options::saveState, "write the machine, to go on from with --load-state"},
     {"load-state", "FILE", &Options::loadState, "start from a machine that was saved from the same program"},
     {"history", "N", &Options::history, "when the CPU pauses, print the last N steps and what each changed"},
-    {"last-write", "ADDRESS[:BYTES]", &Options::lastWrite,
-     "at the end, report the last store to an address (hexadecimal)"},
+    {"last-write", "BYTES", &Options::lastWrite,
+     "at the end, report the last store to ADDRESS[:COUNT], where ADDRESS is a symbol,\n"
+     "SYMBOL+0xN or a hexadecimal number, and COUNT is 4 by default"},
+    {"history-size", "MB", &Options::historySize,
+     "keep at most so much of the past for these two and --gdb (512 by default)"},
     {"quiet", nullptr, &Options::quiet, "show no progress line on a terminal"},
     {"help", nullptr, &Options::help, "print this help and exit"},
     {"version", nullptr, &Options::version, "print the version and exit"},
@@ -147,20 +150,19 @@ class Parser {
         }
     }
 
-    /// ADDRESS[:BYTES]: a hexadecimal address, with or without 0x, and a decimal length.
+    /// ADDRESS[:COUNT]. The address is looked at when the program's symbols are there.
     void take(const char* name, std::optional<Options::Bytes>& bytes) {
-        std::string_view text = optarg;
-        text.remove_prefix(text.starts_with("0x") ? 2 : 0);
+        constexpr u32 most = 0x10000;
+        const std::string_view text = optarg;
+        const std::size_t colon = std::min(text.find(':'), text.size());
+        bytes = Options::Bytes{std::string(text.substr(0, colon))};
         const char* const last = text.data() + text.size();
-        bytes = Options::Bytes{};
-        auto [end, error] = std::from_chars(text.data(), last, bytes->address, 16);
-        if (error == std::errc() && end != last && *end == ':') {
-            const auto length = std::from_chars(end + 1, last, bytes->count);
-            end = length.ptr;
-            error = length.ec;
+        std::from_chars_result count{last, std::errc()};
+        if (colon < text.size()) {
+            count = std::from_chars(text.data() + colon + 1, last, bytes->count);
         }
-        if (error != std::errc() || end != last || bytes->count == 0 || bytes->count > 0x10000) {
-            complain("--%s takes an address and 1 to 65536 bytes, not '%s'", name, optarg);
+        if (count.ec != std::errc() || count.ptr != last || bytes->count == 0 || bytes->count > most) {
+            complain("--%s takes an address and 1 to %u bytes, not '%s'", name, most, optarg);
         }
     }
 

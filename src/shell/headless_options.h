@@ -19,7 +19,7 @@ struct HeadlessOptions {
 
     /// Bytes of the guest's memory.
     struct Bytes {
-        u32 address = 0;
+        std::string address;  ///< or a symbol
         u32 count = 4;
     };
 
@@ -38,6 +38,7 @@ struct HeadlessOptions {
     std::optional<u16> gdbPort;  ///< loopback port to wait for a debugger on; 0 stands for any free one
     std::optional<std::string> saveState;  ///< file for the machine at the end
     std::optional<std::string> loadState;  ///< file to start from
+    std::optional<u32> historySize;        ///< memory for checkpoints, MB
     std::optional<u32> history;            ///< steps to print when the CPU pauses
     std::optional<Bytes> lastWrite;        ///< of which to report the last store
     bool registers = false;

@@ -1,16 +1,14 @@
-// The breakpoints and watchpoints that a debugger has set.
+// Breakpoints and watchpoints: what runs stop at, forwards and backwards.
 #pragma once
 
 #include "base/types.h"
 #include "history/memory_access.h"
+#include "r5900/run_stops.h"
 
 #include <optional>
-#include <string>
 #include <vector>
 
-namespace tarn::gdb {
-
-using history::MemoryAccess;
+namespace tarn::history {
 
 enum class WatchKind : u8 { Write, Read, Access };
 
@@ -28,15 +26,12 @@ struct WatchHit {
     u32 address = 0;
 };
 
-/// The stop reply that names the watchpoint and the watched address.
-std::string watchReply(const WatchHit& hit);
-
 /// The points at which the machine is to stop. Bounded: a point too many is refused.
 ///
 /// A breakpoint stops the machine before the driver step that begins at its address. The delay slot of a
 /// taken branch belongs to the branch's step, so a breakpoint on it is passed over unless the slot is reached
-/// by itself.
-class DebugPoints {
+/// by itself. A watchpoint stops it before the step that makes the access.
+class StopPoints {
   public:
     /// Adds a point; adding it again changes nothing. False when there are too many already.
     bool addBreakpoint(u32 address);
@@ -48,16 +43,43 @@ class DebugPoints {
 
     void clear();
 
-    bool breaksAt(u64 pc) const;
     bool empty() const { return breakpoints.empty() && watchpoints.empty(); }
-    bool watching() const { return !watchpoints.empty(); }
+    bool breaksAt(u64 pc) const;
 
     /// The watchpoint that the access touches, through whichever mirror of the memory it goes.
     std::optional<WatchHit> watchHit(const MemoryAccess& access) const;
 
+    /// The watchpoint that the next step hits.
+    std::optional<WatchHit> nextWatchHit() const;
+
+    /// Whether the next step is one to stop at.
+    bool stopHere() const { return breaksAt(MipsCpu.PC) || nextWatchHit(); }
+
   private:
+    friend class ActiveStops;
+
     std::vector<u32> breakpoints;
     std::vector<Watchpoint> watchpoints;
 };
 
-}  // namespace tarn::gdb
+/// While one lives, runs end at these points, which must not change. One at a time.
+class ActiveStops {
+  public:
+    explicit ActiveStops(const StopPoints& points);
+    ~ActiveStops();
+    ActiveStops(const ActiveStops&) = delete;
+    ActiveStops& operator=(const ActiveStops&) = delete;
+
+  private:
+    r5900::WatchedLines lines;
+    r5900::RunStops stops;
+};
+
+/// Runs the machine to `step`, or to before a step that runs end at. Pauses are lifted, as by a debugger that
+/// continues.
+void runTo(u64 step);
+
+/// Makes one step, whatever stops there are.
+void makeStep();
+
+}  // namespace tarn::history
