@@ -18,7 +18,7 @@ constexpr const char* monitorHelp =
     "monitor last-write ADDRESS [BYTES]    who stored there last: a symbol, SYMBOL+0xN, or a hexadecimal\n"
     "                                      address; 4 bytes by default\n"
     "monitor history N                     the last N steps, with what they changed\n"
-    "monitor picture FILE                  write the picture as a BMP file\n"
+    "monitor picture FILE                  write the picture, as PNG if the name ends in .png, or as BMP\n"
     "After goto and frame, 'maintenance flush register-cache' has the debugger look again.\n";
 
 /// Takes a word off the front of a line.
