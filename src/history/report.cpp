@@ -137,7 +137,8 @@ class WatchedBytes {
 /// the kernel's stores show in the values only.
 std::optional<u64> lastChange(WatchedBytes& watched, u64 end) {
     std::optional<u64> last;
-    for (const u64& now = machine.counters.driverSteps; now < end;) {
+    const u64& now = machine.counters.driverSteps;
+    while (now < end) {
         makeStep();
         if (watched.changed()) {
             last = now - 1;

@@ -2,6 +2,7 @@
 #include "history/state_file.h"
 
 #include "base/file.h"
+#include "gs/display.h"
 #include "history/machine_state.h"
 #include "machine/machine.h"
 #include "machine/settings.h"
@@ -155,6 +156,7 @@ std::optional<std::string> unpackState(std::span<const u8> bytes, u64 program, s
         return "it is damaged";
     }
     rest = rest.subspan(header.records);
+    forgetPicture();
     for (const std::span<u8> buffer : buffersOf(machine)) {
         std::memcpy(buffer.data(), rest.data(), buffer.size());
         rest = rest.subspan(buffer.size());
