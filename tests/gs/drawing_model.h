@@ -16,6 +16,7 @@ class DrawingModel {
   public:
     std::vector<u32> memory = std::vector<u32>(localMemoryWords);
     std::vector<u32> touched;  ///< indexes stored to
+    u64 pixels = 0;            ///< how often one was stored to the frame
 
     /// Draws one completed primitive of the current type from the queue.
     void draw(const GsVertex* queue) {
@@ -34,7 +35,7 @@ class DrawingModel {
             if (v[0].x >= scissorLeft() && v[0].x <= scissorRight() && v[0].y >= scissorTop() &&
                 v[0].y <= scissorBottom() && v[0].x >= 0 && v[0].y >= 0 && v[0].x < width() &&
                 v[0].y < height()) {
-                store(frameIndex(v[0].x, v[0].y), Gs.rgba);
+                storePixel(frameIndex(v[0].x, v[0].y), Gs.rgba);
             }
         } else if (type < 3) {
             line(v[0], v[1]);
@@ -48,6 +49,10 @@ class DrawingModel {
     void store(s64 index, u32 value) {
         memory[wrap(index)] = value;
         touched.push_back(wrap(index));
+    }
+    void storePixel(s64 index, u32 value) {
+        store(index, value);
+        ++pixels;
     }
 
   private:
@@ -100,7 +105,7 @@ class DrawingModel {
             false, true, difference<0, difference <= 0, difference == 0, difference >= 0, difference> 0,
             difference != 0};
         if (Gs.test().ate == 0 || outcomes[Gs.test().atst]) {
-            store(index, colour);
+            storePixel(index, colour);
         }
     }
 
@@ -258,7 +263,7 @@ class DrawingModel {
             pixel(x, y, Gs.rgba);
             store(depthIndex(x, y), z);
         } else if (Gs.test().ztst != 0 && depthPasses(z, memory[wrap(depthIndex(x, y))])) {
-            store(frameIndex(x, y), Gs.rgba);
+            storePixel(frameIndex(x, y), Gs.rgba);
             store(depthIndex(x, y), z);
         }
     }

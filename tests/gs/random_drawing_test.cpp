@@ -39,6 +39,7 @@ class RandomDrawing : public GsMachine {
             chooseRegisters(hostile);
             prepare();
             model.touched.clear();
+            model.pixels = 0;
             model.draw(vertices.data());
             for (u32 look = 0; look < 8 && !model.touched.empty(); ++look) {
                 const u32 word = model.touched[random(static_cast<u32>(model.touched.size()))];
@@ -47,6 +48,9 @@ class RandomDrawing : public GsMachine {
                 beforeDrawing();
                 ASSERT_FALSE(GsHost.pictureIntact) << "case " << number << " writes to word " << word;
             }
+            const bool counts = number / 11 % 2 == 0;
+            countPixels(counts);
+            pixelsWritten = 0;
             primTable[Gs.prim().type](vertices.data());
             if (std::memcmp(Gs.vRamUL(), model.memory.data(), localMemoryBytes) != 0) {
                 u32 word = 0;
@@ -56,6 +60,8 @@ class RandomDrawing : public GsMachine {
                 FAIL() << "case " << number << ": word " << std::hex << word << " is " << Gs.vRamUL()[word]
                        << ", the model has " << model.memory[word] << ", before it was " << background[word];
             }
+            countPixels(false);
+            ASSERT_EQ(pixelsWritten, counts ? model.pixels : 0) << "case " << number;
             drawn += !model.touched.empty();
             for (const u32 index : model.touched) {
                 model.memory[index] = Gs.vRamUL()[index] = background[index];
