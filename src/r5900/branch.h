@@ -1,4 +1,4 @@
-// The branches and jumps: conditions and targets.
+// Branches and jumps: conditions and targets.
 #pragma once
 
 #include "r5900/fields.h"
@@ -23,15 +23,15 @@ inline bool BGEZ(ZeroBranchFields f) { return static_cast<s64>(gpr(f.rs)) >= 0; 
 inline bool BC1F(FpuBranchFields) { return !conditionBit(); }
 inline bool BC1T(FpuBranchFields) { return conditionBit(); }
 
-// Jumps: the target of each, from the PC that it stands at. Links come before the delay slot.
+// Jumps: the target of each, given its PC. The link is written before the delay slot.
 
-/// Writes the return address of a jump at `pc`, which is behind the delay slot.
+/// Writes the return address of a jump at `pc`: the address after its delay slot.
 inline void link(Gpr reg, u64 pc) { setDoubleword(reg, pc + 8); }
 
-/// Where JAL leaves its return address.
+/// The link register of JAL.
 inline constexpr Gpr returnAddress = Gpr::numbered(REG_RA);
 
-/// Word number `instr_index` of memory, in the low 32 bits of PC.
+/// The index of a word in memory becomes the low 32 bits of PC.
 constexpr u64 J(JumpFields f, u64 pc) { return (pc & ~u64{0xFFFFFFFF}) | u64{f.instr_index} * 4; }
 
 inline u64 JAL(JumpFields f, u64 pc) {
@@ -47,14 +47,14 @@ inline u64 JALR(RegisterFields f, u64 pc) {
     return target;
 }
 
-/// r0 is 0 in the delay slot, too.
+/// With rd = r0, the delay slot already sees 0 in it.
 inline u64 JALR_complete(RegisterFields f, u64 pc) {
     const u64 target = JALR(f, pc);
     MipsCpu.GPR[0] = {};
     return target;
 }
 
-// Branches that link, whether or not they are taken. Only the complete processor has them.
+// Branches that link whether or not they are taken; on the complete processor only.
 
 inline bool BLTZAL(ZeroBranchFields f, u64 pc) {
     const bool taken = BLTZ(f);

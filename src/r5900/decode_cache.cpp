@@ -1,4 +1,4 @@
-// Decoding, and the pages of decoded instructions: made when code is first run there, and bounded in number.
+// Decoding, and the pages of decoded instructions, which are created on first use and limited in number.
 #include "r5900/decode_cache.h"
 
 #include "r5900/observed_run.h"
@@ -16,17 +16,17 @@ namespace {
 
 constexpr u32 mainMemoryPages = mainMemorySize / codePageBytes;
 
-/// Pages kept: 2 MB of guest code, for 16.8 MB of the host's memory at most.
+/// Enough for 2 MB of guest code, at most 16.8 MB of host memory.
 constexpr u32 keptPages = 512;
 
 struct KeptPage {
     std::unique_ptr<CodePage> page;
-    u32 number = 0;  ///< of the page of main memory that it stands for
+    u32 number = 0;  ///< of the page in main memory
 };
 
 std::array<KeptPage, keptPages> kept;
 std::array<CodePage*, mainMemoryPages> pageByNumber{};
-u32 next = 0;  // the page given up next, once all are in use: the oldest
+u32 next = 0;  // the oldest page, reused next once all are in use
 
 /// Makes every instruction of a fresh page one that is decoded when it is first run. For words of 0 it counts
 /// as decoded already, hence the routine.

@@ -1,7 +1,7 @@
-// The cache of decoded instructions: pages of them that stand beside the pages of main memory.
+// The cache of decoded instructions: one page of them for each page of code in main memory.
 //
-// An entry is valid as long as the words that it was made from equal those in memory, which each execution
-// compares. So nothing needs to track who writes code, and a page of entries can be made, or dropped, at any
+// An entry is valid as long as the words it was decoded from equal those in memory; each execution compares
+// them. So stores to code need no tracking, and a page of entries can be created or dropped at any
 // time.
 #pragma once
 
@@ -14,12 +14,12 @@
 
 namespace tarn::r5900 {
 
-/// How many steps a run may still take, as the last PC at which routines may go on if everything until there
-/// is straight-line code. Straight-line code then has nothing to count.
+/// How many steps a run may still take, expressed as the last PC at which routines may continue if all code
+/// up to it is straight-line. Straight-line code then needs no counter.
 struct StepBudget {
     u64 lastPc;
 
-    /// The routines need room for two steps, and leave one, so that a run's last step is always a plain one.
+    /// A routine may take two steps, and one is kept back: the last step of a run is always a single step.
     static constexpr u64 reserve = 3;
 
     static constexpr StepBudget of(u64 steps, u64 pc) { return {pc + (steps - reserve) * 4}; }
@@ -30,17 +30,17 @@ struct StepBudget {
 
 struct DecodedInstruction;
 
-/// Executes the instruction `at`, whose word stands at `pc`, and then those that follow, until the run ends.
+/// Executes the instruction `at`, whose address is `pc`, and then its successors until the run ends.
 ///
-/// `delaySlots` counts the delay slots executed inside steps; `memory` is MipsMemory. They are parameters to
-/// stay in registers: each routine ends by calling the next.
+/// `delaySlots` counts the delay slots executed inside steps; `memory` is MipsMemory. They are parameters so
+/// that they stay in registers: each routine ends with a tail call of the next.
 using Routine = void (*)(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots, const u8* memory);
 
-/// Executes the instruction behind the branch `at` as its delay slot, and then goes on at `target`.
+/// Executes the delay slot of the branch `at`, then continues at `target`.
 using SlotRoutine = void (*)(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots,
                              const u8* memory, u64 target);
 
-/// Room for the Fields record of any format.
+/// Storage for the operands of any format.
 class DecodedOperands {
   public:
     template <typename Fields>
@@ -57,17 +57,17 @@ class DecodedOperands {
     alignas(4) std::array<u8, 4> bytes{};
 };
 
-/// A decoded instruction, with what it needs of the one behind it: that is its delay slot if it is a branch,
-/// and may be executed along with it if it is not.
+/// A decoded instruction, with the operands of its successor: the delay slot of a branch, otherwise the
+/// second instruction of a pair.
 struct DecodedInstruction {
     Routine run;
-    SlotRoutine runInSlot;  ///< the one behind
-    u64 words;              ///< that the two were decoded from
+    SlotRoutine runInSlot;  ///< of the successor
+    u64 words;              ///< the two words it was decoded from
     DecodedOperands operands;
-    DecodedOperands nextOperands;  ///< of the one behind
+    DecodedOperands nextOperands;  ///< of the successor
 };
 
-/// How an instruction is run decoded.
+/// How a decoded instruction is run.
 struct Routines {
     Routine run;
     SlotRoutine runInSlot;
@@ -77,20 +77,20 @@ struct Routines {
 inline constexpr u32 codePageBytes = 0x1000;
 inline constexpr u32 codePageWords = codePageBytes / 4;
 
-/// The instructions of one page of main memory. The two behind the last lead to the next page.
+/// The instructions of one page of main memory, and two more that lead to the next page.
 using CodePage = std::array<DecodedInstruction, codePageWords + 2>;
 
-/// The page that holds the word at `pc`, an address in main memory; null when the host has no memory for it.
-/// Another page's instructions may be given up for it: no pointer to an instruction survives this call.
+/// The page for the code at `pc`, an address in main memory; null when the host is out of memory. The call
+/// may reuse the oldest page: it invalidates all pointers to decoded instructions.
 CodePage* codePageAt(u64 pc);
 
-/// How the instruction with this word is run.
+/// The routines for an instruction word.
 const Routines& routinesOf(u32 word);
 
 /// Makes `instruction` what the two words at `pc` say.
 void decode(DecodedInstruction& instruction, u64 words, u64 pc);
 
-/// Has every instruction decoded again.
+/// Invalidates all decoded instructions.
 void dropDecodedInstructions();
 
 }  // namespace tarn::r5900

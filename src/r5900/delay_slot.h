@@ -8,15 +8,15 @@
 
 namespace tarn::r5900 {
 
-/// The deepest nesting of delay slots: a branch in a delay slot has a delay slot of its own, inside the
-/// first. Deeper, the CPU pauses, so that no program can use up the host's stack.
+/// The nesting limit of delay slots: a branch in a delay slot executes its own delay slot inside the first.
+/// Beyond it the CPU pauses, so that no program can exhaust the host's stack.
 inline constexpr u32 maximumDelaySlotDepth = 1024;
 
-/// What a branch that is not taken does with the instruction in its delay slot.
+/// What a branch does with its delay slot when it is not taken.
 enum class DelaySlot : u8 { Executed, Skipped };
 
-/// Executes the instruction at PC as the delay slot of the current one. One that is nested too deeply is
-/// refused as a fetch outside memory is: it counts in `cycle`, and pauses.
+/// Executes the instruction at PC as the delay slot of the current one. Beyond the nesting limit it fails
+/// like a fetch outside memory: it counts in `cycle` and pauses.
 inline void executeDelaySlot() {
     MipsCpu.delaySlots += 1;
     if (MipsCpu.delaySlotDepth == maximumDelaySlotDepth) [[unlikely]] {
@@ -29,9 +29,9 @@ inline void executeDelaySlot() {
     MipsCpu.delaySlotDepth -= 1;
 }
 
-/// What a taken branch and every jump does once its trace line is written. The line is shown at once: the
-/// delay slot writes its own, which is shown twice, by its step and by the one that began with the branch.
-/// PC is the target in the end, whatever the delay slot made of it, unless that has stopped.
+/// Executes the delay slot and jumps, after the trace line of the branch has been written. That line is shown
+/// at once, because the delay slot replaces it; the line of the delay slot is shown twice, by its own step
+/// and by that of the branch. PC becomes the target whatever the delay slot did to it, unless that stopped.
 inline void jumpTo(u64 target) {
     if (tracing()) [[unlikely]] {
         showTraceLine();

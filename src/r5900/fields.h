@@ -1,4 +1,4 @@
-// The decoding of instruction words: one record of operands for each format, named as the fields are.
+// Decoding of instruction words: one record of operands per format, with the names of the fields.
 #pragma once
 
 #include "base/bits.h"
@@ -10,16 +10,16 @@ constexpr u8 field(u32 word, unsigned first, unsigned count) {
     return static_cast<u8>(bits(word, first, count));
 }
 
-/// A general-purpose register as an operand. It is kept as the register's offset in MipsCpu.GPR in
-/// doublewords, which the host's addressing scales for nothing.
+/// A general-purpose register operand, stored as its offset in MipsCpu.GPR in doublewords: x86 addressing
+/// scales by 8 at no cost, but not by 16.
 struct Gpr {
     u8 doublewords;
     constexpr u8 number() const { return doublewords / 2; }
     static constexpr Gpr numbered(u8 number) { return {static_cast<u8>(number * 2)}; }
 };
 
-/// The three register numbers in their usual places, and the 16-bit immediate. The floating-point and
-/// memory formats give the same bits other names.
+/// The three register numbers in their usual positions, and the 16-bit immediate. Floating-point and memory
+/// formats use other names for the same bits.
 constexpr u8 bits21To25(u32 word) { return field(word, 21, 5); }
 constexpr u8 bits16To20(u32 word) { return field(word, 16, 5); }
 constexpr u8 bits11To15(u32 word) { return field(word, 11, 5); }
@@ -37,13 +37,13 @@ constexpr u32 regimmCode(u32 word) { return bits(word, 16, 5); }
 constexpr u32 coprocessorCode(u32 word) { return bits(word, 21, 5); }
 constexpr u32 conditionBranchCode(u32 word) { return bits(word, 16, 2); }
 
-/// Of an instruction without operands.
+/// The format without operands.
 struct NoFields {
     static constexpr NoFields from(u32) { return {}; }
 };
 
-// Immediates and offsets stay raw here, as trace lines show them; the semantics extend them. `destination` is
-// the register that the format has for a result, whether or not the instruction writes it.
+// Immediates and offsets are raw, as in trace lines; the semantics extend them. `destination` is the result
+// register of the format, even if the instruction does not write it.
 
 struct ImmediateFields {
     Gpr rs, rt;

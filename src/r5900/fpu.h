@@ -21,8 +21,8 @@ static_assert(std::numeric_limits<f32>::is_iec559 && FLT_EVAL_METHOD == 0,
 /// The NaN that an invalid operation gives.
 inline constexpr u32 defaultNaN = 0xFFC00000;
 
-/// The NaN that an operation on `left` and `right` gives: the first operand that is one, made quiet. Said
-/// here and not left to the host, where it depends on how the compiler orders the operands.
+/// The NaN that an operation on `left` and `right` gives: the first operand that is a NaN, made quiet. Not
+/// left to the host, where it depends on the operand order that the compiler chooses.
 inline f32 resultingNaN(f32 left, f32 right) {
     constexpr u32 quiet = 0x00400000;
     if (std::isnan(left)) {
@@ -57,7 +57,7 @@ inline void NEG_S(FpuFields f) {
 
 // Moves.
 
-/// Copies both views, so that all 64 bits of an image that MTC1 made survive.
+/// Copies both views, because MTC1 leaves an image of 64 bits.
 inline void MOV_S(FpuFields f) {
     MipsCpu.FPR32[f.fd] = MipsCpu.FPR32[f.fs];
     MipsCpu.FPR128[f.fd].low = MipsCpu.FPR128[f.fs].low;
@@ -65,8 +65,8 @@ inline void MOV_S(FpuFields f) {
 
 inline void MTC1(FpuMoveFields f) { setFromImage(f.fs, gpr(f.rt)); }
 
-/// Intentional: moves the value converted to an integer, not the bits, and zero-extends it. With CVT_W_S,
-/// which leaves its integer as a value, compiled code's conversions come out right.
+/// Intentional: converts the value to an integer, zero-extended, instead of moving bits. Together with
+/// CVT_W_S, which leaves the integer as a value, compiled conversions give the right result.
 inline void MFC1(FpuMoveFields f) {
     const f32 value = MipsCpu.FPR32[f.fs];
     const bool fits = value > -0x1p63F && value < 0x1p63F;
@@ -75,7 +75,7 @@ inline void MFC1(FpuMoveFields f) {
 
 // Conversions.
 
-/// Truncates to a 32-bit integer and leaves that as a single-precision value.
+/// Truncates to a 32-bit integer, stored as a single-precision value.
 inline void CVT_W_S(FpuFields f) {
     const f32 value = MipsCpu.FPR32[f.fs];
     const bool fits = value >= -0x1p31F && value < 0x1p31F;

@@ -1,6 +1,6 @@
 // The complete processor's floating-point instructions.
 //
-// Registers hold bit images, in both views. The described processor's moves, loads and stores keep them so.
+// Both views of a register hold the same bit image. Moves, loads and stores of both processors keep it so.
 #pragma once
 
 #include "r5900/fpu_numbers.h"
@@ -14,7 +14,7 @@ namespace tarn::r5900 {
 
 inline u32 fpr(u8 number) { return std::bit_cast<u32>(MipsCpu.FPR32[number]); }
 
-/// Puts flags into FCR31 in place of those in `mask`, and into the sticky ones.
+/// Replaces the flags of FCR31 in `mask`, and adds the new ones to the sticky flags.
 inline void setFlags(u32 mask, u32 flags) {
     MipsCpu.FCR[31] = (MipsCpu.FCR[31] & ~u64{mask}) | flags | flags >> 11;
 }
@@ -33,7 +33,7 @@ inline void setAccumulator(Number result) {
     setFlags(rangeFlags, result.flags);
 }
 
-/// The accumulator with a product, which is truncated before it is added or subtracted.
+/// Adds a product to the accumulator, or subtracts it; the product is truncated first.
 template <Number (*combine)(u32, u32)>
 inline Number accumulatorWithProduct(FpuFields f) {
     const Number product = productOf(fpr(f.fs), fpr(f.ft));
@@ -53,7 +53,7 @@ inline void MULA_S(FpuFields f) { setAccumulator(productOf(fpr(f.fs), fpr(f.ft))
 inline void MADDA_S(FpuFields f) { setAccumulator(accumulatorWithProduct<sumOf>(f)); }
 inline void MSUBA_S(FpuFields f) { setAccumulator(accumulatorWithProduct<differenceOf>(f)); }
 
-// These clear the flags of range, although their results are always in it.
+// These clear the overflow and underflow flags.
 
 inline void ABS_S(FpuFields f) { setRegister(f.fd, {fpr(f.fs) & largestNumber}); }
 inline void NEG_S_complete(FpuFields f) { setRegister(f.fd, {fpr(f.fs) ^ signMask}); }
@@ -72,16 +72,16 @@ inline void setQuotient(u8 fd, Number result) {
 
 inline void DIV_S_complete(FpuFields f) { setQuotient(f.fd, quotientOf(fpr(f.fs), fpr(f.ft))); }
 
-/// The operand is ft. Assemblers that follow other processors write it to fs and leave ft 0.
+/// The operand is ft. Assemblers for other processors encode it in fs and leave ft 0.
 inline void SQRT_S(FpuFields f) { setQuotient(f.fd, rootOf(fpr(f.ft == 0 ? f.fs : f.ft))); }
 inline void RSQRT_S(FpuFields f) { setQuotient(f.fd, reciprocalRootOf(fpr(f.fs), fpr(f.ft))); }
 
-// Conversions, which leave all flags.
+// Conversions, which change no flags.
 
 inline void CVT_W_S_complete(FpuFields f) { setFromImage(f.fd, static_cast<u32>(integerOf(fpr(f.fs)))); }
 inline void CVT_S_complete(FpuFields f) { setFromImage(f.fd, truncated(static_cast<s32>(fpr(f.fs))).image); }
 
-// Comparisons. There is one condition only, so its number is no operand.
+// Comparisons. There is a single condition bit, so no operand selects one.
 
 template <typename Relation>
 inline void compareNumbers(FpuFields f, Relation relation) {
@@ -97,7 +97,7 @@ inline void C_OLE_S(FpuFields f) { compareNumbers(f, std::less_equal<s32>{}); }
 
 inline void MFC1_complete(FpuMoveFields f) { setWord(f.rt, fpr(f.fs)); }
 
-/// Control register 0 names the unit. In register 31 two bits are always set, and the flags can be written.
+/// Control register 0 identifies the unit. Register 31 has two bits that are always set, and writable flags.
 inline constexpr u32 fpuIdentification = 0x2E30;
 inline constexpr u32 fcr31Fixed = 0x01000001, fcr31Writable = 0x0083C078;
 

@@ -1,8 +1,8 @@
 // The arithmetic of the complete processor's floating-point unit, on bit images of its numbers.
 //
-// There are no infinities, NaNs and denormals: exponent 255 is one more ordinary exponent, and whatever has
-// exponent 0 is a zero with its sign. Results are truncated towards zero. What is too large becomes the
-// largest number, what is too small a zero, both with the sign of the result.
+// There are no infinities, NaNs or denormals: exponent 255 is an ordinary exponent, and any number with
+// exponent 0 is a signed zero. Results are truncated towards zero. Overflow gives the largest number,
+// underflow gives zero, both with the sign of the result.
 #pragma once
 
 #include "base/types.h"
@@ -13,11 +13,11 @@
 
 namespace tarn::r5900 {
 
-/// Flags of FCR31, of the last operation; the sticky ones, which only CTC1 clears, are 11 bits below.
+/// Flags of FCR31 for the last operation; the sticky ones, which only CTC1 clears, are 11 bits lower.
 inline constexpr u32 flagInvalid = 1 << 17, flagDivision = 1 << 16, flagOverflow = 1 << 15,
                      flagUnderflow = 1 << 14;
 
-/// A result, and the flags that it sets.
+/// A result and the flags it sets.
 struct Number {
     u32 image;
     u32 flags = 0;
@@ -29,9 +29,9 @@ inline constexpr u32 largestNumber = 0x7FFFFFFF;
 constexpr u32 exponentOf(u32 image) { return image >> 23 & 0xFF; }
 constexpr bool isZero(u32 image) { return exponentOf(image) == 0; }
 
-// Double precision holds every number, and every sum of two with exponents that are not too far apart, every
-// product, exactly. Its quotients and roots of two numbers are rounded, but not up to the next number of 24
-// bits: that is further away, by 2^-48 of it at least. So truncating them to 24 bits gives exact results.
+// Double precision represents all numbers exactly, all products, and all sums of two numbers whose exponents
+// are close enough. Its quotients and roots are rounded, but never up to a number of 24 bits: exact results
+// are at least 2^-48 (relative) away from one. So truncating to 24 bits gives exactly truncated results.
 
 inline constexpr unsigned doubleFraction = 52, numberFraction = 23;
 inline constexpr u64 biasDifference = 1023 - 127;
@@ -66,7 +66,7 @@ constexpr Number sumOf(u32 left, u32 right) {
     if (exponentOf(left) - exponentOf(right) <= 26) [[likely]] {
         return truncated(widened(left) + widened(right));
     }
-    // The smaller one is less than an eighth of the last bit of the other.
+    // The smaller operand is less than 1/8 of the last bit of the larger one.
     const bool reduces = !isZero(right) && ((left ^ right) & signMask) != 0;
     return {reduces ? left - 1 : left};
 }
@@ -75,7 +75,7 @@ constexpr Number differenceOf(u32 left, u32 right) { return sumOf(left, right ^ 
 
 constexpr Number productOf(u32 left, u32 right) { return truncated(widened(left) * widened(right)); }
 
-/// What a division by zero gives.
+/// The result of a division by zero.
 constexpr Number dividedByZero(u32 dividend, u32 divisor, u32 flags) {
     return {((dividend ^ divisor) & signMask) | largestNumber, flags};
 }
@@ -88,7 +88,7 @@ constexpr Number quotientOf(u32 left, u32 right) {
     return {truncated(widened(left) / widened(right)).image};
 }
 
-/// The root of a negative number is that of its magnitude, that of -0 is -0.
+/// The root of a negative number is the root of its magnitude; the root of -0 is -0.
 inline Number rootOf(u32 image) {
     if (isZero(image)) {
         return {image & signMask};
@@ -97,8 +97,8 @@ inline Number rootOf(u32 image) {
             (image & signMask) != 0 ? flagInvalid : 0};
 }
 
-/// left / sqrt(right), which double precision alone does not decide: with q a result of 24 bits, q squared
-/// times `right` is compared exactly with `left` squared.
+/// left / sqrt(right). Double precision is not enough here: for a candidate q of 24 bits, q squared times
+/// `right` is compared exactly with `left` squared.
 inline Number reciprocalRootOf(u32 left, u32 right) {
     if (isZero(right)) {
         return dividedByZero(left, right, flagDivision);
@@ -120,7 +120,7 @@ inline Number reciprocalRootOf(u32 left, u32 right) {
             (right & signMask) != 0 ? flagInvalid : 0};
 }
 
-/// The integer towards zero, or the nearest that 32 bits hold.
+/// Truncates to an integer, saturated to 32 bits.
 constexpr s32 integerOf(u32 image) {
     const double value = widened(image);
     if (value >= 0x1p31 || value < -0x1p31) {
@@ -129,12 +129,12 @@ constexpr s32 integerOf(u32 image) {
     return static_cast<s32>(value);
 }
 
-/// Numbers in their order as signed integers: sign and magnitude, -0 below 0.
+/// Maps numbers to integers of the same order (sign and magnitude); -0 is below 0.
 constexpr s32 ordered(u32 image) {
     return static_cast<s32>((image & signMask) != 0 ? image ^ largestNumber : image);
 }
 
-/// The same for comparisons, where all zeros are equal.
+/// The same, with all zeros equal.
 constexpr s32 comparable(u32 image) { return isZero(image) ? 0 : ordered(image); }
 
 }  // namespace tarn::r5900

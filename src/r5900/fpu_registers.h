@@ -1,4 +1,4 @@
-// The two views of the floating-point registers, bit image and value, and how they are kept in step; the
+// The two views of the floating-point registers, bit image and value, and how they are kept consistent; the
 // condition bit.
 #pragma once
 
@@ -6,13 +6,13 @@
 
 namespace tarn::r5900 {
 
-/// Writes the bit image of a register and takes its value from it.
+/// Writes the bit image of a register and updates its value.
 inline void setFromImage(u8 number, u64 image) {
     MipsCpu.FPR128[number].low = image;
     MipsCpu.FPR32[number] = MipsCpu.FPR128Ptr(number);
 }
 
-/// Writes the value of a register and refreshes its bit image.
+/// Writes the value of a register and updates its bit image.
 inline void setValue(u8 number, f32 value) {
     MipsCpu.FPR32[number] = value;
     MipsCpu.FPR128[number].low = MipsCpu.FPR32Ptr(number);

@@ -1,6 +1,6 @@
-// The form of the list of instructions. The rows are in integer_list.h, fpu_list.h and multimedia_list.h; the
-// dispatch tables, the mnemonic tables and everything that is known of an instruction word are made from
-// them, once for the described processor and once for the complete one.
+// The row type of the instruction list. The rows are in integer_list.h, fpu_list.h and multimedia_list.h; the
+// dispatch tables, the mnemonic tables and all queries about an instruction word are generated from them,
+// once for the described processor and once for the complete one.
 #pragma once
 
 #include "r5900/fields.h"
@@ -9,7 +9,7 @@
 
 namespace tarn::r5900 {
 
-/// The dispatch tables, each named by what leads to it.
+/// The dispatch tables, named after the entry that leads to them.
 enum class Table : u8 {
     Normal,
     Special,
@@ -31,7 +31,7 @@ enum class Table : u8 {
 };
 inline constexpr std::size_t tableCount = 17;
 
-/// The field of a word that is the index in the table.
+/// The index of a word in a table.
 constexpr u32 indexIn(Table table, u32 word) {
     switch (table) {
     case Table::Normal:
@@ -56,13 +56,13 @@ constexpr u32 indexIn(Table table, u32 word) {
 
 enum class Processors : u8 { Both, Described, Complete };
 
-/// A place of a table, or several in a row: a name, and what is there. Where the processors differ, a row
-/// names the operation of each, or has a row of the other kind next to it.
+/// One entry of a table, or a range of entries: name, trace line and operation. Where the processors differ,
+/// a row names both operations, or the next row is for the other processor.
 struct Row {
     Table table;
     u8 first, last;
     const char* mnemonic;
-    TraceLine line;                        ///< none: the line before is shown again
+    TraceLine line;                        ///< none: the previous line is shown again
     const Operation* described = nullptr;  ///< null where another table decides
     const Operation* complete = nullptr;
     Table next{};

@@ -32,7 +32,7 @@ inline void DADDIU(ImmediateFields f) { setDoubleword(f.rt, gpr(f.rs) + signExte
 
 // Three registers: rd from rs and rt.
 
-/// Writes the exact sum or difference of two words, or says that it overflowed and leaves rd as it is.
+/// Writes the exact sum or difference of two words. On overflow prints a message and leaves rd unchanged.
 inline void setCheckedWord(Gpr rd, s64 exact, const char* message) {
     if (exact != signedWord(static_cast<u64>(exact))) {
         printDiagnostic("%s", message);
@@ -66,7 +66,7 @@ inline void SLTU(RegisterFields f) { setDoubleword(f.rd, gpr(f.rs) < gpr(f.rt));
 
 inline void DADDU(RegisterFields f) { setDoubleword(f.rd, gpr(f.rs) + gpr(f.rt)); }
 
-/// Reports a signed overflow, and writes the difference all the same.
+/// Reports a signed overflow, and writes the difference anyway.
 inline void DSUBU(RegisterFields f) {
     const u64 minuend = gpr(f.rs);
     const u64 subtrahend = gpr(f.rt);
@@ -95,7 +95,7 @@ constexpr u64 shiftWordLeft(u64 value, unsigned amount) { return value << amount
 
 constexpr u64 shiftWordRight(u64 value, unsigned amount) { return static_cast<u32>(value) >> amount; }
 
-/// Shifts copies of a set sign bit in. Intentional: with the sign bit clear, bits 32 and up shift in.
+/// Shifts in copies of bit 31 if it is set. Intentional: if it is clear, bits 32 and up shift in.
 constexpr u64 shiftWordRightArithmetic(u64 value, unsigned amount) {
     return (bit(value, 31) != 0 ? signExtend32(value) : value) >> amount;
 }

@@ -1,5 +1,5 @@
-// The integer instructions that only the complete processor has, those in which it differs, and the
-// conditions under which it stops: overflows and traps.
+// Integer instructions that only the complete processor has or that differ there, and the conditions under
+// which it stops: overflows and traps.
 #pragma once
 
 #include "r5900/integer.h"
@@ -14,7 +14,7 @@ inline void SLT_complete(RegisterFields f) {
 
 inline void DSUBU_complete(RegisterFields f) { setDoubleword(f.rd, gpr(f.rs) - gpr(f.rt)); }
 
-// Overflows. Without one, ADD is ADDU, and so on.
+// Overflow conditions. Without overflow ADD is ADDU, and so on.
 
 constexpr bool exceedsWord(s64 exact) { return exact != signedWord(static_cast<u64>(exact)); }
 
@@ -40,7 +40,7 @@ inline bool overflowOfDSUB(RegisterFields f) {
     return __builtin_sub_overflow(static_cast<s64>(gpr(f.rs)), static_cast<s64>(gpr(f.rt)), &difference);
 }
 
-// Traps: whether they are taken.
+// Trap conditions.
 
 inline s64 signedGpr(Gpr reg) { return static_cast<s64>(gpr(reg)); }
 
@@ -60,7 +60,7 @@ inline bool TLTIU(ImmediateFields f) { return gpr(f.rs) < signExtend16(f.imm); }
 
 // Shifts.
 
-/// Shifts copies of bit 31 in, whatever the upper word is.
+/// Shifts in copies of bit 31 and ignores the upper word.
 constexpr u64 shiftWordRightArithmetic_complete(u64 value, unsigned amount) {
     return signExtend32(value) >> amount;
 }

@@ -9,7 +9,7 @@ namespace tarn {
 /// The mnemonic of an instruction word as the tables name it ("ADDIU", "C_EQ_S", "NI").
 const char* mnemonicOf(u32 word);
 
-/// Whether the tables have a handler for an instruction word that does not stop the CPU.
+/// Whether the processor implements an instruction word.
 bool isImplemented(u32 word);
 
 /// Sends the 34 register lines (r0 to ra, hi, lo) to the CpuRegisters pane.

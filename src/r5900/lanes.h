@@ -1,4 +1,4 @@
-// The 128-bit registers as vectors of lanes, and how instructions compute on them lane by lane.
+// 128-bit registers as vectors of lanes, and helpers that compute lane by lane.
 #pragma once
 
 #include "r5900/registers.h"
@@ -10,7 +10,7 @@
 
 namespace tarn::r5900 {
 
-/// A quadword as lanes of one type. Lane 0 holds the lowest bits.
+/// A quadword as lanes of one type; lane 0 is the least significant.
 template <typename Lane>
 using Lanes = std::array<Lane, 16 / sizeof(Lane)>;
 
@@ -49,7 +49,7 @@ inline void lanewiseUnary(Fields f, Operation operation) {
     setLanes(f.rd, lanes);
 }
 
-/// The nearest value that a lane can hold.
+/// Saturates to the range of a lane.
 template <typename Lane, typename Wide>
 constexpr Lane saturated(Wide value) {
     using Limits = std::numeric_limits<Lane>;

@@ -1,5 +1,5 @@
-// Loads and stores. Each goes through the memory map; one that fails there has paused the CPU, and
-// the instruction still completes with whatever its destination holds.
+// Loads and stores through the memory map. An access that fails there pauses the CPU, and the instruction
+// completes with the old value of its destination.
 #pragma once
 
 #include "memory/memory.h"
@@ -17,7 +17,7 @@ inline u32 addressOf(Fields f) {
 
 // Loads.
 
-/// Reads at base + offset. A load may use its destination as base: the address is formed first.
+/// Reads at base + offset. The destination may be the base: the address is computed first.
 template <typename Fields>
 inline void readAt(GuestValue& destination, Width width, Fields f) {
     MipsMemoryRead(&destination, width, gpr(f.base), static_cast<s16>(f.offset));
@@ -59,8 +59,8 @@ inline void LD(MemoryFields f) { loadRegister(Width::Doubleword, f); }
 
 inline void LQ(MemoryFields f) { loadRegister(Width::Quadword, f); }
 
-// Intentional: the left and right forms do not look at the alignment of the address. The idiom for an
-// unaligned doubleword, LDL at 7 and LDR at 0, works all the same, because LDR reads at any address.
+// Intentional: the left and right forms ignore the alignment of the address. The idiom for an unaligned
+// doubleword, LDL at offset 7 and LDR at 0, still works, because LDR reads at any address.
 
 inline void LDL(MemoryFields f) { loadRegister(Width::HighDoubleword, f); }
 
@@ -102,7 +102,7 @@ inline void SDL(MemoryFields f) { storeRegister(Width::HighDoubleword, f); }
 
 inline void SDR(MemoryFields f) { SD(f); }
 
-/// Intentional: stores a whole word, whose other half is zero; so does SWR.
+/// Intentional: stores a whole word whose other half is zero, like SWR.
 inline void SWL(MemoryFields f) { writeAt({gpr(f.rt) & 0xFFFF0000, 0}, Width::Word, f); }
 
 inline void SWR(MemoryFields f) { writeAt({gpr(f.rt) & 0x0000FFFF, 0}, Width::Word, f); }

@@ -1,18 +1,18 @@
-// The complete processor's loads and stores that take part of a word or doubleword, or ignore the low bits of
-// the address; and the alignment that the others ask for.
+// The complete processor's unaligned loads and stores, and those of quadwords; the alignment check of all
+// others.
 #pragma once
 
 #include "r5900/loadstore.h"
 
 namespace tarn::r5900 {
 
-/// Whether an access of this width is not aligned, and stops.
+/// Whether an access of this width is not aligned and must stop.
 template <Width width, class Fields>
 inline bool isUnaligned(Fields f) {
     return (gpr(f.base) + signExtend16(f.offset)) % bytesOf(width) != 0;
 }
 
-// Quadwords: the low four bits of the address do not count.
+// Quadwords: the low four bits of the address are ignored.
 
 inline u64 quadwordAddress(MemoryFields f) { return (gpr(f.base) + signExtend16(f.offset)) & ~u64{15}; }
 
@@ -24,9 +24,9 @@ inline void SQ_complete(MemoryFields f) {
 }
 
 // The left and right forms. Left: the bytes from the start of the aligned word up to the address are the
-// upper bytes of the register's word. Right: those from the address to the end are the lower ones.
+// upper bytes of the register. Right: the bytes from the address to its end are the lower bytes.
 
-/// The aligned word or doubleword around an address, and which of its bits the access is about.
+/// The aligned word or doubleword around an address, and the shifts between it and the register.
 template <typename Word>
 struct Surrounding {
     static constexpr Width width = sizeof(Word) == 4 ? Width::Word : Width::Doubleword;

@@ -1,4 +1,4 @@
-// Multiplications and divisions and the moves from HI and LO.
+// Multiplications, divisions, and the moves from HI and LO.
 #pragma once
 
 #include "r5900/fields.h"
@@ -6,7 +6,7 @@
 
 namespace tarn::r5900 {
 
-/// LO, HI and, as this processor's third operand, rd: the low half of the product once more. rd may be r0.
+/// Writes LO, HI and, as on this processor, a third operand: rd gets the low half too. rd may be r0.
 inline void MULT(RegisterFields f) {
     const auto product = static_cast<u64>(s64{signedWord(gpr(f.rs))} * signedWord(gpr(f.rt)));
     setWord(MipsCpu.LO, product);
@@ -14,8 +14,8 @@ inline void MULT(RegisterFields f) {
     setDoubleword(f.rd, MipsCpu.LO.low);
 }
 
-/// The multiplication of the second pipeline, which has the upper halves of LO and HI for itself.
-/// Intentional: unsigned, with whole products, and HI1 takes the product of the operands' upper words.
+/// The multiplication of the second pipeline, which uses the upper halves of LO and HI.
+/// Intentional: unsigned, with 64-bit products; HI1 gets the product of the upper words of the operands.
 inline void MULT1(RegisterFields f) {
     const u64 left = gpr(f.rs);
     const u64 right = gpr(f.rt);
@@ -31,8 +31,8 @@ inline void DMULTU(RegisterFields f) {
     setDoubleword(f.rd, MipsCpu.LO.low);
 }
 
-/// A division by zero gives the dividend as remainder and a quotient of 1 or -1, of the sign opposite to
-/// the dividend's. The one quotient that overflows, -2^31 / -1, wraps: this is what the processor does.
+/// As on the hardware: a division by zero gives the dividend as remainder, and as quotient 1 for a negative
+/// dividend, otherwise -1. The only quotient that overflows, -2^31 / -1, wraps.
 inline void DIV(RegisterFields f) {
     const s64 dividend = signedWord(gpr(f.rs));
     const s64 divisor = signedWord(gpr(f.rt));
@@ -43,7 +43,7 @@ inline void DIV(RegisterFields f) {
 }
 
 /// Both results are sign-extended, although they are unsigned. A division by zero gives a quotient of all
-/// ones, and the dividend as remainder.
+/// ones and the dividend as remainder.
 inline void DIVU(RegisterFields f) {
     const auto dividend = static_cast<u32>(gpr(f.rs));
     const auto divisor = static_cast<u32>(gpr(f.rt));

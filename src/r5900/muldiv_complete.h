@@ -1,7 +1,7 @@
 // The complete processor's scalar multiplications and divisions, in both pipelines.
 //
-// LO and HI of the second pipeline are the upper halves of the registers. All results are sign-extended
-// words, those of unsigned operations too.
+// LO1 and HI1, of the second pipeline, are the upper halves of the registers. All results are sign-extended
+// words, even those of unsigned operations.
 #pragma once
 
 #include "r5900/registers.h"
@@ -26,20 +26,20 @@ inline void setHiLo(u64 lo, u64 hi) {
     Pipeline::hi() = signExtend32(hi);
 }
 
-/// The number of 64 bits whose halves are the low words of HI and LO.
+/// The 64-bit number in the low words of HI and LO.
 template <typename Pipeline>
 inline u64 accumulated() {
     return Pipeline::hi() << 32 | static_cast<u32>(Pipeline::lo());
 }
 
-/// The product of two words of a type.
+/// The 64-bit product of two words.
 template <typename Word>
 constexpr u64 wordProduct(u64 left, u64 right) {
     using Product = std::conditional_t<std::is_signed_v<Word>, s64, u64>;
     return static_cast<u64>(Product{static_cast<Word>(left)} * static_cast<Word>(right));
 }
 
-/// Leaves 64 bits in HI and LO, and what LO gets in rd too.
+/// Writes 64 bits to HI and LO, and LO to rd.
 template <typename Pipeline>
 inline void setProduct(Gpr rd, u64 product) {
     setHiLo<Pipeline>(product, product >> 32);
@@ -69,8 +69,8 @@ struct Division {
     u64 quotient, remainder;
 };
 
-/// A division by zero gives the dividend as remainder and a quotient of all ones, or of 1 when the dividend
-/// is negative. The one quotient that overflows, -2^31 / -1, wraps.
+/// A division by zero gives the dividend as remainder, and as quotient 1 for a negative dividend, otherwise
+/// all ones. The only quotient that overflows, -2^31 / -1, wraps.
 template <typename Word>
 constexpr Division divided(Word dividend, Word divisor) {
     const auto wide = [](Word value) { return static_cast<u64>(s64{static_cast<s32>(value)}); };

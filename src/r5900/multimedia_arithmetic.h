@@ -1,4 +1,4 @@
-// The parallel instructions that compute each lane from the same lanes of their operands: sums, differences,
+// Parallel instructions that compute each lane from the same lanes of their operands: sums, differences,
 // comparisons, logic and shifts.
 #pragma once
 
@@ -38,7 +38,7 @@ inline void PADSBH(RegisterFields f) {
 
 // Sums and differences that saturate, of signed and of unsigned lanes.
 
-/// A type that holds every sum and difference of two lanes.
+/// A type in which sums and differences of two lanes do not overflow.
 template <typename Lane>
 using Exact = std::conditional_t<sizeof(Lane) < 4, s32, s64>;
 
@@ -67,7 +67,7 @@ inline void PSUBUW(RegisterFields f) { subtractSaturated<u32>(f); }
 
 // Absolute values, minima and maxima, of signed lanes.
 
-/// The most negative value has no positive counterpart: it saturates.
+/// The most negative value saturates.
 template <typename Lane>
 inline void absoluteLanes(RegisterFields f) {
     lanewiseUnary<Lane>(f, [](Exact<Lane> value) { return saturated<Lane>(value < 0 ? -value : value); });
@@ -90,7 +90,7 @@ inline void PMAXW(RegisterFields f) { greaterLanes<s32>(f); }
 inline void PMINH(RegisterFields f) { smallerLanes<s16>(f); }
 inline void PMINW(RegisterFields f) { smallerLanes<s32>(f); }
 
-// Comparisons: all ones where they hold, else 0.
+// Comparisons: all ones if true, otherwise 0.
 
 template <typename Lane>
 inline void compareGreater(RegisterFields f) {
@@ -123,7 +123,7 @@ inline void PNOR(RegisterFields f) {
     lanewise<u64>(f, [](u64 left, u64 right) { return ~(left | right); });
 }
 
-// Shifts by an immediate amount. Those of halfwords use the low four bits of it.
+// Shifts by an immediate amount, of which halfwords use the low four bits.
 
 template <typename Lane>
 constexpr unsigned laneShift(ShiftFields f) {
@@ -146,7 +146,7 @@ inline void PSRLW(ShiftFields f) { shiftLanesRight<u32>(f); }
 inline void PSRAH(ShiftFields f) { shiftLanesRight<s16>(f); }
 inline void PSRAW(ShiftFields f) { shiftLanesRight<s32>(f); }
 
-// Shifts by amounts from a register: the lower word of each doubleword of rt, by that of rs. The result is
+// Variable shifts of the lower word of each doubleword of rt, by the lower word of that of rs. The result is
 // sign-extended to the doubleword.
 
 template <typename Word, typename Operation>

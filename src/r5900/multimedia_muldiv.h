@@ -1,4 +1,4 @@
-// The parallel multiplications and divisions, and the moves between HI, LO and the registers.
+// Parallel multiplications and divisions, and the moves between HI, LO and the registers.
 #pragma once
 
 #include "r5900/muldiv_complete.h"
@@ -14,10 +14,10 @@ inline void setHiLo(const Lanes<u32>& lo, const Lanes<u32>& hi) {
     MipsCpu.HI = std::bit_cast<GuestValue>(hi);
 }
 
-/// The lower word of each doubleword of LO and, above it, that of HI: as rd has all products.
+/// The even words of LO and HI, interleaved: what rd gets from all products.
 inline GuestValue evenWords() { return picked<u32, 0, 4, 2, 6>(MipsCpu.LO, MipsCpu.HI); }
 
-// Words: the lower one of each doubleword, the product going to that doubleword of HI and LO.
+// Words: the lower one of each doubleword; the product goes to the same doubleword of HI and LO.
 
 template <typename Word, typename Combine>
 inline void multiplyWords(RegisterFields f, Combine combine) {
@@ -30,7 +30,7 @@ inline void multiplyWords(RegisterFields f, Combine combine) {
     wholeGpr(f.rd) = evenWords();
 }
 
-// How a product goes into what HI and LO hold.
+// How a product is combined with the old contents of HI and LO.
 inline constexpr auto productOnly = [](auto, auto product) { return product; };
 inline constexpr auto sumWithProduct = [](auto sum, auto product) { return sum + product; };
 inline constexpr auto differenceFromProduct = [](auto sum, auto product) { return sum - product; };
@@ -72,7 +72,7 @@ inline void PMULTH(RegisterFields f) { multiplyHalfwords(f, productOnly); }
 inline void PMADDH(RegisterFields f) { multiplyHalfwords(f, sumWithProduct); }
 inline void PMSUBH(RegisterFields f) { multiplyHalfwords(f, differenceFromProduct); }
 
-/// Two neighbouring products make one word. The odd words of HI and LO stay.
+/// Combines two neighbouring products into one word. The odd words of HI and LO are unchanged.
 template <typename Combine>
 inline void combineNeighbours(RegisterFields f, Combine combine) {
     const auto products = halfwordProducts(f);
@@ -102,7 +102,7 @@ inline void divideWords(RegisterFields f) {
 inline void PDIVW(RegisterFields f) { divideWords<s32>(f); }
 inline void PDIVUW(RegisterFields f) { divideWords<u32>(f); }
 
-/// Each word of rs by the lowest halfword of rt.
+/// Divides each word of rs by the lowest halfword of rt.
 inline void PDIVBW(RegisterFields f) {
     const auto dividends = lanesOf<s32>(f.rs);
     const auto divisor = static_cast<s16>(gpr(f.rt));
@@ -123,7 +123,7 @@ inline void PMFLO(RegisterFields f) { wholeGpr(f.rd) = MipsCpu.LO; }
 inline void PMTHI(RegisterFields f) { MipsCpu.HI = wholeGpr(f.rs); }
 inline void PMTLO(RegisterFields f) { MipsCpu.LO = wholeGpr(f.rs); }
 
-// Moves of lanes of HI and LO: even words, odd words, even halfwords; or saturated numbers.
+// Moves from lanes of HI and LO: even words, odd words, even halfwords, or saturated numbers.
 
 inline void PMFHL_LW(RegisterFields f) { wholeGpr(f.rd) = evenWords(); }
 inline void PMFHL_UW(RegisterFields f) { wholeGpr(f.rd) = picked<u32, 1, 5, 3, 7>(MipsCpu.LO, MipsCpu.HI); }
@@ -131,7 +131,7 @@ inline void PMFHL_LH(RegisterFields f) {
     wholeGpr(f.rd) = picked<u16, 0, 2, 8, 10, 4, 6, 12, 14>(MipsCpu.LO, MipsCpu.HI);
 }
 
-/// Each 64-bit number that HI and LO make, as a sign-extended word.
+/// Each 64-bit number in HI and LO, saturated to a word and sign-extended.
 inline void PMFHL_SLW(RegisterFields f) {
     const auto word = [](u64 number) {
         return static_cast<u64>(s64{saturated<s32>(static_cast<s64>(number))});
@@ -139,7 +139,7 @@ inline void PMFHL_SLW(RegisterFields f) {
     wholeGpr(f.rd) = {word(accumulated<FirstPipeline>()), word(accumulated<SecondPipeline>())};
 }
 
-/// All words, as halfwords.
+/// All words, saturated to halfwords.
 inline void PMFHL_SH(RegisterFields f) {
     const auto lo = lanesOf<s32>(MipsCpu.LO);
     const auto hi = lanesOf<s32>(MipsCpu.HI);
@@ -152,7 +152,7 @@ inline void PMFHL_SH(RegisterFields f) {
     setLanes(f.rd, results);
 }
 
-/// The words of rs into the even words of LO and HI in turn. The odd words stay.
+/// The words of rs go alternately to the even words of LO and HI. The odd words are unchanged.
 inline void PMTHL_LW(RegisterFields f) {
     const GuestValue& words = wholeGpr(f.rs);
     MipsCpu.LO = picked<u32, 4, 1, 6, 3>(MipsCpu.LO, words);

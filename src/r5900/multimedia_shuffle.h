@@ -1,5 +1,5 @@
-// The parallel instructions that move lanes about: extending, packing, interleaving, exchanging and copying,
-// the funnel shift and its register SA, and the counting of sign bits.
+// Parallel instructions that rearrange lanes: extending, packing, interleaving, exchanging and copying; the
+// funnel shift and its register SA, and the counting of sign bits.
 #pragma once
 
 #include "r5900/lanes.h"
@@ -8,8 +8,8 @@
 
 namespace tarn::r5900 {
 
-// Each result lane is one of the lanes of two quadwords, counted through both: `first` holds the lower
-// numbers.
+// Each result lane is a lane of one of two quadwords. Lane numbers count through both, those of `first`
+// come first.
 
 template <typename Lane>
 using Vector [[gnu::vector_size(16)]] = Lane;
@@ -21,13 +21,13 @@ inline GuestValue picked(const GuestValue& first, const GuestValue& second) {
                                                              std::bit_cast<Vector<Lane>>(second), from...));
 }
 
-/// rd from the lanes of rt and, numbered on, of rs.
+/// rd from the lanes of rt and, with higher numbers, rs.
 template <typename Lane, int... from>
 inline void pick(RegisterFields f) {
     wholeGpr(f.rd) = picked<Lane, from...>(wholeGpr(f.rt), wholeGpr(f.rs));
 }
 
-// Lower or upper halves, lane by lane in turn; and the even lanes of both.
+// Lower or upper halves, interleaved; and the even lanes of both.
 
 inline void PEXTLB(RegisterFields f) { pick<u8, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23>(f); }
 inline void PEXTLH(RegisterFields f) { pick<u16, 0, 8, 1, 9, 2, 10, 3, 11>(f); }
@@ -60,7 +60,7 @@ inline void PEXEW(RegisterFields f) { pick<u32, 2, 1, 0, 3>(f); }
 inline void PREVH(RegisterFields f) { pick<u16, 3, 2, 1, 0, 7, 6, 5, 4>(f); }
 inline void PROT3W(RegisterFields f) { pick<u32, 1, 2, 0, 3>(f); }
 
-// Colours of 1, 5, 5 and 5 bits, one in the lower half of each word, to and from four bytes.
+// Conversion between 16-bit colours (1-5-5-5), in the lower half of each word, and 32-bit colours.
 
 inline void PEXT5(RegisterFields f) {
     lanewiseUnary<u32>(f, [](u32 colour) {
@@ -75,7 +75,7 @@ inline void PPAC5(RegisterFields f) {
     });
 }
 
-/// How many bits below the sign bit equal it, in each word of the lower doubleword. The upper one stays.
+/// Counts the bits below the sign bit that equal it, in both words of the lower doubleword.
 inline void PLZCW(RegisterFields f) {
     const auto words = lanesOf<u32>(f.rs);
     auto results = lanesOf<u32>(f.rd);
@@ -86,7 +86,7 @@ inline void PLZCW(RegisterFields f) {
     setLanes(f.rd, results);
 }
 
-// The funnel shift: 16 bytes of the 32 of rs and rt, from byte number SA of rt on.
+// The funnel shift: 16 of the 32 bytes of rs and rt, starting with byte SA of rt.
 
 inline void QFSRV(RegisterFields f) {
     std::array<GuestValue, 3> bytes{wholeGpr(f.rt), wholeGpr(f.rs), {}};
@@ -97,7 +97,7 @@ inline void QFSRV(RegisterFields f) {
 inline void MFSA(RegisterFields f) { setDoubleword(f.rd, MipsCpu.SA); }
 inline void MTSA(RegisterFields f) { MipsCpu.SA = gpr(f.rs); }
 
-/// An amount in bytes and one in halfwords, of which the register or the immediate usually is 0.
+/// Shift amounts in bytes and in halfwords. Usually either the register or the immediate is 0.
 inline void MTSAB(ImmediateFields f) { MipsCpu.SA = (gpr(f.rs) ^ f.imm) % 16; }
 inline void MTSAH(ImmediateFields f) { MipsCpu.SA = (gpr(f.rs) ^ f.imm) % 8 * 2; }
 

@@ -1,5 +1,5 @@
-// Runs that tell an observer which way the program goes. They differ in what decoded branches do, so that
-// other runs have nothing to ask.
+// Runs with a branch observer. Only the routines of decoded branches differ, so that runs without one pay
+// nothing.
 #pragma once
 
 #include "r5900/branch_observer.h"
@@ -7,10 +7,10 @@
 
 namespace tarn::r5900 {
 
-/// Who observes, or null.
+/// The attached observer, or null.
 extern const BranchObserver* branchObserver;
 
-/// Puts the observer in front of what a decoded branch or jump does.
+/// Makes a decoded branch or jump call the observer first.
 void observe(DecodedInstruction& instruction);
 
 }  // namespace tarn::r5900

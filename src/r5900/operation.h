@@ -1,4 +1,4 @@
-// What an instruction is: one record for all who ask, whether they run it or watch it.
+// The description of an instruction: one record for both execution and observers.
 #pragma once
 
 #include "base/types.h"
@@ -11,22 +11,22 @@ namespace tarn::r5900 {
 
 enum class Kind : u8 {
     Stop,         ///< not implemented: pauses the CPU
-    Computation,  ///< changes registers, and nothing else
+    Computation,  ///< changes only registers
     Load,
     Store,
     Branch,
-    BranchLikely,  ///< skips its delay slot when it is not taken
+    BranchLikely,  ///< skips its delay slot if not taken
     Jump,
     System,  ///< anything else; ends a run
 };
 
-/// What an instruction does. The functions take its word, and the registers as they are.
+/// What an instruction does. The functions take its word and read the current registers.
 struct Operation {
     Kind kind = Kind::Stop;
     Handler step = NI;
     Routines routines;
 
-    /// For the complete processor: whether the result goes to r0, and how the instruction is run then.
+    /// For the complete processor: whether the destination is r0, and the routines for that case.
     bool (*namesR0)(u32 word) = [](u32) { return false; };
     Routines routinesIntoR0{};
 
@@ -38,17 +38,17 @@ struct Operation {
     u32 (*address)(u32 word) = nullptr;
 
     // Branches and jumps.
-    bool (*leaves)(u32 word) = nullptr;  ///< whether it goes to its target now; links
+    bool (*leaves)(u32 word) = nullptr;  ///< whether it is taken now; links
     bool links = false;
 
     bool accessesMemory() const { return kind == Kind::Load || kind == Kind::Store; }
     bool hasDelaySlot() const { return leaves != nullptr; }
 };
 
-/// What the processor that runs does for an instruction word.
+/// The operation of an instruction word on the current processor.
 const Operation& operationOf(u32 word);
 
-/// Chooses the processor that runs: the described one, or the complete R5900. For the time between runs.
+/// Selects the described processor or the complete R5900. Not to be called during a run.
 void chooseProcessor(bool complete);
 
 /// Whether a processor, chosen or not, implements an instruction word.

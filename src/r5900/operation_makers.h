@@ -1,4 +1,4 @@
-// Makes the records of operations from their semantics, for both processors.
+// Templates that derive operation records from semantics, for both processors.
 #pragma once
 
 #include "r5900/loadstore_complete.h"
@@ -8,7 +8,7 @@
 
 namespace tarn::r5900 {
 
-/// What an instruction is for the described processor and for the complete one.
+/// The operations of an instruction on the described processor and on the complete one.
 struct Operations {
     const Operation* described;
     const Operation* complete;
@@ -36,7 +36,7 @@ bool pausesOnCondition(u32 word) {
     return namesOtherCondition(Fields::from(word));
 }
 
-/// What is said of a straight-line instruction, from the way it is run.
+/// The record of an instruction that is not a branch.
 template <typename Decoded>
 constexpr Operation straightOperation(Kind kind, Handler step) {
     using Fields = typename Decoded::Fields;
@@ -52,7 +52,7 @@ template <auto semantics>
 inline constexpr Operation computation = straightOperation<Computation<semantics>>(Kind::Computation,
                                                                                    stepStraight<semantics>);
 
-/// A computation that stops, with nothing changed, where `stops` says so.
+/// A computation that stops without changing anything if `stops` is true.
 template <auto semantics, auto stops, Stop reason>
 inline constexpr Operation unlessStopped = straightOperation<UnlessStopped<semantics, stops>>(
     Kind::Computation, stepUnlessStopped<semantics, stops, reason>);
@@ -64,12 +64,12 @@ void nothing(Fields) {}
 template <auto condition>
 inline constexpr const Operation& trapIf = unlessStopped<nothing<FieldsOf<condition>>, condition, Stop::Trap>;
 
-/// What touches more than registers is left to single steps.
+/// Instructions that change more than registers end a run.
 template <auto semantics>
 inline constexpr Operation system{
     .kind = Kind::System, .step = stepStraight<semantics>, .routines = plainRoutines};
 
-/// The kernel's handler moves PC, or leaves it and pauses.
+/// The kernel's handler advances PC, or leaves it and pauses.
 inline constexpr Operation systemCall{.kind = Kind::System, .step = SYSCALL, .routines = plainRoutines};
 
 // Loads and stores.
@@ -102,7 +102,7 @@ inline constexpr Operation
     surroundingAccess = accessOperation<SurroundingAccess<accessOf(kind), width, semantics>, width, width>(
         kind, stepStraight<semantics>);
 
-/// At any address for the described processor; the complete one asks for alignment.
+/// Unaligned addresses are valid on the described processor only.
 template <auto semantics, Width width>
 inline constexpr Operations load{anyAccess<Kind::Load, semantics, width>,
                                  alignedAccess<Kind::Load, semantics, width>};
@@ -110,7 +110,7 @@ template <auto semantics, Width width>
 inline constexpr Operations store{anyAccess<Kind::Store, semantics, width>,
                                   alignedAccess<Kind::Store, semantics, width>};
 
-/// The complete processor's variants that cover the aligned unit around their address.
+/// Accesses of the complete processor to the aligned unit around an address.
 template <auto semantics, Width width>
 inline constexpr const Operation& loadAround = surroundingAccess<Kind::Load, semantics, width>;
 template <auto semantics, Width width>
@@ -154,7 +154,7 @@ inline constexpr const Operation& jump = jumpOperation<targetOf, false>;
 template <auto targetOf>
 inline constexpr const Operation& jumpAndLink = jumpOperation<targetOf, true>;
 
-/// Into r0 it is JR.
+/// With rd = r0 it is JR.
 inline constexpr Operation jumpAndLinkComplete{.kind = Kind::Jump,
                                                .step = stepJump<JALR_complete>,
                                                .routines = jumpRoutines<JALR>,

@@ -1,5 +1,5 @@
-// Pairs. The instructions that most code consists of have a routine for every two of them in a row, which
-// saves the way from one to the next. Stores come second only: they might change the one behind them.
+// Pairs. Each combination of two common instructions has a routine of its own, which saves a dispatch. Stores
+// are only second in a pair: they might overwrite their successor.
 #include "r5900/pairs.h"
 
 #include "r5900/integer_complete.h"
@@ -16,14 +16,14 @@ namespace {
 template <typename... Operations>
 struct List {};
 
-/// The instructions on which both processors agree.
+/// Common instructions that are the same on both processors.
 template <typename... Operations>
 using WithCommon =
     List<NoOperation, Computation<ADDIU>, Computation<LUI>, Computation<ANDI>, Computation<ORI>,
          Computation<ADDU>, Computation<SUBU>, Computation<AND>, Computation<OR>, Computation<XOR>,
          Computation<DADDU>, Computation<SLTU>, Computation<SLL>, Computation<SRL>, Operations...>;
 
-/// What a processor executes often: first of two, and second only.
+/// Common instructions of a processor: those that can be first in a pair, and those that cannot.
 template <template <Access, Width, auto> typename MemoryAccess, auto slt, auto sra>
 struct Often {
     template <auto semantics, Width width>
@@ -40,7 +40,7 @@ struct Often {
 using OftenInDescribed = Often<MemoryAccess, SLT, SRA>;
 using OftenInComplete = Often<AlignedAccess, SLT_complete, SRA_complete>;
 
-/// Executes an instruction and the one behind it, which `First` must not be able to change.
+/// Executes two instructions; the first must not be able to overwrite the second.
 template <typename First, typename Second>
 [[gnu::flatten]] void runTwo(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots,
                              const u8* memory) {

@@ -1,11 +1,11 @@
-// Routines for two instructions in a row.
+// Routines for pairs of consecutive instructions.
 #pragma once
 
 #include "r5900/decode_cache.h"
 
 namespace tarn::r5900 {
 
-/// The routine that executes both of two instructions with these routines, or the first one's own.
+/// The routine that executes a pair of instructions with these routines; `first` if there is none.
 Routine pairOf(Routine first, Routine second);
 
 }  // namespace tarn::r5900

@@ -12,8 +12,8 @@ namespace tarn::r5900 {
 
 namespace {
 
-/// The longest run. Compilers turn the calls from routine to routine into jumps when they optimise; when they
-/// do not, this bounds the host's stack.
+/// The longest run. Optimising compilers turn the calls between routines into jumps; without optimisation
+/// this limit bounds the host's stack.
 constexpr u64 longestRun = 4096;
 
 }  // namespace

@@ -5,10 +5,10 @@
 
 namespace tarn::r5900 {
 
-/// What MipsRun does, over decoded instructions.
+/// The implementation of MipsRun on decoded instructions.
 u64 runDecoded(u64 limit);
 
-/// How MipsRun does it: chosen before a run, by who observes it.
+/// The current implementation, selected between runs.
 inline u64 (*runMethod)(u64 limit) = runDecoded;
 
 }  // namespace tarn::r5900

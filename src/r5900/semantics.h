@@ -1,22 +1,22 @@
-// How the semantics of an instruction are written, and what follows from their types.
+// Conventions for instruction semantics, and traits derived from their types.
 //
-// An instruction's semantics is a function of its decoded operands: it neither looks at the instruction word
-// nor moves PC, so that any way of running code can call it. What surrounds it in a single step is in
-// step_handlers.h, in a run of many in threaded_interpreter.h; instruction_list.h says which instruction
-// means what.
+// The semantics of an instruction is a function of its decoded operands. It does not use the instruction word
+// or PC, so that both ways of execution can call it: single steps (step_handlers.h) and runs of many steps
+// (threaded_interpreter.h). The lists (instruction_list.h) assign semantics to
+// instructions.
 #pragma once
 
 #include "r5900/fields.h"
 
 namespace tarn::r5900 {
 
-/// The operands' record, from the type of the semantics.
+/// The operand record of a semantics function.
 template <typename Fields, typename Result, typename... More>
 Fields fieldsOfFunction(Result (*)(Fields, More...));
 template <auto semantics>
 using FieldsOf = decltype(fieldsOfFunction(semantics));
 
-/// Whether a comparison or branch names another condition code than 0, which is the only one there is.
+/// Whether a comparison or branch uses a condition code other than 0, the only one there is.
 template <typename Fields>
 constexpr bool namesOtherCondition(const Fields& fields) {
     if constexpr (requires { fields.cc; }) {
@@ -28,7 +28,7 @@ constexpr bool namesOtherCondition(const Fields& fields) {
     }
 }
 
-/// Whether the condition of a branch takes its address too, as those that link do.
+/// Whether a branch condition takes the PC as well; those that link do.
 template <auto condition>
 inline constexpr bool knowsPc = requires(FieldsOf<condition> fields, u64 pc) {
     condition(fields, pc);
@@ -44,7 +44,7 @@ inline bool isTaken(const FieldsOf<condition>& fields, u64 pc) {
     }
 }
 
-/// Whether an instruction of the format with these operands writes its result to r0.
+/// Whether the destination field of an instruction word is r0.
 template <typename Fields>
 constexpr bool namesR0(u32 word) {
     if constexpr (requires(Fields fields) { fields.destination(); }) {

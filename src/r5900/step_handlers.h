@@ -1,5 +1,5 @@
-// The handlers that the dispatch tables hold: what a single step does around an instruction's semantics.
-// Decoding, trace line, semantics, PC.
+// The handlers in the dispatch tables. In a single step each does decoding, trace line, semantics and the
+// update of PC.
 #pragma once
 
 #include "machine/machine.h"
@@ -11,13 +11,13 @@
 
 namespace tarn::r5900 {
 
-/// Executes the instruction whose word is in MipsCpu.opcode and moves PC, or pauses and leaves PC.
+/// Executes the instruction in MipsCpu.opcode and advances PC, or pauses and leaves PC.
 using Handler = void (*)();
 
-/// The handler of everything that is not implemented: it pauses, and nothing else.
+/// The handler of everything that is not implemented: it only pauses.
 void NI();
 
-/// Writes the trace line of the current instruction as the list of instructions has it.
+/// Writes the trace line of the current instruction.
 [[gnu::cold]] void traceInstruction();
 
 inline void traceIfOn() {
@@ -26,11 +26,11 @@ inline void traceIfOn() {
     }
 }
 
-/// Says that the current instruction names a condition code that there is not, and pauses.
+/// Reports that the current instruction uses another condition code than 0, and pauses.
 [[gnu::cold]] void pauseOnOtherCondition();
 
-/// The handler of an instruction without branches. A comparison with another condition code does nothing but
-/// pause, after the instruction.
+/// The handler of an instruction that is not a branch. A comparison with another condition code only pauses,
+/// with PC after the instruction.
 template <auto semantics>
 void stepStraight() {
     traceIfOn();
@@ -43,7 +43,7 @@ void stepStraight() {
     MipsCpu.PC += 4;
 }
 
-/// The handler of an instruction that the complete processor stops at under a condition.
+/// The handler of an instruction of the complete processor that stops under a condition.
 template <auto semantics, auto stops, Stop reason>
 void stepUnlessStopped() {
     traceIfOn();
@@ -56,13 +56,13 @@ void stepUnlessStopped() {
     MipsCpu.PC += 4;
 }
 
-/// The handler of what the complete processor does not do.
+/// The handler of what the complete processor does not support.
 template <Stop reason>
 void stopAlways() {
     stopWith(reason);
 }
 
-/// What every instruction of the complete processor goes through in a single step: r0 is 0 afterwards.
+/// Wraps all handlers of the complete processor: checks the alignment of PC, and keeps r0 at 0.
 template <Handler handler>
 void stepWithR0() {
     if (MipsCpu.PC % 4 != 0) [[unlikely]] {
@@ -87,8 +87,8 @@ void stepBranch() {
     }
 }
 
-/// The handler of a jump. It links before anything else, so that with rd = rs the trace line of JALR shows
-/// the return address.
+/// The handler of a jump. Intentional: links before it traces, so that with rd = rs the trace line of JALR
+/// shows the return address.
 template <auto targetOf>
 void stepJump() {
     const u64 target = targetOf(FieldsOf<targetOf>::from(MipsCpu.opcode), MipsCpu.PC);

@@ -1,17 +1,17 @@
-// How an instruction of the complete processor stops: where the console would raise an exception.
+// Stops of the complete processor, in place of exceptions.
 #pragma once
 
 #include "machine/machine.h"
 
 namespace tarn::r5900 {
 
-/// Pauses, with PC on the instruction, and says why: one line in the EmuOutput pane.
+/// Pauses with PC on the instruction, and prints the reason in the EmuOutput pane.
 [[gnu::cold]] void stopWith(Stop reason);
 
-/// Why the last instruction stopped; None when it did not, or paused for a reason that it has printed.
+/// Why the last instruction stopped; None if it did not, or paused for another reason.
 inline Stop stopReason() { return MipsCpu.stopCycle == MipsCpu.cycle ? MipsCpu.stop : Stop::None; }
 
-/// The same in words; null for None.
+/// The reason in words; null for None.
 constexpr const char* textOf(Stop reason) {
     switch (reason) {
     case Stop::None:

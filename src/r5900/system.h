@@ -9,23 +9,23 @@
 
 namespace tarn::r5900 {
 
-/// Selects that the record does not hold read as 0.
+/// Selects 4 to 7 read as 0.
 inline void MFC0(Cop0Fields f) {
     const auto& selects = MipsCpu.CP0[f.rd];
     setWord(f.rt, f.sel < selects.size() ? selects[f.sel] : 0);
 }
 
-/// Interrupts enabled, in the Status register.
+/// The interrupt enable bit of the Status register.
 inline constexpr u64 statusEnableMask = u64{1} << 16;
 inline u64& status() { return MipsCpu.CP0[cp0_register::Status][0]; }
 
 inline void EI(NoFields) { status() |= statusEnableMask; }
 inline void DI(NoFields) { status() &= 0xFFFFFFFF & ~statusEnableMask; }
 
-/// The kernel's handler moves PC, or leaves it and pauses.
+/// The kernel's handler advances PC, or leaves it and pauses.
 inline void SYSCALL() { syscall_fct[static_cast<u8>(MipsCpu.GPR[REG_V1].low)](); }
 
-// These two write their trace line whether tracing is on or not, for a later instruction without a line.
+// Intentional: these write their trace line even without tracing; a later instruction may show it again.
 
 inline void CACHE(NoFields) { traceText("CACHE"); }
 inline void SYNC(NoFields) { traceText("SYNC"); }

@@ -1,4 +1,4 @@
-// The tables made from the list of instructions, and what is known of an instruction word.
+// Generation of the tables from the list of instructions, and queries about instruction words.
 #include "r5900/tables.h"
 
 #include "base/diagnostics.h"
@@ -16,7 +16,7 @@ void NI() { MipsCpu.pause = 1; }
 
 namespace {
 
-/// The table among `all` of a processor's.
+/// Selects a table from a record of tables.
 constexpr auto tableIn(auto& all, Table table) {
     auto& [normal, special, regimm, cop0, c0, special2, cop1, bc1, cop1S, cop1D, cop1W, mmi, mmi0, mmi1, mmi2,
            mmi3, pmfhl] = all;
@@ -26,7 +26,7 @@ constexpr auto tableIn(auto& all, Table table) {
     return tables[static_cast<std::size_t>(table)];
 }
 
-/// The handler of an entry that calls the entry of the next table.
+/// The handler of an entry that dispatches through another table.
 template <const Processor& processor, Table table>
 void dispatch() {
     static constexpr auto handlers = tableIn(processor.handlers, table);
@@ -78,7 +78,7 @@ constexpr Processor processorOf(Processors kind, std::initializer_list<std::span
 
 constexpr Row noInstruction{Table::Normal, 0, "NI", stop};
 
-/// The row for a word, through as many tables as it takes.
+/// The row of a word, found through one or more tables.
 const Row& rowOf(const Processor& of, u32 word) {
     const Row* row = nullptr;
     Table table = Table::Normal;
@@ -94,12 +94,12 @@ const Operation& operationOf(const Processor& of, u32 word) {
     return of.isComplete ? *row.complete : *row.described;
 }
 
-/// The complete processor's tables as its rows have them.
+/// The complete processor's tables without stepWithR0.
 extern const Processor completeRows;
 constexpr Processor completeRows =
     processorOf<completeRows>(Processors::Complete, {integerList, fpuList, multimediaList});
 
-/// The same, but every instruction passes stepWithR0.
+/// The same, with stepWithR0 around every handler.
 template <std::size_t... indices>
 constexpr Processor withR0(std::index_sequence<indices...>) {
     Processor made = completeRows;

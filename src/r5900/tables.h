@@ -1,4 +1,4 @@
-// The dispatch tables and the mnemonic tables, made from the list of instructions.
+// The dispatch and mnemonic tables, generated from the list of instructions.
 #pragma once
 
 #include "r5900/step_handlers.h"
@@ -9,7 +9,7 @@ namespace tarn::r5900 {
 
 struct Row;
 
-// Each pair of tables has the same index: the field in the comment.
+// The tables of a pair have the same index: the bits in the comment.
 
 struct DispatchTables {
     std::array<Handler, 64> normal_opc;    // bits 26-31
@@ -53,18 +53,18 @@ struct MnemonicTables {
     std::array<const char*, 32> debug_pmfhl_opc;
 };
 
-/// What a processor makes of instruction words.
+/// The tables of a processor.
 struct Processor {
     DispatchTables handlers;
     MnemonicTables mnemonics;
-    std::array<std::array<const Row*, 64>, 17> rows;  ///< by Table and index, those without a row null
+    std::array<std::array<const Row*, 64>, 17> rows;  ///< by Table and index; null if there is no row
     bool isComplete;
 };
 
 extern const Processor describedProcessor;
 extern const Processor completeProcessor;
 
-/// The one that runs: chosen at start-up.
+/// The current processor, selected at start-up.
 inline const Processor* processor = &describedProcessor;
 
 }  // namespace tarn::r5900

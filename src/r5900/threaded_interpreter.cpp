@@ -1,4 +1,4 @@
-// The rare ways of the threaded interpreter: the end of a run, and instructions that are not at hand.
+// The rare paths of the threaded interpreter: the end of a run, and instructions that are not decoded yet.
 #include "r5900/threaded_interpreter.h"
 
 #include "r5900/interpreter.h"
@@ -7,10 +7,10 @@ namespace tarn::r5900 {
 
 namespace {
 
-/// Code from here on is run plainly: behind the last page there is nothing to compare, or to go on to.
+/// Code from here on takes single steps: there is no memory after the last page for the decoder to read.
 constexpr u64 codeEnd = mainMemorySize - codePageBytes;
 
-/// Brings the CPU record up to date, `pc` being the next instruction.
+/// Updates the CPU record; `pc` is the next instruction.
 void leave(u64 pc, StepBudget budget, u64 delaySlots) {
     runState.steps = runState.limit - budget.stepsLeft(pc);
     MipsCpu.cycle = runState.cycleAtStart + runState.steps + delaySlots;
@@ -50,7 +50,7 @@ void interrupted(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlo
 }
 
 void find(u64 pc, StepBudget budget, u64 delaySlots, const u8* memory) {
-    // Rotated, an address that is not aligned is none of code, either.
+    // The rotation puts addresses that are not aligned out of range, too.
     const bool isCode = std::rotr(pc, 2) < codeEnd / 4 && memory != nullptr;
     CodePage* page = isCode ? codePageAt(pc) : nullptr;
     if (page == nullptr) {

@@ -1,8 +1,8 @@
-// The threaded interpreter: the instructions' semantics as routines over decoded operands, each of which
-// calls the next.
+// The threaded interpreter: instruction semantics as routines over decoded operands, each of which calls the
+// next.
 //
-// Straight-line code, branches and accesses to main memory are done here. A step that does anything else (a
-// device, a kernel call, a stop) is done by MipsUpdateCpu, and ends the run.
+// It handles straight-line code, branches and accesses to main memory. All other steps (device accesses,
+// kernel calls, stops) are single steps by MipsUpdateCpu, which end the run.
 #pragma once
 
 #include "memory/main_memory.h"
@@ -19,10 +19,10 @@
 
 namespace tarn::r5900 {
 
-/// What a run is measured by.
+/// The bookkeeping of a run.
 struct RunState {
     u64 limit = 0;              ///< steps
-    u64 steps = 0;              ///< that it has taken, known once it is over
+    u64 steps = 0;              ///< taken; valid after the run
     u64 cycleAtStart = 0;       ///< MipsCpu.cycle
     u64 delaySlotsAtStart = 0;  ///< MipsCpu.delaySlots
     LastStep lastStep;
@@ -30,7 +30,7 @@ struct RunState {
 
 inline RunState runState;
 
-/// MipsCpu.cycle before the instruction at `pc`, which is brought up to date only at the end of a run.
+/// MipsCpu.cycle before the instruction at `pc`; the record itself is updated only at the end of a run.
 inline u64 cycleAt(u64 pc, StepBudget budget, u64 delaySlots) {
     return runState.cycleAtStart + runState.limit - budget.stepsLeft(pc) + delaySlots;
 }
@@ -40,10 +40,10 @@ constexpr u32 secondWord(u64 words) { return static_cast<u32>(words >> 32); }
 
 // The end of a run.
 
-/// Has the instruction at `pc` executed in the plain way, as the last of the run.
+/// Executes the instruction at `pc` as a single step, the last of the run.
 void stepPlainly(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots, const u8* memory);
 
-/// The same for the one in the delay slot of the branch at `pc`, which is taken.
+/// The same for the delay slot of the taken branch at `pc`.
 void stepSlotPlainly(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots, const u8* memory,
                      u64 target);
 
@@ -53,18 +53,18 @@ void endBefore(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots
 /// What a run ends with whose budget is spent, or that leaves the code: chosen before a run.
 inline Routine endOfBudget = stepPlainly;
 
-// The way from one instruction to the next.
+// Transitions from one instruction to the next.
 
-/// The words at `pc`, which is code, and behind it.
+/// The word at `pc`, an address of code, and its successor.
 inline u64 wordsAt(const u8* memory, u64 pc) { return loadFrom<u64>(memory + pc, 0); }
 
-/// Goes on with an instruction that is not valid, or ends the run because its budget is spent.
+/// Decodes an instruction that is not valid and continues, or ends the run if its budget is spent.
 void interrupted(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots, const u8* memory);
 
-/// Goes on at an address for which no instruction is at hand, whatever it is.
+/// Continues at any address, after a lookup of its page.
 void find(u64 pc, StepBudget budget, u64 delaySlots, const u8* memory);
 
-/// The instructions behind the last one of a page.
+/// The routine of the two entries after the last instruction of a page.
 void enterNextPage(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots, const u8* memory);
 
 [[gnu::always_inline]] inline void next(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots,
@@ -75,7 +75,7 @@ void enterNextPage(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delayS
     return at->run(at, pc, budget, delaySlots, memory);
 }
 
-/// Goes on at `target` after the step at `pc`, whose instruction is `at` and whose last word was `executed`.
+/// Continues at `target` after the step at `pc`, whose instruction is `at` and whose last word is `executed`.
 [[gnu::always_inline]] inline void goTo(u64 target, DecodedInstruction* at, u64 pc, StepBudget budget,
                                         u64 delaySlots, const u8* memory, u32 (*executed)(u64 words)) {
     const StepBudget left = budget.afterJump(pc + 4, target);
@@ -83,12 +83,12 @@ void enterNextPage(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delayS
     if (((target ^ pc) & ~u64{codePageBytes - 4}) == 0) [[likely]] {
         return next(at + (static_cast<s64>(target - pc) >> 2), target, left, delaySlots, memory);
     }
-    MipsCpu.opcode = executed(at->words);  // which a fetch that is refused leaves
+    MipsCpu.opcode = executed(at->words);  // kept if the fetch at `target` fails
     return find(target, left, delaySlots, memory);
 }
 
-// Instructions without branches. The fast path executes one, or gives false when it must be done with more
-// care; then the slow path does, or gives false when it must be done plainly.
+// Instructions that are not branches. `fast` executes the common case and returns false in all others; then
+// `slow` handles the rarer ones, or returns false if it takes a single step.
 
 template <auto semantics>
 struct Computation {
@@ -100,20 +100,20 @@ struct Computation {
     static bool slow(const Fields& fields) { return fast(fields); }
 };
 
-/// Word 0, which is no shift of r0.
+/// Word 0, which does not write r0.
 struct NoOperation {
     using Fields = NoFields;
     static bool fast(Fields) { return true; }
     static bool slow(Fields) { return true; }
 };
 
-/// A load or a store, done here when it lies in main memory: fast in the views where most do.
+/// A load or a store in main memory; `fast` handles the usual views.
 template <Access access, Width width, auto semantics>
 struct MemoryAccess {
     using Fields = FieldsOf<semantics>;
     static bool fast(const Fields& fields) {
         if (MipsMemory == nullptr) {
-            __builtin_unreachable();  // code is being run from it
+            __builtin_unreachable();  // it holds the running code
         }
         if (!inMainMemory(usualOffset(addressOf(fields)), bytesOf(width))) [[unlikely]] {
             return false;
@@ -130,17 +130,17 @@ struct MemoryAccess {
     }
 };
 
-// The complete processor's accesses: those that stop when they are not aligned, and those that cover the
-// whole unit around their address.
+// Accesses of the complete processor: those that must be aligned, and those to the aligned unit around an
+// address.
 
-/// Address and alignment take one comparison: the low bits, moved to the top, put the address out of range.
+/// One comparison checks range and alignment: low bits that are set, rotated to the top, are out of range.
 template <Access access, Width width, auto semantics>
 struct AlignedAccess {
     using Fields = FieldsOf<semantics>;
     static constexpr u32 bytes = bytesOf(width);
     static bool fast(const Fields& fields) {
         if (MipsMemory == nullptr) {
-            __builtin_unreachable();  // code is being run from it
+            __builtin_unreachable();  // it holds the running code
         }
         constexpr int shift = std::countr_zero(bytes);
         const u32 unit = std::rotr(usualOffset(addressOf(fields)) - mainMemoryFirst, shift);
@@ -180,7 +180,7 @@ struct SurroundingAccess {
     }
 };
 
-/// What stops under a condition, which the single step then finds again.
+/// An instruction that stops under a condition; a single step does the stop.
 template <auto semantics, auto stops>
 struct UnlessStopped {
     using Fields = FieldsOf<semantics>;
@@ -194,7 +194,7 @@ struct UnlessStopped {
     static bool slow(const Fields& fields) { return fast(fields); }
 };
 
-/// The complete processor's instructions whose result goes to r0, which stays 0.
+/// An instruction of the complete processor with destination r0, which stays 0.
 template <typename Operation>
 struct IntoR0 {
     using Fields = typename Operation::Fields;
@@ -269,7 +269,7 @@ template <auto targetOf>
     return at->runInSlot(at, pc, budget, delaySlots, memory, target);
 }
 
-// The routines of an instruction.
+// The routines of instructions.
 
 template <typename Fields>
 void setOperands(DecodedOperands& operands, u32 word) {
@@ -280,7 +280,7 @@ template <typename Operation>
 inline constexpr Routines routines{run<Operation>, runInSlot<Operation>,
                                    setOperands<typename Operation::Fields>};
 
-/// A branch in a delay slot is rare, and nests: it takes the plain way.
+/// A branch in a delay slot is rare, and nests: it takes a single step.
 template <auto condition, DelaySlot whenNotTaken>
 inline constexpr Routines branchRoutines{runBranch<condition, whenNotTaken>, stepSlotPlainly,
                                          setOperands<FieldsOf<condition>>};

@@ -1,4 +1,4 @@
-// The instruction trace: the line buffer, and how the operands of each class of lines are written.
+// The instruction trace: the line buffer, and the formatting of operands.
 #pragma once
 
 #include "base/types.h"
@@ -18,22 +18,22 @@ namespace r5900 {
 /// Whether instructions are traced.
 inline bool tracing() { return Settings.debug_op == 1; }
 
-// Cold, so that they are not inlined where tracing is off nearly always.
+// Cold: not inlined, because tracing is nearly always off.
 
-/// Sends the trace line, and with it the 34 register lines, to their panes.
+/// Sends the trace line to its pane; showStep also sends the 34 register lines.
 [[gnu::cold]] void showTraceLine();
 [[gnu::cold]] void showStep();
 
 /// Puts PC and the formatted text into debugTempText.
 [[gnu::cold, gnu::format(printf, 1, 2)]] void traceText(const char* format, ...);
 
-/// What a class of trace lines shows of an instruction word, in the order of its format.
+/// The operands that a class of trace lines shows, in the order of its format.
 struct TraceOperands {
-    std::string_view conversions;  ///< that the format must have: s, d (also as x), or l for llx
+    std::string_view conversions;  ///< required in the format: s, d (also as x), or l for llx
     void (*write)(const char* format, u32 word);
 };
 
-/// A format that has the conversions of its operands; no constant can be made of another.
+/// A format whose conversions match its operands, which is checked at compile time.
 struct TraceLine {
     const char* format = nullptr;
     void (*write)(const char* format, u32 word) = nullptr;
@@ -56,7 +56,7 @@ struct TraceLine {
     }
 };
 
-// Each writes a line with the operands that its name lists, in this order; immediates and offsets are raw.
+// Each writes a line with the operands in its name, in that order; immediates and offsets are raw.
 void traceRtRsImmediate(const char* format, u32 word);
 void traceRtImmediate(const char* format, u32 word);
 void traceRdRsRt(const char* format, u32 word);
