@@ -7,7 +7,7 @@
 namespace tarn::r5900 {
 
 /// Whether an access of this width is not aligned and must stop.
-template <Width width, class Fields>
+template <Width width, typename Fields>
 inline bool isUnaligned(Fields f) {
     return (gpr(f.base) + signExtend16(f.offset)) % bytesOf(width) != 0;
 }
@@ -25,6 +25,12 @@ inline void SQ_complete(MemoryFields f) {
 
 // The left and right forms. Left: the bytes from the start of the aligned word up to the address are the
 // upper bytes of the register. Right: the bytes from the address to its end are the lower bytes.
+
+/// The bits of `word` where `mask` is set, else those of `other`.
+template <typename Word>
+constexpr Word merged(Word word, Word other, Word mask) {
+    return (word & mask) | (other & ~mask);
+}
 
 /// The aligned word or doubleword around an address, and the shifts between it and the register.
 template <typename Word>
@@ -46,14 +52,16 @@ struct Surrounding {
         MipsMemoryRead(&word, width, address, 0);
         return static_cast<Word>(word.low);
     }
-    void store(Word word) const { MipsMemoryWrite({word, 0}, width, address, 0); }
-};
 
-/// The bits of `word` where `mask` is set, else those of `other`.
-template <typename Word>
-constexpr Word merged(Word word, Word other, Word mask) {
-    return (word & mask) | (other & ~mask);
-}
+    /// The old contents for a store. Where loads read the BIOS image, stores go to main memory.
+    Word replaced() const {
+        const u32 at = mainMemoryOffset<Access::Store>(guestAddress(address, 0), sizeof(Word));
+        return at != notMainMemory ? loadFrom<Word>(MipsMemory, at) : load();
+    }
+    void store(Word word, Word mask) const {
+        MipsMemoryWrite({merged(word, replaced(), mask), 0}, width, address, 0);
+    }
+};
 
 template <typename Word>
 inline u64 loadedLeft(MemoryFields f) {
@@ -69,13 +77,12 @@ inline u64 loadedRight(MemoryFields f) {
 template <typename Word>
 inline void storeLeft(MemoryFields f) {
     const Surrounding<Word> at(f);
-    at.store(merged<Word>(static_cast<Word>(gpr(f.rt)) >> at.leftShift, at.load(), ~Word{0} >> at.leftShift));
+    at.store(static_cast<Word>(gpr(f.rt)) >> at.leftShift, ~Word{0} >> at.leftShift);
 }
 template <typename Word>
 inline void storeRight(MemoryFields f) {
     const Surrounding<Word> at(f);
-    at.store(merged<Word>(static_cast<Word>(gpr(f.rt)) << at.rightShift, at.load(),
-                          static_cast<Word>(~Word{0} << at.rightShift)));
+    at.store(static_cast<Word>(gpr(f.rt)) << at.rightShift, static_cast<Word>(~Word{0} << at.rightShift));
 }
 
 inline void LWL_complete(MemoryFields f) { setWord(f.rt, loadedLeft<u32>(f)); }

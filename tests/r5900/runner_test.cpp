@@ -339,9 +339,7 @@ TEST_F(Runner, RunsOfManyStepsAreWhatSingleStepsAre) {
     compare(20000);
 }
 
-// Disabled: case 16 ends differently after its fifth step, which is not understood yet. To be enabled with
-// the fix.
-TEST_F(Runner, DISABLED_RunsOfTheCompleteProcessorAreWhatItsSingleStepsAre) {
+TEST_F(Runner, RunsOfTheCompleteProcessorAreWhatItsSingleStepsAre) {
     r5900::chooseProcessor(true);
     compare(4000);
 }
