@@ -5,6 +5,7 @@
 #include "history/memory_access.h"
 #include "machine/machine.h"
 #include "r5900/fpu_registers.h"
+#include "r5900/operation.h"
 
 #include <bit>
 
@@ -120,6 +121,9 @@ u64 readRegister(unsigned number) {
 }
 
 void writeRegister(unsigned number, u64 value) {
+    if (number == 0 && r5900::keepsR0()) {
+        return;
+    }
     if (u64* slot = doublewordOf(number)) {
         *slot = registerSize(number) == 8 ? value : static_cast<u32>(value);
         return;

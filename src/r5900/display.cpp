@@ -82,7 +82,7 @@ void PrintDebugOpcode() {
             return;
         }
     case 28:  // Intentional: prints both lines.
-        printDiagnostic("r5900:dbg_opcode_special2: %s \n", name.debug_special2_opc[functionCode(word)]);
+        printDiagnostic("r5900:dbg_opcode_special2: %s \n", mnemonicOf(word));
         break;
     default:
         break;

@@ -51,7 +51,10 @@ const Operation& operationOf(u32 word);
 /// Selects the described processor or the complete R5900. Not to be called during a run.
 void chooseProcessor(bool complete);
 
-/// Whether a processor, chosen or not, implements an instruction word.
+/// Whether r0 is always 0 on the current processor.
+bool keepsR0();
+
+/// Whether a processor, selected or not, implements an instruction word.
 bool isImplementedBy(bool complete, u32 word);
 
 }  // namespace tarn::r5900

@@ -3,7 +3,12 @@
 
 #include "machine/machine.h"
 
+#include <string>
+
 namespace tarn::r5900 {
+
+/// Names a place in the program for the line that a stop prints; gives nothing if it is not known.
+inline std::string (*describePlace)(u32 address) = [](u32) { return std::string(); };
 
 /// Pauses with PC on the instruction, and prints the reason in the EmuOutput pane.
 [[gnu::cold]] void stopWith(Stop reason);

@@ -120,6 +120,8 @@ void chooseProcessor(bool complete) {
 
 const Operation& operationOf(u32 word) { return operationOf(*processor, word); }
 
+bool keepsR0() { return processor->isComplete; }
+
 bool isImplementedBy(bool complete, u32 word) {
     return operationOf(complete ? completeProcessor : describedProcessor, word).kind != Kind::Stop;
 }
@@ -128,8 +130,10 @@ void stopWith(Stop reason) {
     MipsCpu.stop = reason;
     MipsCpu.stopCycle = MipsCpu.cycle;
     MipsCpu.pause = 1;
-    PrintfToEmuOutput("Stop at %8.8llx, %s (%8.8lx): %s", MipsCpu.PC, mnemonicOf(MipsCpu.opcode),
-                      static_cast<unsigned long>(MipsCpu.opcode), textOf(reason));
+    const std::string place = describePlace(static_cast<u32>(MipsCpu.PC));
+    PrintfToEmuOutput("Stop at %8.8llx%s%s, %s (%8.8lx): %s", MipsCpu.PC, place.empty() ? "" : " in ",
+                      place.c_str(), mnemonicOf(MipsCpu.opcode), static_cast<unsigned long>(MipsCpu.opcode),
+                      textOf(reason));
 }
 
 void traceInstruction() {

@@ -10,7 +10,9 @@
 #include "machine/settings.h"
 #include "memory/allocation.h"
 #include "r5900/operation.h"
+#include "r5900/stop.h"
 #include "shell/session.h"
+#include "symbols/elf_symbols.h"
 
 #include <algorithm>
 
@@ -43,6 +45,10 @@ void openRenderer() {
     } else {
         PrintToEmuOutput("GS:OK");
     }
+}
+
+std::string placeInProgram(u32 address) {
+    return symbols::readSymbols(Settings.ElfToExecute).describe(address);
 }
 
 /// SIGINT and SIGTERM shut the machine down as Escape does. True when one has come.
@@ -97,6 +103,7 @@ void koGUI_TarnInitProc() {
         break;
     case 10:
         r5900::chooseProcessor(Settings.completeCpu == 1);
+        r5900::describePlace = placeInProgram;
         setStartState(machine, MipsCpu.entry);
         break;
     case 11:

@@ -9,6 +9,7 @@
 #include "memory/main_memory.h"
 #include "r5900/fields.h"
 #include "r5900/operation.h"
+#include "r5900/stop.h"
 #include "symbols/call_chain.h"
 
 #include <algorithm>
@@ -97,6 +98,12 @@ std::string adviceForCall() {
                   argument(1), argument(2), argument(3));
 }
 
+/// Whether compilers have the instruction in front of a division, to stop at a divisor of 0. Its code is 7.
+bool checksDivisor(u32 word) {
+    constexpr u32 trapIfEqual = 0x34 | 7 << 6, breakpoint = 0x0D | 7 << 16;
+    return (word & 0xFC00FFFF) == trapIfEqual || word == breakpoint;
+}
+
 std::string advice() {
     if (const FailedAccess* failed = failedAccess()) {
         return adviceForAccess(*failed);
@@ -112,7 +119,7 @@ std::string advice() {
         r5900::isImplementedBy(true, word)) {
         return "the complete processor has this instruction: General:Complete_cpu = 1, or --complete-cpu";
     }
-    return "";
+    return r5900::stopReason() != Stop::None && checksDivisor(word) ? "a division by zero" : "";
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "gdb/machine.h"
 #include "gdb/packet.h"
 #include "r5900/instruction.h"
+#include "r5900/operation.h"
 
 #include <cstring>
 #include <random>
@@ -105,6 +106,12 @@ TEST_F(DebuggerTest, RegistersAndMemory) {
     EXPECT_FALSE(Ps2Bios.dmaWritePending || Ps2Bios.dmaReadPending) << "the DMA controller saw the debugger";
     EXPECT_EQ(ask("G" + all), "OK");
     EXPECT_EQ(ask("g"), all);
+}
+
+TEST_F(DebuggerTest, TheCompleteProcessorKeepsR0) {
+    r5900::chooseProcessor(true);
+    EXPECT_TRUE(ask("P0=0100000000000000") == "OK" && ask("p0") == "0000000000000000");
+    r5900::chooseProcessor(false);
 }
 
 TEST_F(DebuggerTest, BreakpointsStopARunButNotAStep) {

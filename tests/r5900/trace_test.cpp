@@ -1,5 +1,6 @@
 // The trace line of every instruction, and that what has none stops; the displays.
 #include "r5900/instruction.h"
+#include "r5900/operation.h"
 
 #include <algorithm>
 #include <set>
@@ -168,6 +169,11 @@ TEST_F(MachineTest, OpcodeDisplay) {
         MipsCpu.opcode = word;
         EXPECT_EQ(outputOf(PrintDebugOpcode), text);
     }
+    r5900::chooseProcessor(true);
+    MipsCpu.opcode = immediate(28, 0, 0, 8);
+    EXPECT_EQ(outputOf(PrintDebugOpcode),
+              "==>70000008\nr5900:dbg_opcode_special2: PADDW \nr5900:dbg_opcode: MMI \n");
+    r5900::chooseProcessor(false);
 }
 
 }  // namespace
