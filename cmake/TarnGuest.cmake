@@ -8,12 +8,12 @@ set(TARN_GUEST_DIR ${CMAKE_SOURCE_DIR}/guest)
 # For both processors: 64-bit registers, 32-bit pointers, single precision only, no global pointer; nothing
 # underneath.
 set(TARN_GUEST_FLAGS
-    -march=r5900 -mabi=n32 -msingle-float -mno-abicalls -fno-pic -G0 -mno-llsc -ffreestanding -nostdlib
+    -march=r5900 -mabi=n32 -msingle-float -mno-abicalls -fno-pic -G0 -mno-llsc -nostdlib
     -ffunction-sections -fdata-sections -g -Wall -Wextra)
 
 set(TARN_GUEST_DESCRIBED_FLAGS
     # No calls to the compiler's own functions.
-    -fno-builtin -fno-tree-loop-distribute-patterns
+    -ffreestanding -fno-builtin -fno-tree-loop-distribute-patterns
     # What it does not have: traps on division by zero, some of the likely branches.
     -mno-check-zero-division -mno-branch-likely
     # Constants that leave a loop and find no floating-point register would go to an integer one by MFC1,
@@ -22,12 +22,13 @@ set(TARN_GUEST_DESCRIBED_FLAGS
     # Every instruction takes one step, so the smallest code (which divides) is the fastest.
     -Os -Wconversion -Wno-sign-conversion)
 
-# The compiler inlines what it knows of the standard functions; there are no NaNs or infinities to care for.
+# The compiler inlines what it knows of the standard functions, and main returns 0 at its end; there are no NaNs or
+# infinities to care for.
 set(TARN_GUEST_COMPLETE_FLAGS
-    -DTARN_COMPLETE_CPU=1 -fbuiltin -fno-math-errno -fcx-limited-range -O2)
+    -DTARN_COMPLETE_CPU=1 -fno-math-errno -fcx-limited-range -O2)
 
 set(TARN_GUEST_C_FLAGS -std=gnu17)
-set(TARN_GUEST_CXX_FLAGS -fno-exceptions -fno-rtti -fno-threadsafe-statics)
+set(TARN_GUEST_CXX_FLAGS -std=gnu++20 -fno-exceptions -fno-rtti -fno-threadsafe-statics)
 set(TARN_GUEST_LINK_FLAGS
     -static -Wl,--build-id=none,--gc-sections,-z,max-page-size=16,--no-warn-rwx-segments)
 

@@ -59,10 +59,27 @@ _start:
     nop
 #endif
 
+#ifdef TARN_COMPLETE_CPU
+    li      $a0, 1
+    lui     $a1, %hi(arguments)
+    jal     main
+    addiu   $a1, $a1, %lo(arguments)
+#else
     jal     main
     nop
+#endif
     move    $a0, $v0
     li      $v1, 0x04
 3:  syscall                             // Exit: the processor stops here
     b       3b
     nop
+
+#ifdef TARN_COMPLETE_CPU
+    // The argv of main: an empty name.
+    .section .rodata.arguments, "a"
+    .balign 4
+arguments:
+    .word   name, 0
+name:
+    .word   0
+#endif

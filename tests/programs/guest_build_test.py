@@ -136,6 +136,8 @@ class GuestBuildTest(ProgramTest):
         for text, options, complete, message in (
                 ("double half(double x) { return x / 2; } int main(void) { return half(3.0f) > 1; }", ["-O0"], True,
                  "double is not there"),
+                ("long double twice(long double x) { return x * 2; } int main(void) { return twice(1) > 1; }", [], True,
+                 "main.c: long double is not there"),
                 ("int fopen(const char*); int main(void) { return fopen(\"x\"); }", [], True,
                  "main.c:1: undefined reference to `fopen'"),
                 ("_Thread_local int t; int main(void) { return t; }", [], True, "thread-local variables"),

@@ -84,9 +84,35 @@ float floorf(float value) {
 
 float ceilf(float value) { return -floorf(-value); }
 
-/// Exact where the quotient is below 2^23.
-float fmodf(float value, float divisor) { return value - truncf(value / divisor) * divisor; }
+/// Divides the fractions bit by bit, which is exact. The remainder of a division by 0 is 0.
+float fmodf(float value, float divisor) {
+    u32 dividend = bitsOf(fabsf(value));
+    u32 by = bitsOf(fabsf(divisor));
+    if (dividend < by)
+        return value;
+    s32 exponent = (s32)(by >> 23);
+    s32 shift = (s32)(dividend >> 23) - exponent;
+    u32 rest = (dividend & 0x7FFFFF) | 0x800000;
+    by = (by & 0x7FFFFF) | 0x800000;
+    for (;; rest <<= 1) {
+        if (rest >= by)
+            rest -= by;
+        if (shift-- == 0)
+            break;
+    }
+    for (; rest != 0 && rest < 0x800000; rest <<= 1)
+        exponent--;
+    if (rest == 0 || exponent <= 0)
+        rest = 0, exponent = 0;
+    rest = (bitsOf(value) & 0x80000000) | (u32)exponent << 23 | (rest & 0x7FFFFF);
+    __builtin_memcpy(&value, &rest, sizeof value);
+    return value;
+}
 
 float sinf(float angle) { return sine(angle); }
 float cosf(float angle) { return cosine(angle); }
+void sincosf(float angle, float* sineOf, float* cosineOf) {
+    *sineOf = sine(angle);
+    *cosineOf = cosine(angle);
+}
 float tanf(float angle) { return sine(angle) / cosine(angle); }
