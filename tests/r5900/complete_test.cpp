@@ -1,7 +1,6 @@
 // What the complete processor does that the described one does not, by rows worked out by hand: r0,
 // alignment, the counter, three-operand products, the second pipeline, SA, and where it stops.
-#include "r5900/instruction.h"
-#include "r5900/operation.h"
+#include "r5900/complete_machine.h"
 
 namespace tarn::test {
 namespace {
@@ -9,11 +8,8 @@ namespace {
 enum : u32 { one = 1, minusOne, minWord, address, out, big };
 constexpr u64 registerValues[] = {0, 1, ~u64{0}, 0xFFFFFFFF80000000, 0x00200000, 0x5555, 0x7FFFFFFFFFFFFFFF};
 
-class CompleteProcessor : public MachineTest {
+class CompleteProcessor : public CompleteTest {
   protected:
-    CompleteProcessor() { r5900::chooseProcessor(true); }
-    ~CompleteProcessor() override { r5900::chooseProcessor(false); }
-
     static void start(std::initializer_list<u32> words) {
         MipsCpu = {};
         for (u32 i = 0; i < std::size(registerValues); ++i) {
@@ -21,7 +17,8 @@ class CompleteProcessor : public MachineTest {
         }
         MipsCpu.GPR[0] = {};
         MipsCpu.LO = {10, 20};
-        MipsCpu.HI = {0, 0};
+        MipsCpu.HI = {0, 30};
+        MipsCpu.SA = 5;
         setProgram(words);
     }
 };
@@ -49,14 +46,27 @@ TEST_F(CompleteProcessor, Results) {
         {special(25, minusOne, minusOne, out), rd, 1},
         {special(25, minusOne, minusOne, out), &MipsCpu.HI.low, 0xFFFFFFFFFFFFFFFE},
         {mmi(0, minusOne, one, out), rd, 9},
+        {mmi(1, minusOne, one, out), rd, 9},
+        {mmi(1, minusOne, one, out), &MipsCpu.HI.low, 1},
         {mmi(32, minusOne, one, out), rd, 19},
+        {mmi(32, minusOne, one, out), &MipsCpu.HI.high, 30},
+        {mmi(33, minusOne, one, out), rd, 19},
+        {mmi(33, minusOne, one, out), &MipsCpu.HI.high, 31},
+        {mmi(25, minusOne, minusOne, out), &MipsCpu.HI.high, 0xFFFFFFFFFFFFFFFE},
+        {mmi(27, minWord, minusOne, 0), &MipsCpu.HI.high, 0xFFFFFFFF80000000},
         {mmi(24, minusOne, one, out), &MipsCpu.LO.high, ~u64{0}},
         {mmi(26, minWord, minusOne, 0), &MipsCpu.LO.high, 0xFFFFFFFF80000000},
         {mmi(18, 0, 0, out), rd, 20},
+        {mmi(16, 0, 0, out), rd, 30},
+        {mmi(17, big, 0, 0), &MipsCpu.HI.high, registerValues[big]},
+        {mmi(19, big, 0, 0), &MipsCpu.LO.high, registerValues[big]},
         {mmi(9, minusOne, one, out, 14), rd, 1},  // PCPYLD
         {mmi(9, minusOne, one, out, 14), rdHigh, ~u64{0}},
         {mmi(4, one, 0, out), rd, u64{31} << 32 | 30},  // PLZCW
         {immediate(1, one, 24, 6), &MipsCpu.SA, 7},     // MTSAB
+        {immediate(1, one, 25, 12), &MipsCpu.SA, 10},   // MTSAH
+        {special(40, 0, 0, out), rd, 5},                // MFSA
+        {special(41, one, 0, 0), &MipsCpu.SA, 1},       // MTSA
         {immediate(51, one, 0, 1), rd, 0x5555},         // PREF
     };
     for (const auto& [word, slot, value] : cases) {
@@ -94,6 +104,25 @@ TEST_F(CompleteProcessor, StopsOnTheInstructionAndSaysWhy) {
         MipsUpdateCpu();
         EXPECT_TRUE(MipsCpu.pause == 1 && MipsCpu.PC == programStart + 4) << "in a delay slot";
         EXPECT_TRUE(lines[0].starts_with("Stop at 00100000, ") && lines[0].ends_with(reason)) << lines[0];
+    }
+}
+
+TEST_F(CompleteProcessor, TrapsAreTakenUnderTheirConditions) {
+    // By the lowest bits of the codes: TGE, TGEU, TLT, TLTU, TEQ, TNE. `one` and `minusOne` stand in for
+    // operands.
+    constexpr u32 codes[] = {0, 1, 2, 3, 4, 6};
+    constexpr bool taken[][3] = {{true, false, true},  {false, true, true},  {false, true, false},
+                                 {true, false, false}, {false, false, true}, {true, true, false}};
+    for (u32 i = 0; i < std::size(codes); ++i) {
+        for (const auto& [left, right, column] :
+             {std::tuple{one, minusOne, 0}, {minusOne, one, 1}, {one, one, 2}}) {
+            const u32 imm = static_cast<u32>(registerValues[right]);
+            for (const u32 word : {special(48 + codes[i], left, right, 0), regimm(8 + codes[i], left, imm)}) {
+                start({word});
+                MipsUpdateCpu();
+                EXPECT_EQ(MipsCpu.pause, taken[i][column]) << mnemonicOf(word) << " " << column;
+            }
+        }
     }
 }
 

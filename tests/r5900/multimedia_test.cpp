@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <functional>
 #include <random>
+#include <string_view>
 
 namespace tarn::test {
 namespace {
@@ -66,25 +67,6 @@ const Lanewise lanewise[] = {
 
 // Parts of the calculations for all others.
 
-/// The lower lanes (or those from `from` on) of rt and rs in turn.
-void extend(State& s, int width, int from) {
-    for (int i = 0; i < 64 / width; ++i) {
-        put(s.rd, width, i * 2, lane(s.rt, width, from + i));
-        put(s.rd, width, i * 2 + 1, lane(s.rs, width, from + i));
-    }
-}
-void pack(State& s, int width) {
-    for (int i = 0; i < 64 / width; ++i) {
-        put(s.rd, width, i, lane(s.rt, width, i * 2));
-        put(s.rd, width, i + 64 / width, lane(s.rs, width, i * 2));
-    }
-}
-/// Lane i of rd from lane digits[i] of rt.
-void arrange(State& s, int width, const char* digits) {
-    for (int i = 0; digits[i] != 0; ++i) {
-        put(s.rd, width, i, lane(s.rt, width, digits[i] - '0'));
-    }
-}
 /// The 64-bit number that the even words of HI and LO make.
 s64 number(const State& s, int half) {
     return static_cast<s64>(plain(s.hi, 32, half * 2) << 32 | plain(s.lo, 32, half * 2));
@@ -160,6 +142,24 @@ void colours(State& s, bool extends) {
     }
 }
 
+/// Instructions that move lanes. Each lane of rd is named by a digit: 0 and up for the lanes of rt, g and up for those
+/// of rs; with PMFHL of LO and HI.
+struct Move {
+    u32 group, code;
+    int width;
+    std::string_view lanes;
+};
+enum : u32 { pmfhl = 48 };
+const Move moves[] = {
+    {mmi0, 18, 32, "0g1h"}, {mmi0, 22, 16, "0g1h2i3j"}, {mmi0, 26, 8, "0g1h2i3j4k5l6m7n"},
+    {mmi1, 18, 32, "2i3j"}, {mmi1, 22, 16, "4k5l6m7n"}, {mmi1, 26, 8, "8o9paqbrcsdteufv"},
+    {mmi0, 19, 32, "02gi"}, {mmi0, 23, 16, "0246gikm"}, {mmi0, 27, 8, "02468acegikmoqsu"},
+    {mmi2, 10, 16, "0k1l2m3n"}, {mmi3, 10, 16, "0g2i4k6m"}, {mmi2, 14, 64, "0g"}, {mmi3, 14, 64, "h1"},
+    {mmi2, 26, 16, "21036547"}, {mmi2, 27, 16, "32107654"}, {mmi2, 30, 32, "2103"}, {mmi2, 31, 32, "1203"},
+    {mmi3, 26, 16, "02134657"}, {mmi3, 27, 16, "00004444"}, {mmi3, 30, 32, "0213"},
+    {pmfhl, 0, 32, "0g2i"}, {pmfhl, 1, 32, "1h3j"}, {pmfhl, 3, 16, "02gi46km"},
+};
+
 struct Single {
     u32 word;  // without registers
     void (*apply)(State& s);
@@ -167,11 +167,6 @@ struct Single {
 constexpr u32 multimedia(u32 group, u32 code) { return 28u << 26 | code << 6 | group; }
 
 const Single singles[] = {
-    {multimedia(mmi0, 18), [](State& s) { extend(s, 32, 0); }}, {multimedia(mmi1, 18), [](State& s) { extend(s, 32, 2); }},
-    {multimedia(mmi0, 22), [](State& s) { extend(s, 16, 0); }}, {multimedia(mmi1, 22), [](State& s) { extend(s, 16, 4); }},
-    {multimedia(mmi0, 26), [](State& s) { extend(s, 8, 0); }}, {multimedia(mmi1, 26), [](State& s) { extend(s, 8, 8); }},
-    {multimedia(mmi0, 19), [](State& s) { pack(s, 32); }}, {multimedia(mmi0, 23), [](State& s) { pack(s, 16); }},
-    {multimedia(mmi0, 27), [](State& s) { pack(s, 8); }},
     {multimedia(mmi0, 30), [](State& s) { colours(s, true); }}, {multimedia(mmi0, 31), [](State& s) { colours(s, false); }},
     {multimedia(mmi1, 4), [](State& s) { for (int i = 0; i < 8; ++i) put(s.rd, 16, i, lane(s.rs, 16, i) + (i < 4 ? -1 : 1) * lane(s.rt, 16, i)); }},
     {multimedia(mmi1, 27), [](State& s) { for (int i = 0; i < 16; ++i) { const int from = i + static_cast<int>(s.sa); put(s.rd, 8, i, lane(from < 16 ? s.rt : s.rs, 8, from % 16)); } }},
@@ -191,19 +186,8 @@ const Single singles[] = {
     {multimedia(55, 21), [](State& s) { shift(s, 16, rightArithmetic); }}, {multimedia(63, 21), [](State& s) { shift(s, 32, rightArithmetic); }},
     {multimedia(mmi2, 8), [](State& s) { s.rd = s.hi; }}, {multimedia(mmi2, 9), [](State& s) { s.rd = s.lo; }},
     {multimedia(mmi3, 8), [](State& s) { s.hi = s.rs; }}, {multimedia(mmi3, 9), [](State& s) { s.lo = s.rs; }},
-    {multimedia(mmi2, 10), [](State& s) { for (int i = 0; i < 4; ++i) { put(s.rd, 16, i * 2, lane(s.rt, 16, i)); put(s.rd, 16, i * 2 + 1, lane(s.rs, 16, i + 4)); } }},
-    {multimedia(mmi3, 10), [](State& s) { for (int i = 0; i < 4; ++i) put(s.rd, 32, i, static_cast<s64>(plain(s.rs, 16, i * 2) << 16 | plain(s.rt, 16, i * 2))); }},
-    {multimedia(mmi2, 14), [](State& s) { s.rd = s.rs << 64 | plain(s.rt, 64, 0); }},
-    {multimedia(mmi3, 14), [](State& s) { s.rd = (s.rt >> 64 << 64) | s.rs >> 64; }},
-    {multimedia(mmi2, 26), [](State& s) { arrange(s, 16, "21036547"); }}, {multimedia(mmi2, 27), [](State& s) { arrange(s, 16, "32107654"); }},
-    {multimedia(mmi2, 30), [](State& s) { arrange(s, 32, "2103"); }}, {multimedia(mmi2, 31), [](State& s) { arrange(s, 32, "1203"); }},
-    {multimedia(mmi3, 26), [](State& s) { arrange(s, 16, "02134657"); }}, {multimedia(mmi3, 27), [](State& s) { arrange(s, 16, "00004444"); }},
-    {multimedia(mmi3, 30), [](State& s) { arrange(s, 32, "0213"); }},
     {multimedia(4, 0), [](State& s) { for (int i = 0; i < 2; ++i) put(s.rd, 32, i, signBits(lane(s.rs, 32, i))); }},
-    {multimedia(48, 0), [](State& s) { for (int i = 0; i < 4; ++i) put(s.rd, 32, i, lane(i % 2 ? s.hi : s.lo, 32, i / 2 * 2)); }},
-    {multimedia(48, 1), [](State& s) { for (int i = 0; i < 4; ++i) put(s.rd, 32, i, lane(i % 2 ? s.hi : s.lo, 32, i / 2 * 2 + 1)); }},
     {multimedia(48, 2), [](State& s) { for (int half = 0; half < 2; ++half) put(s.rd, 64, half, clamped(number(s, half), 32)); }},
-    {multimedia(48, 3), [](State& s) { for (int i = 0; i < 8; ++i) put(s.rd, 16, i, lane(wordOf(s, i), 16, i / 4 * 4 + i % 2 * 2)); }},
     {multimedia(48, 4), [](State& s) { for (int i = 0; i < 8; ++i) put(s.rd, 16, i, clamped(lane(wordOf(s, i), 32, i / 4 * 2 + i % 2), 16)); }},
     {multimedia(49, 0), [](State& s) { for (int i = 0; i < 4; ++i) put(i % 2 == 0 ? s.lo : s.hi, 32, i / 2 * 2, lane(s.rs, 32, i)); }},
 };
@@ -285,6 +269,17 @@ TEST_F(Multimedia, LanesAreComputedEachForItself) {
 TEST_F(Multimedia, LanesAreCombinedAndMoved) {
     for (const Single& row : singles) {
         hold(row.word, row.apply);
+    }
+    for (const auto& [group, code, width, lanes] : moves) {
+        hold(multimedia(group, code), [&](State& s) {
+            const Quad first = group == pmfhl ? s.lo : s.rt, second = group == pmfhl ? s.hi : s.rs;
+            for (int i = 0; i < 128 / width; ++i) {
+                const char from = lanes[static_cast<std::size_t>(i)];
+                put(s.rd, width, i,
+                    from >= 'g' ? lane(second, width, from - 'g')
+                                : lane(first, width, from <= '9' ? from - '0' : from - 'a' + 10));
+            }
+        });
     }
 }
 
