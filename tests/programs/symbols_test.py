@@ -137,10 +137,9 @@ class SymbolsTest(ProgramTest):
                 "0x00100000 to 0x01fffffe"])
 
     def test_what_to_do(self):
-        complete = "--complete-cpu",
         for words, advice, *options in (
-                ([0x000001F4], "a division by zero", *complete),
-                ([0x3C080010, 0x8D000002], None, *complete),
+                ([0x000001F4], "a division by zero", "--complete-cpu"),
+                ([0x3C080010, 0x8D000002], None, "--complete-cpu"),
                 ([0x24030005, 0x0000000C], "the kernel call 0x05, RFU005, is not there (arguments 0x0, 0x0, 0x0, 0x0)"),
                 ([0x2403001A, 0x0000000C], "the kernel call 0x1a, which has no name, is not there (arguments 0x0, 0x0, 0x0, 0x0)"),
                 ([0x3C081200, 0xA1000000], "the store of 1 byte at 0x12000000 failed: only words and doublewords work in "

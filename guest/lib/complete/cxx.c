@@ -35,6 +35,9 @@ void __cxa_pure_virtual(void) { abort(); }
 
 // What the headers of the C++ library call to throw.
 void throwBadAlloc(void) __asm__("_ZSt17__throw_bad_allocv") __attribute__((alias("__cxa_pure_virtual")));
-void throwBadLength(void) __asm__("_ZSt28__throw_bad_array_new_lengthv") __attribute__((alias("__cxa_pure_virtual")));
-void throwLengthError(void) __asm__("_ZSt20__throw_length_errorPKc") __attribute__((alias("__cxa_pure_virtual")));
-void throwOutOfRange(void) __asm__("_ZSt24__throw_out_of_range_fmtPKcz") __attribute__((alias("__cxa_pure_virtual")));
+void throwBadLength(void) __asm__("_ZSt28__throw_bad_array_new_lengthv")
+    __attribute__((alias("__cxa_pure_virtual")));
+void throwLengthError(void) __asm__("_ZSt20__throw_length_errorPKc")
+    __attribute__((alias("__cxa_pure_virtual")));
+void throwOutOfRange(void) __asm__("_ZSt24__throw_out_of_range_fmtPKcz")
+    __attribute__((alias("__cxa_pure_virtual")));

@@ -22,7 +22,7 @@ float fmaxf(float a, float b);
 float sinf(float angle);  ///< exact to about 1e-5 within a few turns
 float cosf(float angle);
 float tanf(float angle);
-void sincosf(float angle, float* sineOf, float* cosineOf);  ///< which the compiler calls for both of one angle
+void sincosf(float angle, float* sineOf, float* cosineOf);  ///< the compiler calls it
 
 #ifdef __cplusplus
 }
