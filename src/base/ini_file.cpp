@@ -26,7 +26,7 @@ IniFile::IniFile(const char* path) : dictionary(isLoadable(path) ? iniparser_loa
 
 IniFile::IniFile() : dictionary(dictionary_new(0)) {}
 
-void IniFile::Freer::operator()(_dictionary_* dictionary) const { iniparser_freedict(dictionary); }
+void IniFile::Freer::operator()(_dictionary_* parsed) const { iniparser_freedict(parsed); }
 
 void IniFile::set(const char* key, const char* value) {
     if (dictionary != nullptr) {

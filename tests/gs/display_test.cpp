@@ -155,7 +155,7 @@ TEST_F(Display, ShowsTheLastBlanksPictureWheneverItIsLookedAt) {
             case 3:
             case 4:
                 stream.write(RGBAQ, static_cast<u32>(generator()))
-                    .write(PRIM, std::array{0, 1, 3, 6}[random(4)]);
+                    .write(PRIM, std::array<u64, 4>{0, 1, 3, 6}[random(4)]);
                 stream.write(XYZ2, corner() | u64{random(99)} << 32)
                     .write(XYZ2, corner())
                     .write(XYZ2, corner());

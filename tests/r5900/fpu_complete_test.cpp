@@ -111,8 +111,9 @@ TEST_F(FpuComplete, ResultsAreTruncatedAndLimited) {
          },
          [](u32 a, u32 b) { return isNegative(value(b) == 0 ? a ^ b : a); }, false},
     };
-    for (const auto& [function, atMost, negative, limitsSetFlags] : operations) {
+    for (const auto& operation : operations) {
         forOperands([&](u32 a, u32 b) {
+            const auto& [function, atMost, negative, limitsSetFlags] = operation;
             const u32 flags = flagsOf(function), result = image(fd), found = result & largest;
             const bool dividesByZero = (function == 3 || function == 22) && value(b) == 0;
             EXPECT_EQ(isNegative(result), negative(a, b)) << function;
