@@ -43,6 +43,11 @@ if(NOT PNG_FOUND)
     tarn_missing("libpng" libpng-dev)
 endif()
 
+pkg_check_modules(ZLIB IMPORTED_TARGET zlib)
+if(NOT ZLIB_FOUND)
+    tarn_missing("zlib" zlib1g-dev)
+endif()
+
 if(TARN_TESTS)
     find_package(GTest)
     if(NOT GTest_FOUND)

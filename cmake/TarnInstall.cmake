@@ -6,7 +6,7 @@ set(TARN_SHARE ${CMAKE_INSTALL_DATADIR}/tarn)
 # Installing takes what is built, and does not build the tests first.
 set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
 
-install(TARGETS tarn tarn-headless)
+install(TARGETS tarn tarn-headless tarn-gs)
 file(RELATIVE_PATH share_from_bin ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_DATADIR}/tarn)
 file(READ scripts/tarn-setup setup_script)
 string(REPLACE "$here/../share/tarn" "$here/${share_from_bin}" setup_script "${setup_script}")
@@ -15,7 +15,8 @@ install(PROGRAMS ${CMAKE_BINARY_DIR}/generated/tarn-setup TYPE BIN)
 install(FILES data/font_1.bmp data/font_2.bmp data/tarn.ini DESTINATION ${TARN_SHARE}/data)
 install(FILES cmake/tarn.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES cmake/tarn.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
-install(FILES docs/man/tarn.1 docs/man/tarn-headless.1 docs/man/tarn-setup.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES docs/man/tarn.1 docs/man/tarn-headless.1 docs/man/tarn-gs.1 docs/man/tarn-setup.1
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES README.md CONTRIBUTING.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN man EXCLUDE)
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright)

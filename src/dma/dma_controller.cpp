@@ -4,7 +4,7 @@
 #include "base/device_codes.h"
 #include "base/diagnostics.h"
 
-#include "gs/gs.h"
+#include "gs/gs_port.h"
 #include "machine/devices.h"
 #include "machine/machine.h"
 #include "machine/settings.h"
@@ -56,7 +56,7 @@ void acknowledge(unsigned channel, u64 offset) {
 /// acknowledged.
 void continueGif() {
     if (gifTransferGoesOn()) {
-        const u32 done = GSgifTransferStep(MipsMemory + Ps2Bios.gifAddress, Ps2Bios.gifQuadwords);
+        const u32 done = gsPort.transfer(MipsMemory + Ps2Bios.gifAddress, Ps2Bios.gifQuadwords);
         Ps2Bios.gifAddress += done * quadwordBytes;
         Ps2Bios.gifQuadwords -= done;
         machine.counters.gifQuadwords += done;

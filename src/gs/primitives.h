@@ -16,6 +16,10 @@ using PrimitiveRoutine = void (*)(const GsVertex* vertices);
 extern const std::array<s32, 8> primTableC;
 extern const std::array<PrimitiveRoutine, 8> primTable;
 
+/// The table that complete primitives are drawn through. An observer puts one of its own here, whose routines
+/// call those of primTable.
+inline const std::array<PrimitiveRoutine, 8>* primitiveRoutines = &primTable;
+
 /// Counts the vertex just stored in the queue's slot primC; a completed primitive is drawn when `draws`
 /// (XYZ2, XYZF2) and the queue steps either way (XYZ3, XYZF3 as well).
 void vertexKick(bool draws);

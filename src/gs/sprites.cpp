@@ -1,53 +1,16 @@
-// Sprites: rectangles given by two corners, flat, depth-tested or textured, and the palettes of the
-// indexed textures.
+// Sprites: rectangles given by two corners, flat, depth-tested or textured.
 #include "gs/drawing.h"
 #include "gs/local_memory.h"
+#include "gs/palette.h"
 #include "gs/spans.h"
 #include "gs/texel_sources.h"
-#include "gs/transfer.h"
 
 #include <algorithm>
-#include <array>
-#include <cstddef>
-#include <cstring>
 
 namespace tarn {
 namespace {
 
 using namespace pixel_format;
-
-using Palette = std::array<u32, 256>;
-
-/// A piece of local memory from a word on, taken as `count` entries.
-template <typename Entry, std::size_t count>
-std::array<Entry, count> entriesAt(u32 word) {
-    std::array<Entry, count> entries;
-    countWork(sizeof entries / 4, 1);
-    forLocalRuns(word, sizeof entries / 4, [&entries](const u32* words, u32 first, u32 run) {
-        std::memcpy(reinterpret_cast<u8*>(entries.data()) + first * 4, words, run * 4);
-    });
-    return entries;
-}
-
-/// The palette of an indexed texture as 32-bit colours; black where the palette's format is none of the two.
-Palette loadPalette(u32 textureFormat) {
-    const GsTex0& tex0 = Gs.tex0();
-    Palette palette{};
-    // CSM 1 palettes start at a pixel of a buffer CBW × 64 wide, in steps of 16 pixels. So do the 16-bit
-    // palettes of 8-bit textures, whatever CSM says.
-    u32 source = tex0.cbp;
-    if (tex0.csm == 1 || (textureFormat == PSMT8 && tex0.cpsm == PSMCT16)) {
-        source += Gs.clut.cov * Gs.clut.cbw * 64 + Gs.clut.cou * 16;
-    }
-    if (tex0.cpsm == PSMCT16) {
-        copy_clut_cpsm16(palette.data(), entriesAt<u16, 256>(source).data());
-    } else if (tex0.cpsm == PSMCT32 && textureFormat == PSMT8) {
-        copy_clut_pscm32(palette.data(), entriesAt<u32, 256>(source).data());
-    } else if (tex0.cpsm == PSMCT32) {
-        copy_clut_pscm324(palette.data(), entriesAt<u32, 64>(source).data());
-    }
-    return palette;
-}
 
 // Colour sources of textured sprites. Each is put at the first texel of a row and steps a texel a pixel.
 

@@ -54,7 +54,7 @@ void vertexKick(bool draws) {
         if (GsHost.pictureIntact) {
             beforeDrawing();
         }
-        primTable[type](Gs.gsvertex.data());
+        (*primitiveRoutines)[type](Gs.gsvertex.data());
     }
     switch (PrimitiveType{type}) {
     case PrimitiveType::TriangleFan:

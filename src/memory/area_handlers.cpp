@@ -2,7 +2,7 @@
 #include "memory/area_handlers.h"
 
 #include "base/diagnostics.h"
-#include "gs/gs.h"
+#include "gs/gs_port.h"
 #include "machine/machine.h"
 #include "machine/settings.h"
 #include "memory/memory.h"
@@ -37,6 +37,7 @@ void MipsSpecialMemWrite(u8* area, GuestValue value, Width width, u64 base, s32 
         Ps2Bios.dmaWritePending = 1;
         Ps2Bios.dmaWriteOffset = at;
         Ps2Bios.dmaWriteValue = value.low;
+        dmaWritePc = MipsCpu.PC;
     }
     if ((width == Width::Doubleword || width == Width::Word) && holds(area, specialAreaSize, at, width)) {
         writeWidth(area, at, value, width);
@@ -67,13 +68,13 @@ void MipsGSAreaMemWrite(u8*, GuestValue value, Width width, u64 base, s32 offset
             printDiagnostic("%8.8llx: GSwrite64 at %lx with %llx\n", MipsCpu.PC,
                             static_cast<unsigned long>(address), value.low);
         }
-        GSwrite64(address, value.low);
+        gsPort.write64(address, value.low);
     } else if (width == Width::Word) {
         if (Settings.debug_gs == 1) {
             printDiagnostic("%8.8llx: GSwrite32 at %lx with %llx\n", MipsCpu.PC,
                             static_cast<unsigned long>(address), value.low);
         }
-        GSwrite32(address, static_cast<u32>(value.low));
+        gsPort.write32(address, static_cast<u32>(value.low));
     } else {
         refuse("MemGSArea:Write DataType Not Handled\n");
     }
@@ -88,7 +89,7 @@ void MipsGSAreaMemRead(const u8*, GuestValue* destination, Width width, u64 base
         }
     };
     if (width == Width::Doubleword) {
-        destination->low = GSread64(static_cast<u32>(address));
+        destination->low = gsPort.read64(static_cast<u32>(address));
         trace("GSread64");
     } else if (width == Width::Word) {
         destination->low = GSread32(static_cast<u32>(address));

@@ -9,6 +9,10 @@ namespace tarn {
 // Each takes the area's buffer and the address as the dispatcher received it. A width that the area does not
 // support, or an access that would end outside the buffer, prints to standard output and pauses.
 
+/// PC of the instruction that wrote to a DMA register last: for observers, nothing in the machine looks at
+/// it.
+inline u64 dmaWritePc = 0;
+
 /// Doublewords and words. Accesses to the DMA registers are recorded in Ps2Bios, refused ones included.
 void MipsSpecialMemWrite(u8* area, GuestValue value, Width width, u64 base, s32 offset);
 void MipsSpecialMemRead(const u8* area, GuestValue* destination, Width width, u64 base, s32 offset);

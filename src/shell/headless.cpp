@@ -284,6 +284,7 @@ int runHeadless(const HeadlessOptions& options) {
     if ((!debugger || debugger->listen(*options.gdbPort)) && start() && history.begin(savedState) &&
         outputs.beginCounting()) {
         past = &history;
+        outputs.beginRecording();
         end = debugger ? runDebugged(*debugger, limitsOf(options)) : run(options, place, outputs);
     }
     progress.clear();

@@ -22,9 +22,10 @@ template <typename Value>
 using Optional = std::optional<Value> Options::*;
 
 /// Where the value of an option goes; its type says how the value is read.
-using Target = std::variant<bool Options::*, Optional<std::string>, Optional<u16>, Optional<u32>,
-                            Optional<u64>, Optional<Options::Place>, Optional<Options::Bytes>,
-                            std::vector<ConfigurationSource::Assignment> Options::*>;
+using Target =
+    std::variant<bool Options::*, Optional<std::string>, Optional<u16>, Optional<u32>, Optional<u64>,
+                 Optional<Options::Place>, Optional<Options::Bytes>, Optional<recording::FrameRange>,
+                 std::vector<ConfigurationSource::Assignment> Options::*>;
 
 struct Option {
     const char* name;
@@ -53,6 +54,9 @@ constexpr Option optionTable[] = {
     {"profile", "FILE", &Options::profile,
      "count every instruction, and write the profile in callgrind's format"},
     {"coverage", "FILE", &Options::coverage, "write which lines and functions ran, in lcov's format"},
+    {"record", "FILE", &Options::record, "record what reaches the GS, for tarn-gs"},
+    {"record-frames", "RANGE", &Options::recordFrames,
+     "only these frames, FIRST:LAST; frame N ends with the Nth vertical blank"},
     {"set", "SETTING", &Options::assignments,
      "set a key of the configuration: Section:Key=VALUE; -D for short"},
     {"exit-status", nullptr, &Options::exitStatus,
@@ -166,6 +170,18 @@ class Parser {
         }
     }
 
+    /// FIRST:LAST, or one frame.
+    void take(const char* name, std::optional<recording::FrameRange>& frames) {
+        const std::string_view text = optarg;
+        const std::size_t colon = std::min(text.find(':'), text.size());
+        least = 1;
+        frames.emplace().first = number<u64>(name, text.substr(0, colon));
+        frames->last = colon < text.size() ? number<u64>(name, text.substr(colon + 1)) : frames->first;
+        if (frames->last < frames->first) {
+            complain("--%s takes FIRST:LAST, not '%s'", name, optarg);
+        }
+    }
+
     void take(const char* name, std::vector<ConfigurationSource::Assignment>& assignments) {
         const std::string_view text = optarg;
         const std::size_t equals = std::min(text.find('='), text.size());
@@ -191,17 +207,20 @@ class Parser {
     }
 
     void checkTogether() {
-        const auto files = {&options.picture, &options.vramDump, &options.trace,
-                            &options.profile, &options.coverage, &options.saveState};
+        const auto files = {&options.picture,  &options.vramDump,  &options.trace, &options.profile,
+                            &options.coverage, &options.saveState, &options.record};
         if (std::ranges::count_if(files, [](const auto* file) { return *file == "-"; }) > 1) {
             complain("only one output can go to standard output");
         }
         if (options.pictureEvery && (!options.picture || options.picture == "-")) {
             complain("--picture-every takes the names of its files from --picture FILE");
         }
-        if (options.gdbPort &&
-            (options.until || options.pictureEvery || options.profile || options.coverage)) {
-            complain("--until, --picture-every, --profile and --coverage do not work with --gdb");
+        if (options.recordFrames && !options.record) {
+            complain("--record-frames needs --record FILE");
+        }
+        if (options.gdbPort && (options.until || options.pictureEvery || options.profile ||
+                                options.coverage || options.record)) {
+            complain("--until, --picture-every, --profile, --coverage and --record do not work with --gdb");
         }
     }
 

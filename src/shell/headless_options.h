@@ -3,6 +3,7 @@
 
 #include "base/configuration.h"
 #include "base/types.h"
+#include "recording/recorder.h"
 
 #include <optional>
 #include <string>
@@ -35,6 +36,8 @@ struct HeadlessOptions {
     std::optional<std::string> trace;
     std::optional<std::string> profile;
     std::optional<std::string> coverage;
+    std::optional<std::string> record;  ///< file for what the GS gets
+    std::optional<recording::FrameRange> recordFrames;
     std::optional<u16> gdbPort;  ///< loopback port to wait for a debugger on; 0 stands for any free one
     std::optional<std::string> saveState;  ///< file for the machine at the end
     std::optional<std::string> loadState;  ///< file to start from

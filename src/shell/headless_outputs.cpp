@@ -10,6 +10,7 @@
 #include "machine/machine.h"
 #include "machine/settings.h"
 #include "r5900/interpreter.h"
+#include "recording/recorder.h"
 #include "shell/session.h"
 #include "symbols/callgrind_file.h"
 #include "symbols/lcov_file.h"
@@ -65,7 +66,8 @@ bool HeadlessOutputs::open() {
                                      {&options.saveState, &state},
                                      {&options.trace, &trace},
                                      {&options.profile, &profile},
-                                     {&options.coverage, &coverage}}) {
+                                     {&options.coverage, &coverage},
+                                     {&options.record, &recorded}}) {
         if (!*path) {
             continue;
         }
@@ -86,6 +88,21 @@ bool HeadlessOutputs::beginCounting() const {
         return false;
     }
     return true;
+}
+
+void HeadlessOutputs::beginRecording() {
+    if (options.record) {
+        recording::startRecording(
+            recorded.stream(), options.recordFrames.value_or(recording::FrameRange{}), table(),
+            "tarn " + std::to_string(versionMajor) + "." + std::to_string(versionMinor));
+    }
+}
+
+bool HeadlessOutputs::finishRecording() {
+    if (!recording::stopRecording()) {
+        recorded.noteFailure("the run did not come to the first frame of --record-frames");
+    }
+    return recorded.close();
 }
 
 void HeadlessOutputs::writeNumberedPicture() {
@@ -124,6 +141,9 @@ void HeadlessOutputs::writeCounts() {
 
 bool HeadlessOutputs::write() {
     bool complete = !numberedPictureLost;
+    if (options.record) {
+        complete &= finishRecording();
+    }
     if (options.picture) {
         writePicture(picture, MainScreen, isPngName(*options.picture));
         complete &= picture.close();

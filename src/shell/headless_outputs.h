@@ -29,6 +29,9 @@ class HeadlessOutputs {
     /// Has instructions counted when that is asked for; false, with a message, when it cannot be.
     bool beginCounting() const;
 
+    /// Has what reaches the GS recorded when that is asked for.
+    void beginRecording();
+
     /// Writes the emulated display with the number of vertical blanks in the file's name.
     void writeNumberedPicture();
 
@@ -38,10 +41,11 @@ class HeadlessOutputs {
   private:
     bool writeSnapshot();
     void writeCounts();
+    bool finishRecording();
 
     const HeadlessOptions& options;
     const symbols::SymbolTable& (*table)();
-    OutputFile picture, vram, state, trace, profile, coverage;
+    OutputFile picture, vram, state, trace, profile, coverage, recorded;
     bool numberedPictureLost = false;
 };
 

@@ -64,7 +64,7 @@ bool writeAsBmp(std::FILE* file, SDL_Surface* view) {
 }  // namespace
 
 bool reportLostOutput(const char* path, const char* reason) {
-    std::fprintf(stderr, "tarn-headless: cannot write %s: %s\n", path, reason);
+    std::fprintf(stderr, "%s: cannot write %s: %s\n", commandName, path, reason);
     return false;
 }
 

@@ -45,6 +45,9 @@ void writePicture(OutputFile& file, SDL_Surface* surface, bool asPng);
 /// Writes a picture to the file of that name; false, with a message, when it is not written.
 bool writePicture(const std::string& path, SDL_Surface* surface);
 
+/// The program, as its messages begin.
+inline const char* commandName = "tarn-headless";
+
 /// Reports on standard error that a file cannot be written; false.
 bool reportLostOutput(const char* path, const char* reason);
 

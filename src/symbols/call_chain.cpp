@@ -67,7 +67,7 @@ Frame frameAt(const Reader& memory, u32 function, u32 pc) {
 }  // namespace
 
 std::vector<u32> callersOf(const SymbolTable& table, std::span<const u8> mainMemory, u64 pc, u64 stackPointer,
-                           u64 returnAddress) {
+                           u64 returnAddress, std::vector<u32>* savedAt) {
     const Reader memory(mainMemory);
     std::vector<u32> callers;
     u32 at = foldAddress(pc);
@@ -81,6 +81,9 @@ std::vector<u32> callersOf(const SymbolTable& table, std::span<const u8> mainMem
         std::optional<u32> site;
         if (frame.savedAt) {
             const u32 slot = stack + *frame.savedAt;
+            if (savedAt != nullptr) {
+                savedAt->push_back(slot);
+            }
             site = memory.holds(slot) ? memory.callBefore(foldAddress(memory.word(slot))) : std::nullopt;
         } else if (callers.empty()) {  // its callers have long used the register for their own calls
             site = memory.callBefore(foldAddress(returnAddress));

@@ -1,0 +1,40 @@
+// A stream of bytes, compressed and then written as text.
+#pragma once
+
+#include "base/types.h"
+
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct z_stream_s;
+
+namespace tarn::recording {
+
+/// Compresses what is added to it in zlib's format.
+class Deflated {
+  public:
+    Deflated();
+
+    void add(std::span<const u8> bytes) { deflate(bytes, false); }
+    void add(std::string_view text) { add(std::span(reinterpret_cast<const u8*>(text.data()), text.size())); }
+
+    /// The bytes so far; the last few may still be missing.
+    std::size_t size() const { return compressed.size(); }
+
+    /// All of it in base 64.
+    std::string finish();
+
+  private:
+    void deflate(std::span<const u8> bytes, bool last);
+
+    struct StreamEnd {
+        void operator()(z_stream_s* stream) const;
+    };
+    std::unique_ptr<z_stream_s, StreamEnd> stream;
+    std::vector<u8> compressed;
+};
+
+}  // namespace tarn::recording
