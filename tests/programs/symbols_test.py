@@ -2,65 +2,12 @@
 
 import re
 import subprocess
+from pathlib import Path
 
 from tarn_programs import ProgramTest, elf
 
-# Each line ends in how often it runs. Both calls of leaf return to _start by way of work, the second as a jump; the
-# transfer starts in a delay slot, when its function has all but returned.
-SOURCE = """\
-        .set noreorder
-        .macro function name
-        .globl \\name
-        .type \\name, @function
-\\name:
-        .endm
-        function _start
-        li      $16, 3                  # 1
-1:      jal     work                    # 3
-        addiu   $16, $16, -1            # 3
-        bnez    $16, 1b                 # 3
-        nop                             # 3
-        beql    $0, $16, 2f             # 1
-        nop                             # 1
-2:      bnel    $0, $16, 1b             # 1
-        nop                             # 0
-        jal     draw                    # 1
-        li      $4, 5                   # 1
-        li      $3, 4                   # 1
-        syscall                         # 1
-        .size _start, . - _start
-        function work
-        addiu   $sp, $sp, -16           # 3
-        sd      $31, 0($sp)             # 3
-        jal     leaf                    # 3
-        nop                             # 3
-        ld      $31, 0($sp)             # 3
-        j       leaf                    # 3
-        addiu   $sp, $sp, 16            # 3
-        .size work, . - work
-        function leaf
-        jr      $31                     # 6
-        nop                             # 6
-        .size leaf, . - leaf
-        function unused
-        jr      $31                     # 0
-        nop                             # 0
-        .size unused, . - unused
-        function draw
-        lui     $8, 0x1001              # 1
-        lui     $9, %hi(packet)         # 1
-        addiu   $9, $9, %lo(packet)     # 1
-        sw      $9, -0x5FF0($8)         # 1
-        li      $9, 7                   # 1
-        sw      $9, -0x5FE0($8)         # 1
-        li      $9, 0x101               # 1
-        jr      $31                     # 1
-        sw      $9, -0x6000($8)         # 1
-        .size draw, . - draw
-        .data
-        .align 4
-packet: .quad 0x1000000000008006, 0xE, 0x10000, 0x4C, 0x003F0000003F0000, 0x40, 6, 0, 0xFFFFFF, 1, 0, 5, 0x5000A0, 5
-"""
+SOURCE = (Path(__file__).parent / "counted.S").read_text()  # each line says how often it runs
+LEAF = "jr      $31                     # 4"
 
 
 class SymbolsTest(ProgramTest):
@@ -96,8 +43,8 @@ class SymbolsTest(ProgramTest):
         report = self.tool("callgrind_annotate", "--threshold=100", "--inclusive=yes", "a.out")
         costs = {name: tuple(int(number) for number in re.sub(r"\(.*?\)", "", line).split())
                  for line, name in re.findall(r"^( *\d.*) \S*count.S:(\w+)$", report, re.MULTILINE)}
-        self.assertEqual(costs, {"_start": (total, 50, 28), "work": (33, 0, 0), "leaf": (12, 0, 0),
-                                 "draw": (9, 50, 28)})
+        self.assertEqual(costs, {"_start": (total, 50, 28), "outer": (46, 0, 0), "work": (22, 0, 0),
+                                 "leaf": (8, 0, 0), "draw": (9, 50, 28)})
         self.assertEqual(drawn, 50)
         source = self.tool("callgrind_annotate", "--threshold=100", "a.out")
         for number, count in self.expected_counts().items():
@@ -113,26 +60,26 @@ class SymbolsTest(ProgramTest):
             counts = {int(line): int(count) for line, count in re.findall(r"^DA:(\d+),(\d+)$", text, re.MULTILINE)}
             self.assertEqual(counts, {line: count * runs for line, count in self.expected_counts().items()})
             functions = {name: int(count) for count, name in re.findall(r"^FNDA:(\d+),(\w+)$", text, re.MULTILINE)}
-            self.assertEqual(functions, {"_start": runs, "work": 3 * runs, "leaf": 6 * runs, "unused": 0, "draw": runs})
-        self.assertIn("functions..: 80.0% (4 of 5 functions)", self.tool("genhtml", "-o", "html", "once.info"))
+            self.assertEqual(functions, {"_start": runs, "outer": 3 * runs, "work": 2 * runs, "leaf": 4 * runs,
+                                         "unused": 0, "draw": runs})
+        self.assertIn("functions..: 83.3% (5 of 6 functions)", self.tool("genhtml", "-o", "html", "once.info"))
         self.assertTrue(list((self.directory / "html").rglob("count.S.gcov.html")))
 
     def test_where_and_how(self):
         self.assemble(SOURCE)
         lines = SOURCE.splitlines()
         at = {name: lines.index(next(line for line in lines if text in line)) + 1
-              for name, text in (("exit", "syscall"), ("first", "jal     work"), ("second", "jal     leaf"),
-                                 ("jump", "j       leaf"), ("leaf", "jr      $31"))}
+              for name, text in (("exit", "syscall"), ("outer", "jal     outer"), ("first", "jal     work"), ("second", "jal     leaf"),
+                                 ("jump", "j       leaf"), ("leaf", LEAF))}
         self.assertEqual(self.reported(), [f"in _start+0x30 (count.S:{at['exit']})",
                                            "the program has ended, with result 5"])
-        jump, slot = "jr      $31                     # 6\n", "        nop                             # 6"
-        load = "        lw      $2, 0x10($0)"
-        for leaf, place in (SOURCE.replace(jump, load.lstrip() + "\n"), f"leaf (count.S:{at['leaf']})"), \
-                           (SOURCE.replace(jump + slot, jump + load), f"leaf+0x4 (count.S:{at['leaf'] + 1})"):
+        slot, load = "        nop                             # 4", "        lw      $2, 0x10($0)"
+        for leaf, place in (SOURCE.replace(LEAF, load.lstrip()), f"leaf (count.S:{at['leaf']})"), \
+                           (SOURCE.replace(LEAF + "\n" + slot, LEAF + "\n" + load), f"leaf+0x4 (count.S:{at['leaf'] + 1})"):
             self.assemble(leaf)
             self.assertEqual(self.reported(), [
                 "in " + place, f"called from work+0x8 (count.S:{at['second']})",
-                f"called from _start+0x4 (count.S:{at['first']})",
+                f"called from outer+0x18 (count.S:{at['first']})", f"called from _start+0x4 (count.S:{at['outer']})",
                 "the load of 4 bytes at 0x00000010 failed: nothing is there, a null pointer; the nearest is main memory, "
                 "0x00100000 to 0x01fffffe"])
 
@@ -146,6 +93,10 @@ class SymbolsTest(ProgramTest):
                  "the registers of the GS, 0x12000000 to 0x12001080"),
                 ([0x3C087000, 0xFD000008], "the store of 8 bytes at 0x70000008 failed: nothing is there; the nearest is "
                  "the BIOS image, 0x1fc00000 to 0x1ffffffe"),
+                ([0x3C082000, 0xA100FFFE], "the store of 1 byte at 0x1ffffffe failed: only loads of words and bytes work in "
+                 "the BIOS image, 0x1fc00000 to 0x1ffffffe"),
+                ([0xAC001000], "the store of 4 bytes at 0x00001000 failed: nothing is there; the nearest is main memory, "
+                 "0x00100000 to 0x01fffffe"),
                 ([0x00000027], "the complete processor has this instruction: General:Complete_cpu = 1, or "
                  "--complete-cpu"),
                 ([0x3C08E000, 0x01000008, 0],
