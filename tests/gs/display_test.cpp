@@ -98,10 +98,11 @@ TEST_F(Display, EveryPixelIsTheFormulas) {
         const WideVectors vectors(random(2) != 0);
         const s32 depth = std::array{15, 16, 24, 32}[number % 4];
         const s32 told = random(6) == 0 ? std::array{0, 8, 16, 24, 32}[random(5)] : depth;
-        const s32 width = random(20) == 0 ? -5 : static_cast<s32>(random(700));
-        const s32 height = random(20) == 0 ? 0 : static_cast<s32>(random(90));
+        constexpr std::array extremes{0, -5, INT32_MIN, INT32_MAX};
+        const s32 width = random(10) == 0 ? extremes[random(4)] : static_cast<s32>(random(700));
+        const s32 height = random(10) == 0 ? extremes[random(4)] : static_cast<s32>(random(90));
         // Every third surface is not the size that the configuration gives.
-        const bool other = width <= 0 || height <= 0 || random(3) == 0;
+        const bool other = width - 1U >= 700 || height - 1U >= 90 || random(3) == 0;
         const Surface surface = makeSurface(other ? 1 + static_cast<s32>(random(300)) : width,
                                             other ? 1 + static_cast<s32>(random(90)) : height, depth);
         ASSERT_NE(surface, nullptr);
