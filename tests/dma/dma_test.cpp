@@ -66,8 +66,9 @@ TEST_F(DmaTest, Channel2SendsInNormalModeAndAcknowledgesAlways) {
          "GSgifTransfer 101 : Add:0000000001ffffe0 size:4294967295\n"},  // cut
         {0x101, 0x1FFFFF0, 2, 1, false, "GSgifTransfer 101 : Add:0000000001fffff0 size:2\n"},
         {0x101, 0x2000000, 2, 1, false, "GSgifTransfer 101 : Add:0000000002000000 size:2\n"},
-        {0x105, 0x1000, 2, 5, false, "GSgifTransfer Not Handled : 05 \n"},  // a chain
-        {0x100, 0x1000, 2, 0, false, "GSgifTransfer Not Handled : 00 \n"},  // to memory
+        {0x105, 0x1000, 2, 5, false, "GSgifTransfer Not Handled : 05 \n"},     // a chain
+        {0x141, 0x1000, 2, 0x41, false, "GSgifTransfer Not Handled : 41 \n"},  // with tags
+        {0x100, 0x1000, 2, 0, false, "GSgifTransfer Not Handled : 00 \n"},     // to memory
     };
     for (const auto& [control, address, quadwords, readBack, sent, line] : starts) {
         restart();

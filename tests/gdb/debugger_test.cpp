@@ -75,6 +75,7 @@ TEST_F(DebuggerTest, RegistersAndMemory) {
     put(0x40, 0x24232221);
     std::memcpy(BiosMemory, "BIOS", 4);
     std::memcpy(SpecialAreaMemory + 0xA000, "\x01\x01", 2);
+    EXPECT_EQ(ask("m100000,ffffffffff").size(), maximumPacket) << "as much as a reply holds";
     const std::string all = ask("g");
     EXPECT_EQ(all.size(), 2 * (32 * 8 + 4 * 8 + 2 * 4 + 34 * 4));
     EXPECT_EQ(ask("qXfer:features:read:target.xml:10,20"), "m" + targetDescription().substr(0x10, 0x20));
@@ -145,7 +146,8 @@ TEST_F(DebuggerTest, WatchpointsStopBeforeTheAccess) {
         std::optional<std::string> reply;
     } cases[] = {
         {"Z2,200004,4", swSp4, 0, "T05watch:00200004;"},
-        {"Z2,200008,4", swSp4, 0, std::nullopt},          // beside it
+        {"Z2,200008,4", swSp4, 0, std::nullopt},  // beside it
+        {"Z2,200000,4", swSp4, 0, std::nullopt},
         {"Z2,200001,4", swSp4, 0, "T05watch:00200004;"},  // into its last byte
         {"Z2,20200004,1", swSp4, 0, "T05watch:20200004;"},
         {"Z2,1ffff0,8", lqSp, 0, std::nullopt},

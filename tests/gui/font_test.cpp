@@ -1,6 +1,7 @@
 // Bitmap fonts: glyph markers, text and its placement, recolouring, pixel access, unusable images.
 #include "gui/bmp_file.h"
 #include "gui/font_extras.h"
+#include "gui/toolkit_extras.h"
 #include "support/machine_test.h"
 #include "support/run_directory.h"
 #include "surfaces.h"
@@ -29,6 +30,7 @@ TEST(Font, MarkersGiveTheGlyphs) {
         EXPECT_EQ(GetCurrentFont(), font.get());
     }
     EXPECT_EQ(outputOf([] { makeFont(12, 8, {{8, 4}}); }), "x too big in GetPixel!\n") << "looks for the end";
+    EXPECT_EQ(GetCurrentFont(), nullptr) << "no font that is freed";
     const FontPtr full = makeFont(1200, 4, steppedGlyphs(230));
     EXPECT_EQ(TextWidthFont(full.get(), "! \x80\xFF"), 1 + 1 + 3 + 1) << "codes are unsigned, and end at 255";
 }
@@ -81,6 +83,8 @@ TEST(Font, RecolouringScalesAllButTheKey) {
     EXPECT_EQ(pixelOf(coloured->surface.get(), 7, 1), keyColour);
     EXPECT_EQ(pixelOf(font->surface.get(), 3, 1), inkColour);
     EXPECT_EQ(GetCurrentFont(), font.get()) << "recolouring is not loading";
+    PutPixel(font->surface.get(), 0, 3, 7);
+    EXPECT_EQ(tarn::keyColour(font->surface.get()), 7U) << "of the bottom row";
 }
 
 /// A BMP file: eight pixels in a row, glyphs of one and two pixels among them.
@@ -104,7 +108,7 @@ std::string imageOf(u32 headerSize, u32 depth, u32 compression, const std::vecto
 
 TEST(Font, LoadsOnlySaneImages) {
     const RunDirectory directory;
-    SDL_SaveBMP(makeStrip(500, 11, steppedGlyphs(94)).get(), "font.bmp");
+    SDL_SaveBMP(makeStrip(501, 11, steppedGlyphs(94)).get(), "font.bmp");
     const std::string contents = RunDirectory::read("font.bmp");
     const std::vector<u8> sane{contents.begin(), contents.end()};
     const FontPtr font = LoadFont("font.bmp");
@@ -117,6 +121,10 @@ TEST(Font, LoadsOnlySaneImages) {
     for (std::size_t size = 0; size < sane.size(); size += 53) {
         EXPECT_FALSE(isSaneBmp({sane.data(), size})) << size;
     }
+    EXPECT_FALSE(isSaneBmp({sane.data(), sane.size() - 1}));
+    std::vector<u8> palette = sane;
+    palette[28] = 8, palette[47] = 1;
+    EXPECT_TRUE(isSaneBmp(palette)) << "256 colours";
     // Words of the header that no reader may trust, by offset: magic, pixels, header size, width, height,
     // depth with compression, colours of a palette.
     const std::pair<std::size_t, u32> patches[] = {

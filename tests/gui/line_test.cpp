@@ -52,6 +52,9 @@ TEST(Line, PixelsAreStoredByTheirSizeAndClipped) {
     const u8* bytes = static_cast<u8*>(SDL_getPixel(surface.get(), 1, 1));
     ASSERT_EQ(bytes, static_cast<u8*>(surface->pixels) + surface->pitch + 3);
     EXPECT_EQ(std::vector<u8>(bytes, bytes + 4), (std::vector<u8>{0xCC, 0xBB, 0xAA, 0}));
+    SDL_putPixel(surface.get(), 2, 0, 0x0000FF);
+    SDL_blendPixel(surface.get(), 2, 0, 0x00FF00, 1);
+    EXPECT_EQ(pixelOf(surface.get(), 2, 0), 0x0000FEU) << "rounds down, down too";
     for (const auto& [x, y] : {std::pair{-1, 0}, {4, 0}, {0, -1}, {0, 2}, {INT32_MIN, INT32_MAX}}) {
         EXPECT_EQ(SDL_getPixel(surface.get(), x, y), nullptr);
         SDL_putPixel(surface.get(), x, y, 0);

@@ -62,6 +62,7 @@ TEST_F(KernelTest, ServedCallsTakeWholeRegisters) {
         {0x12, 10, 1, kept, "|channel: 10, Address: 0x00000001\n"},
         {0x12, ~u64{0}, 1, kept, "|channel: -1, Address: 0x00000001\n"},
         {0x12, 0x500000005, handler, kept, "|channel: 21474836485, Address: 0xffffffff80105000\n"},
+        {0x12, 0x105, 1, kept, "|channel: 261, Address: 0x00000001\n"},
         {0x12, 3, 1, kept, "|channel:  3, Address: 0x00000001\n"},
         {0x3C, 1, 2, stack, ""},
         {0x3D, 0xFFFFFFFF, 1, 0x100000000, ""},

@@ -1,5 +1,6 @@
 // Where loads and stores go: every boundary of every range at each width, and the words of what is refused;
 // the GS trace, and the allocation of the areas.
+#include "base/diagnostics.h"
 #include "machine/devices.h"
 #include "support/machine_test.h"
 
@@ -114,7 +115,7 @@ TEST_F(MachineTest, StoresReachTheirAreaOrAreRefusedInWords) {
 
 TEST_F(MachineTest, LoadsComeFromTheirAreaOrAreRefusedInWords) {
     for (u32 at = 0; at < biosMemorySize; ++at) {
-        BiosMemory[at] = static_cast<u8>(at * 7);
+        BiosMemory[at] = static_cast<u8>(at * 7 + (at >> 16));
     }
     for (u32 at : {0x100000U, 0x1BFFFF0U, 0x1FFFFF0U}) {
         std::memcpy(MipsMemory + at, &pattern, 16);
@@ -159,6 +160,7 @@ TEST_F(MachineTest, GsAccessesReachTheRendererAndAreTraced) {
         const std::string printed = outputOf([&] {
             MipsMemoryWrite({0x300000001, 9}, Width::Doubleword, 0x12000000, 0);
             MipsMemoryWrite({0x300000002, 9}, Width::Word, 0x12000000, 0);
+            MipsMemoryRead(&destination, Width::Word, 0x12000000, 0x400);  // which 64 bits would flip
             MipsMemoryRead(&destination, Width::Word, 0xFFFFFFFF12000000, 0x1000);
             MipsMemoryRead(&destination, Width::Doubleword, 0x12001000, 0);
         });
@@ -166,9 +168,25 @@ TEST_F(MachineTest, GsAccessesReachTheRendererAndAreTraced) {
         EXPECT_EQ(printed, flag != 1 ? ""
                                      : "00100008: GSwrite64 at 12000000 with 300000001\n"
                                        "00100008: GSwrite32 at 12000000 with 300000002\n"
+                                       "00100008: GSread32 at 12000400 with 0\n"
                                        "00100008: GSread32 at ffffffff12001000 with 8\n"
                                        "00100008: GSread64 at 12001000 with 8\n");
     }
+}
+
+TEST_F(MachineTest, TheSerialPortTakesWordsAndMakesLinesOfThem) {
+    Settings.console = 1;
+    const auto say = [](const std::string& text) {
+        for (const char letter : text) {
+            MipsMemoryWrite({0xFFFFFF00U | static_cast<u8>(letter), 0}, Width::Word, 0x1000F180, 0);
+        }
+    };
+    const std::string longest(1000, 'x');
+    say("one\n\n" + longest + "y");
+    PrintToEmuOutput("another");
+    EXPECT_EQ(emuOutput(), (Lines{"one", "", longest, "y", "another"}));
+    MipsMemoryWrite({0x41, 0}, Width::Doubleword, 0x1000F180, 0);
+    EXPECT_EQ(doublewordAt(0x1000F180), 0x41U);
 }
 
 TEST_F(MachineTest, AllocationReportsSuccessAndFailure) {
@@ -179,6 +197,8 @@ TEST_F(MachineTest, AllocationReportsSuccessAndFailure) {
     };
     EXPECT_EQ(allocateAll(), 4);
     EXPECT_EQ(emuOutput().front(), "R5900:Allocation Main Memory 32 Mbits...OK");
+    reset(machine);
+    EXPECT_TRUE(MipsMemory != nullptr && Gs.vRam != nullptr) << "the memory stays";
     const FailingAllocation failing;
     EXPECT_EQ(allocateAll(), 0);
     EXPECT_EQ(emuOutput(), (Lines{"R5900:Allocation Main Memory 32 Mbits...KO",

@@ -34,6 +34,7 @@ class Client:
             if not data:
                 raise ConnectionError(self.received)
             self.received += data
+        self.acknowledgements = self.received[:match.start()]
         self.received = self.received[match.end():]
         return match.group(1)
 

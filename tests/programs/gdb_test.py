@@ -1,6 +1,7 @@
 """Debugging over a real connection: gdb-multiarch against guest programs, and what a bad client does."""
 
 import signal
+import socket
 import unittest
 
 from debugged import Client, DebuggedTest, SessionTest, packet, withGdb
@@ -53,8 +54,13 @@ class ClientTest(DebuggedTest):
     def test_bad_packets_and_dropped_connections(self):
         self.start("picture", "--frames", "3")
         client = Client(self.port)
+        with self.assertRaises(ConnectionRefusedError):
+            socket.create_connection(("127.0.0.2", self.port))
         registers = client.ask(b"g")
+        client.send(b"-")  # once more
+        self.assertEqual(client.reply(), registers)
         client.send(b"$g#00")  # wrong checksum
+        self.assertEqual(client.socket.recv(1), b"-")
         client.send(bytes(range(4, 36)) * 1000 + b"}}$$$##$m#$#-")
         client.send(b"$" + b"A" * 1000000 + b"#00")
         client.send(b"$m1000")
@@ -68,9 +74,13 @@ class ClientTest(DebuggedTest):
             client.send(packet(b"m100000,2000"))
         client.close()
 
+        for _ in range(2):  # what one debugger asks for is not there for the next
+            client = Client(self.port)
+            self.assertEqual((client.ask(b"g"), client.acknowledgements), (registers, b"+"))
+            self.assertEqual(client.ask(b"QStartNoAckMode"), b"OK")
+            self.assertEqual((client.ask(b"g"), client.acknowledgements), (registers, b""))
+            client.close()
         client = Client(self.port)
-        self.assertEqual(client.ask(b"g"), registers)
-        self.assertEqual(client.ask(b"QStartNoAckMode"), b"OK")
         client.send(packet(b"c"))
         client.close()  # the machine runs on
         self.assertIn("frame limit reached", self.end(0))

@@ -56,7 +56,7 @@ class HeadlessTest(ProgramTest):
         self.assertEqual(self.output_file("t"), b"")
 
     def test_lost_outputs(self):
-        for option in "--picture", "--dump-vram", "--trace":
+        for option in "--picture", "--dump-vram", "--trace", "--profile", "--coverage":
             for path, reason in (("/dev/full", "No space left on device"), (".", "Is a directory"),
                                  ("missing/file", "No such file or directory")):
                 with self.subTest(option, path=path):
@@ -65,6 +65,10 @@ class HeadlessTest(ProgramTest):
         self.configure("picture", video="Bpp=4")
         _, messages = self.run_headless("--steps=99", "--picture=p.bmp", status=1)
         self.assertIn("tarn-headless: cannot write p.bmp: 4 bpp BMP files not supported", messages)
+        self.configure("picture", video="Bpp=64")
+        output, messages = self.run_headless("--steps=99", "--picture=p.bmp", status=1)
+        self.assertIn("CreateRGBSurface failed: No pixels of 64 bits\n", output)
+        self.assertIn("tarn-headless: cannot write p.bmp: there is no picture\n", messages)
         _, messages = self.run_headless("--steps=99", "--snapshot=missing/", "--dump-vram=vram.bin", status=1)
         self.assertIn("tarn-headless: cannot write missing/snapNNN.bmp: No such file or directory", messages)
         self.assertEqual(len(self.output_file("vram.bin")), VRAM_BYTES, "the others are whole")

@@ -1,10 +1,13 @@
 """What tarn-headless says on standard error beside the machine's own lines: warnings, and how far it has come."""
 
+import fcntl
 import os
 import pty
 import re
 import signal
+import struct
 import subprocess
+import termios
 import threading
 from pathlib import Path
 
@@ -39,7 +42,7 @@ class ConfigurationWarningsTest(ProgramTest):
                 sense.format("Video:Height", 65536, "a number from 1 to 16383"),
                 sense.format("Video:Bpp", 17, "15, 16, 24 or 32"),
                 sense.format("Video:Frame_rate", -1, "0 or more")],
-            "\x1b[2J=1\n": [unknown.format("general:?[2j", "General:Elf")],
+            "\x1b\x7f2J=1\n": [unknown.format("general:??2j", "General:Elf")],
         }
         for text, expected in cases.items():
             with self.subTest(text):
@@ -62,11 +65,12 @@ class ConfigurationWarningsTest(ProgramTest):
 
 
 class ProgressTest(ProgramTest):
-    def on_terminal(self, *options, standard_output_too=False, seconds=None):
+    def on_terminal(self, *options, standard_output_too=False, seconds=None, columns=0):
         """What a terminal on standard error receives of a run that a signal ends: after some time, or when it has
         shown its line several times."""
         self.configure("picture", general="Debug_GS=1\nDebug_dma=1")
         controller, terminal = pty.openpty()
+        fcntl.ioctl(terminal, termios.TIOCSWINSZ, struct.pack("HHHH", 25, columns, 0, 0))
         with subprocess.Popen([BUILD / "tarn-headless", *options], cwd=self.directory, stderr=terminal,
                               stdout=terminal if standard_output_too else subprocess.DEVNULL) as machine:
             os.close(terminal)
@@ -94,6 +98,8 @@ class ProgressTest(ProgramTest):
             # No other text has the line before it: what a terminal shows is the last text after each erasure.
             for line in text.split("\r\n"):
                 self.assertNotIn("steps per second", line.split("\r\x1b[K")[-1])
+        narrow = self.on_terminal(seconds=1, columns=12).split("\r\x1b[K")
+        self.assertTrue(all(len(text) == 11 for text in narrow[1:-1]) and len(narrow) > 2, "the last column stays free")
 
     def test_no_line_unless_on_a_terminal(self):
         self.assertNotIn("per second", self.on_terminal("--quiet", seconds=1))

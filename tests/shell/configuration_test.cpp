@@ -25,19 +25,11 @@ class Configuration : public testing::Test {
 using Values = std::vector<u32>;
 
 Values numbers() {
+    // clang-format off
     const TarnSettings& s = Settings;
-    return {s.debug_op,
-            s.debug_dma,
-            s.debug_print_syscall,
-            s.debug_gs,
-            s.koGUI_MainScreenW,
-            s.koGUI_MainScreenH,
-            s.koGUI_MainScreenBPP,
-            s.koGUI_MainScreenStretch,
-            s.stepsPerPoll,
-            s.frameRate,
-            s.blend,
-            s.completeCpu};
+    return {s.debug_op, s.debug_dma, s.debug_print_syscall, s.debug_gs, s.koGUI_MainScreenW, s.koGUI_MainScreenH,
+            s.koGUI_MainScreenBPP, s.koGUI_MainScreenStretch, s.stepsPerPoll, s.frameRate, s.blend, s.completeCpu};
+    // clang-format on
 }
 
 TEST_F(Configuration, Values) {
@@ -63,13 +55,14 @@ TEST_F(Configuration, Values) {
         EXPECT_EQ(Settings.ElfToExecute, elf) << text;
         EXPECT_EQ(numbers(), values) << text;
     }
+    EXPECT_EQ(load(std::string(64 * 1024, '\n')), 1) << "the largest file";
     load("[General]\nElf=" + std::string(600, 'e'));
     EXPECT_EQ(Settings.ElfToExecute, std::string(255, 'e'));
 }
 
 TEST_F(Configuration, UnusableFilesLeaveTheSettings) {
     for (const std::string& text :
-         {std::string("no equals sign"), std::string(2000, 'x'), std::string(1 << 20, '\n')}) {
+         {std::string("no equals sign"), std::string(2000, 'x'), std::string(64 * 1024 + 1, '\n')}) {
         EXPECT_EQ(load(text), -1);
         EXPECT_EQ(Settings.debug_op, 255);
     }

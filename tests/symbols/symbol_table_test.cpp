@@ -1,12 +1,15 @@
-// The symbol table of a guest program, and what damaged files make of it.
+// The symbol table of a guest program, what damaged files make of it, and the counting of calls.
 #include "symbols/elf_symbols.h"
 
+#include "base/isolated.h"
 #include "machine/areas.h"
 #include "support/run_directory.h"
+#include "symbols/execution_counts.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <random>
+#include <unistd.h>
 
 namespace tarn::symbols {
 namespace {
@@ -63,6 +66,12 @@ void expectSound(const SymbolTable& table) {
 TEST(SymbolTable, SurvivesDamagedFiles) {
     const test::RunDirectory directory;
     const std::string whole = test::RunDirectory::read(program);
+    for (const std::size_t place : {4U, 5U, 18U}) {  // class, order of bytes, machine
+        std::string other = whole;
+        other[place] = 2;
+        directory.write("other.elf", other);
+        EXPECT_TRUE(readSymbols("other.elf").symbols.empty());
+    }
     std::mt19937 random(1);
     // The tables that say where everything is stand at both ends.
     const auto place = [&](std::size_t size) {
@@ -83,6 +92,36 @@ TEST(SymbolTable, SurvivesDamagedFiles) {
         directory.write("damaged.elf", damaged);
         expectSound(readSymbols("damaged.elf"));
     }
+}
+
+TEST(Isolated, GivesAllBytesOrNothing) {
+    EXPECT_EQ(runIsolated([] { return std::vector<u8>(300000, 7); }), std::vector<u8>(300000, 7));
+    EXPECT_EQ(runIsolated([]() -> std::vector<u8> { _exit(1); }), std::nullopt);
+    EXPECT_EQ(runIsolated([]() -> std::vector<u8> { std::abort(); }), std::nullopt);
+}
+
+/// Counts the calls that a program makes, by names for the words of its branches.
+TEST(ExecutionCounts, CallsIncludeWhatTheyCallOnce) {
+    constexpr u32 call = 3U << 26, back = 31U << 21 | 8, jump = 2U << 26;
+    ExecutionCounts counts;
+    counts.noteFunction(0x100);
+    counts.noteFunction(0x200);
+    u64 now = 0;
+    const auto branch = [&](u32 word, u64 pc, u64 target) {
+        counts.branch(word, pc, target, {now += 10, 0, 0});
+    };
+    branch(call, 0x10, 0x100);   // at 10
+    branch(call, 0x104, 0x100);  // which calls itself,
+    branch(jump, 0x108, 0x200);  // goes on elsewhere,
+    branch(back, 0x200, 0x10C);  // returns from both,
+    branch(back, 0x110, 0x18);   // and ends, at 50
+    branch(back, 0x20, 0x18);    // leads nowhere
+    counts.finish({now, 0, 0});
+    const std::vector<Call>& calls = counts.calls();
+    ASSERT_EQ(calls.size(), 3U);
+    EXPECT_TRUE(calls[0].count == 1 && calls[0].inclusive == (Costs{40, 0, 0}));
+    EXPECT_TRUE(calls[1].count == 1 && calls[1].inclusive == Costs{}) << "a part of the first";
+    EXPECT_TRUE(calls[2].count == 1 && calls[2].inclusive == (Costs{10, 0, 0}));
 }
 
 }  // namespace
