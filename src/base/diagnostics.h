@@ -14,10 +14,26 @@ enum class Channel : u8 { StandardOutput, EmuOutput, Opcodes, CpuRegisters, Cons
 
 inline constexpr std::size_t channelCount = 5;
 
+/// Takes the trace of the instructions, in place of the Opcodes and CpuRegisters channels. The trace line is
+/// in debugTempText each time.
+class TraceObserver {
+  public:
+    /// Before the instruction with which a step begins.
+    virtual void stepBegins() {}
+    /// A branch or jump goes to its target; its delay slot comes next.
+    virtual void branchTaken() = 0;
+    /// The instruction `word` at `pc` has been executed, with its delay slot if it has one.
+    virtual void executed(u64 pc, u32 word) = 0;
+
+  protected:
+    ~TraceObserver() = default;
+};
+
 /// Where the channels lead. A null pointer drops what is said.
 struct DiagnosticSinks {
     std::array<void (*)(const char* text), channelCount> text{};
     void (*pictureChanged)() = nullptr;
+    TraceObserver* trace = nullptr;  ///< null: the trace goes to its two channels
 };
 
 /// Standard output is connected from the beginning, the rest is not.

@@ -8,8 +8,7 @@
 #include "machine/machine.h"
 #include "machine/settings.h"
 #include "r5900/fields.h"
-#include "r5900/interpreter.h"
-#include "r5900/register_names.h"
+#include "r5900/step_text.h"
 
 #include <algorithm>
 #include <charconv>
@@ -27,59 +26,23 @@ std::string format(const char* form, Values... values) {
     return text;
 }
 
-/// The trace lines of a step, one behind the other.
-std::string traceOfStep;
-
-void addTraceLine(const char* text) {
-    std::string_view line = text;
-    while (!line.empty() && (line.back() == '\n' || line.back() == ' ')) {
-        line.remove_suffix(1);
-    }
-    // The line that closes a step repeats the one before.
-    if (line.empty() || traceOfStep.ends_with(line)) {
-        return;
-    }
-    traceOfStep += traceOfStep.empty() ? "" : " | ";
-    traceOfStep += line;
-}
-
-/// Traces into traceOfStep, and nowhere else, while it lives.
+/// Traces steps into a text, and nowhere else, while it lives.
 class TracedQuietly {
   public:
     TracedQuietly() {
-        diagnosticSinks.text[static_cast<std::size_t>(Channel::Opcodes)] = addTraceLine;
+        diagnosticSinks.trace = &text;
         Settings.debug_op = 1;
     }
     ~TracedQuietly() { Settings.debug_op = former; }
     TracedQuietly(const TracedQuietly&) = delete;
     TracedQuietly& operator=(const TracedQuietly&) = delete;
 
+    r5900::StepText text;
+
   private:
     MutedDiagnostics muted;
     u8 former = Settings.debug_op;
 };
-
-std::string changesSince(const MipsCpuRecord& before) {
-    std::string text;
-    const auto add = [&text](const std::string& name, const GuestValue& old, const GuestValue& now) {
-        if (old.high != now.high) {
-            text += " " + name + format("=%llx:%16.16llx", now.high, now.low);
-        } else if (old.low != now.low) {
-            text += " " + name + format("=%llx", now.low);
-        }
-    };
-    for (unsigned i = 0; i < 32; ++i) {
-        add(debug_r5900_reg[i], before.GPR[i], MipsCpu.GPR[i]);
-    }
-    add("hi", before.HI, MipsCpu.HI);
-    add("lo", before.LO, MipsCpu.LO);
-    for (unsigned i = 0; i < 32; ++i) {
-        if (std::memcmp(&before.FPR32[i], &MipsCpu.FPR32[i], sizeof(f32)) != 0) {
-            text += format(" f%u=%g", i, static_cast<double>(MipsCpu.FPR32[i]));
-        }
-    }
-    return text;
-}
 
 /// The host's bytes behind a place, or none.
 std::span<const u8> bytesAt(u32 place, u32 length) {
@@ -91,15 +54,6 @@ std::span<const u8> bytesAt(u32 place, u32 length) {
         return {SpecialAreaMemory + offset, length};
     }
     return {};
-}
-
-std::string storedBy(const MemoryAccess& access) {
-    const std::span<const u8> bytes = bytesAt(placeOf(access.address, Access::Store), access.length);
-    std::string text = format(" [%8.8x]=", access.address);
-    for (std::size_t i = bytes.size(); i-- > 0;) {
-        text += format("%2.2x", unsigned{bytes[i]});
-    }
-    return text;
 }
 
 /// Watched bytes, and what they held when they were looked at last.
@@ -217,22 +171,16 @@ std::string describeSteps(Timeline& timeline, u64 count, const symbols::SymbolTa
     timeline.goTo(end - available);
     std::string text;
     {
-        const TracedQuietly traced;
+        TracedQuietly traced;
         while (machine.counters.driverSteps < end) {
-            const MipsCpuRecord before = MipsCpu;
-            const u64 step = machine.counters.driverSteps;
-            const std::optional<MemoryAccess> access = nextMemoryAccess();
-            traceOfStep.clear();
-            machine.traceLine.front() = 0;
+            const u64 pc = MipsCpu.PC;
+            const std::string place = symbols.describe(pc);
+            text += format("%llu  ", machine.counters.driverSteps) + place + (place.empty() ? "" : "  ");
             makeStep();
-            if (traceOfStep.empty()) {  // what stops, and kernel calls, write no line
-                traceOfStep = format("%8.8llx : %s", before.PC, mnemonicOf(MipsCpu.opcode));
-            }
-            const std::string place = symbols.describe(before.PC);
-            text += format("%llu  ", step) + place + (place.empty() ? "" : "  ") + traceOfStep + " " +
-                    changesSince(before);
-            text += access && access->kind == Access::Store ? storedBy(*access) : "";
-            text += MipsCpu.pause != 0 ? " (paused)\n" : "\n";
+            // A refused fetch is traced by nobody.
+            const std::string_view done = traced.text.finish();
+            text += done.empty() ? format("%8.8llx (paused)", pc) : std::string(done);
+            text += '\n';
         }
     }
     timeline.goTo(end);

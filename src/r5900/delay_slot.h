@@ -34,7 +34,7 @@ inline void executeDelaySlot() {
 /// and by that of the branch. PC becomes the target whatever the delay slot did to it, unless that stopped.
 inline void jumpTo(u64 target) {
     if (tracing()) [[unlikely]] {
-        showTraceLine();
+        showTakenBranch();
     }
     MipsCpu.PC += 4;
     executeDelaySlot();

@@ -4,27 +4,22 @@
 #include "machine/machine.h"
 #include "r5900/fields.h"
 #include "r5900/interpreter.h"
+#include "r5900/register_lines.h"
 #include "r5900/register_names.h"
 #include "r5900/tables.h"
 #include "r5900/trace.h"
 
-#include <cstdio>
+#include <cstring>
 
 namespace tarn {
 
-namespace {
-
-/// Low doubleword of integer register 0 to 31, HI (32) or LO (33).
-u64 integerRegister(std::size_t slot) {
-    return slot < 32 ? MipsCpu.GPR[slot].low : slot == 32 ? MipsCpu.HI.low : MipsCpu.LO.low;
-}
-
-}  // namespace
+using r5900::integerRegister;
 
 void MipsCpuPrintRegtoOutput() {
     for (std::size_t slot = 0; slot < debug_r5900_reg.size(); ++slot) {
-        std::snprintf(debugTempOpcodeText.data(), debugTempOpcodeText.size(), "%s : %16.16llx",
-                      debug_r5900_reg[slot], integerRegister(slot));
+        char* at = stpcpy(debugTempOpcodeText.data(), debug_r5900_reg[slot]);
+        at = writeHexDigits(stpcpy(at, " : "), integerRegister(slot), mostHexDigits);
+        *at = '\0';
         PrintToRegistersOutput(debugTempOpcodeText.data());
     }
 }

@@ -25,11 +25,13 @@ void dispatch(u32 word) {
 
 /// The same, traced. Out of line, so that a step without tracing ends in a jump to the handler.
 [[gnu::cold, gnu::noinline]] void dispatchTraced(u32 word) {
+    const u64 pc = MipsCpu.PC;
+    r5900::beginTracedInstruction();
     if (word == 0) {
-        r5900::traceText("nop");
+        r5900::traceLine(word);
     }
     dispatch(word);
-    r5900::showStep();
+    r5900::showInstruction(pc, word);
 }
 
 }  // namespace

@@ -17,12 +17,9 @@ using Handler = void (*)();
 /// The handler of everything that is not implemented: it only pauses.
 void NI();
 
-/// Writes the trace line of the current instruction.
-[[gnu::cold]] void traceInstruction();
-
 inline void traceIfOn() {
     if (tracing()) [[unlikely]] {
-        traceInstruction();
+        traceLine(MipsCpu.opcode);
     }
 }
 

@@ -136,11 +136,11 @@ void stopWith(Stop reason) {
                       textOf(reason));
 }
 
-void traceInstruction() {
-    const TraceLine& line = rowOf(*processor, MipsCpu.opcode).line;
-    if (line.write != nullptr) {
-        line.write(line.format, MipsCpu.opcode);
-    }
+const TraceLine& traceLineOf(u32 word) {
+    static constexpr TraceLine nop{"nop", noOperands}, none;
+    const Row& row = rowOf(*processor, word);
+    const Operation& operation = processor->isComplete ? *row.complete : *row.described;
+    return word == 0 ? nop : operation.kind == Kind::Stop ? none : row.line;
 }
 
 void pauseOnOtherCondition() {

@@ -2,182 +2,150 @@
 #include "r5900/trace.h"
 
 #include "base/diagnostics.h"
+#include "base/hex_text.h"
 #include "machine/machine.h"
 #include "r5900/branch.h"
-#include "r5900/fields.h"
 #include "r5900/interpreter.h"
 #include "r5900/register_names.h"
-#include "r5900/registers.h"
 
-#include <cstdarg>
-#include <cstdio>
+#include <charconv>
 
 namespace tarn::r5900 {
 
 namespace {
 
-const char* gprName(Gpr reg) { return debug_r5900_reg[reg.number()]; }
-const char* fprName(u8 number) { return debug_r5900_cop1_reg[number]; }
+/// PC and a colon; where the text goes on.
+char* beginLine() {
+    char* at = writeHex(debugTempText.data(), MipsCpu.PC, 8);
+    *at++ = ':';
+    *at++ = ' ';
+    return at;
+}
 
-/// A raw 16-bit field as the %llx of the formats takes it.
-u64 raw(u16 immediate) { return immediate; }
+char* copy(const char* text, char* at) {
+    while (*text != '\0') {
+        *at++ = *text++;
+    }
+    return at;
+}
 
-template <typename Fields>
-u64 targetOf(const Fields& fields) {
-    return branchTarget(MipsCpu.PC, fields.offset);
+/// Writes an operand as printf does by the conversion at `format`, which is moved behind it. Of those that
+/// printf has, the formats use few.
+char* convert(const char*& format, Operand operand, u32 word, char* at) {
+    unsigned width = 0;
+    char filling = ' ';
+    for (++format; *format <= '9'; ++format) {
+        if (*format == '.') {
+            width = 0;
+            filling = '0';
+        } else {
+            width = width * 10 + static_cast<unsigned>(*format - '0');
+        }
+    }
+    switch (*format++) {
+    case 's':
+        return copy(nameOf(operand, word), at);
+    case 'd':
+        return std::to_chars(at, at + mostHexDigits, numberOf(operand, word)).ptr;
+    case 'l':
+        format += std::string_view("lx").size();
+        break;
+    default:
+        break;
+    }
+    return writeHex(at, numberOf(operand, word), width, filling);
 }
 
 }  // namespace
 
-void traceText(const char* format, ...) {
-    const auto length = std::snprintf(debugTempText.data(), debugTempText.size(), "%8.8llx: ", MipsCpu.PC);
-    const auto used = static_cast<std::size_t>(length);
-    std::va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(debugTempText.data() + used, debugTempText.size() - used, format, arguments);
-    va_end(arguments);
+const char* nameOf(Operand operand, u32 word) {
+    switch (operand) {
+    case Operand::Rs:
+        return debug_r5900_reg[bits21To25(word)];
+    case Operand::Rt:
+        return debug_r5900_reg[bits16To20(word)];
+    case Operand::Rd:
+        return debug_r5900_reg[bits11To15(word)];
+    case Operand::Ft:
+        return debug_r5900_cop1_reg[bits16To20(word)];
+    case Operand::Fs:
+        return debug_r5900_cop1_reg[bits11To15(word)];
+    case Operand::Fd:
+        return debug_r5900_cop1_reg[bits6To10(word)];
+    case Operand::Cop0Register:
+        return debug_r5900_cop0_reg[bits11To15(word)];
+    default:
+        return "";
+    }
 }
 
-void showTraceLine() { PrintToOpcodeOutput(debugTempText.data()); }
-
-void showStep() {
-    showTraceLine();
-    MipsCpuPrintRegtoOutput();
+u64 numberOf(Operand operand, u32 word) {
+    switch (operand) {
+    case Operand::Sa:
+        return bits6To10(word);
+    case Operand::Sel:
+        return Cop0Fields::from(word).sel;
+    case Operand::FtNumber:
+        return bits16To20(word);
+    case Operand::Cc:
+        return FpuCompareFields::from(word).cc;
+    case Operand::Ccb:
+        return FpuBranchFields::from(word).ccb;
+    case Operand::Immediate:
+        return bits0To15(word);
+    case Operand::RsValue:
+        return MipsCpu.GPR[bits21To25(word)].low;
+    case Operand::FtImage:
+        return MipsCpu.FPR128[bits16To20(word)].low;
+    case Operand::Target:
+        return branchTarget(MipsCpu.PC, bits0To15(word));
+    case Operand::JumpTarget:
+        return J(JumpFields::from(word), MipsCpu.PC);
+    default:
+        return 0;
+    }
 }
 
-void traceRtRsImmediate(const char* format, u32 word) {
-    const auto f = ImmediateFields::from(word);
-    traceText(format, gprName(f.rt), gprName(f.rs), raw(f.imm));
+void traceText(const char* text) { *copy(text, beginLine()) = '\0'; }
+
+void traceLine(u32 word) {
+    const TraceLine& line = traceLineOf(word);
+    if (line.format == nullptr) {
+        return;
+    }
+    char* at = beginLine();
+    const Operand* operand = line.operands.data();
+    for (const char* format = line.format; *format != '\0';) {
+        if (*format == '%') {
+            at = convert(format, *operand++, word, at);
+        } else {
+            *at++ = *format++;
+        }
+    }
+    *at = '\0';
 }
 
-void traceRtImmediate(const char* format, u32 word) {
-    const auto f = ImmediateFields::from(word);
-    traceText(format, gprName(f.rt), raw(f.imm));
+void beginTracedInstruction() {
+    if (diagnosticSinks.trace != nullptr && MipsCpu.delaySlotDepth == 0) {
+        diagnosticSinks.trace->stepBegins();
+    }
 }
 
-void traceRdRsRt(const char* format, u32 word) {
-    const auto f = RegisterFields::from(word);
-    traceText(format, gprName(f.rd), gprName(f.rs), gprName(f.rt));
+void showTakenBranch() {
+    if (diagnosticSinks.trace != nullptr) {
+        diagnosticSinks.trace->branchTaken();
+    } else {
+        PrintToOpcodeOutput(debugTempText.data());
+    }
 }
 
-void traceRdRtRs(const char* format, u32 word) {
-    const auto f = RegisterFields::from(word);
-    traceText(format, gprName(f.rd), gprName(f.rt), gprName(f.rs));
-}
-
-void traceRsRt(const char* format, u32 word) {
-    const auto f = RegisterFields::from(word);
-    traceText(format, gprName(f.rs), gprName(f.rt));
-}
-
-void traceRdOnly(const char* format, u32 word) {
-    const auto f = RegisterFields::from(word);
-    traceText(format, gprName(f.rd));
-}
-
-void traceRsOnly(const char* format, u32 word) {
-    const auto f = RegisterFields::from(word);
-    traceText(format, gprName(f.rs));
-}
-
-void traceRdRs(const char* format, u32 word) {
-    const auto f = RegisterFields::from(word);
-    traceText(format, gprName(f.rd), gprName(f.rs));
-}
-
-void traceRdRt(const char* format, u32 word) {
-    const auto f = RegisterFields::from(word);
-    traceText(format, gprName(f.rd), gprName(f.rt));
-}
-
-void traceRsImmediate(const char* format, u32 word) {
-    const auto f = ImmediateFields::from(word);
-    traceText(format, gprName(f.rs), raw(f.imm));
-}
-
-void traceFdFt(const char* format, u32 word) {
-    const auto f = FpuFields::from(word);
-    traceText(format, fprName(f.fd), fprName(f.ft));
-}
-
-void traceFsFt(const char* format, u32 word) {
-    const auto f = FpuFields::from(word);
-    traceText(format, fprName(f.fs), fprName(f.ft));
-}
-
-void traceRdRtSa(const char* format, u32 word) {
-    const auto f = ShiftFields::from(word);
-    traceText(format, gprName(f.rd), gprName(f.rt), f.sa);
-}
-
-void traceRtOffsetBase(const char* format, u32 word) {
-    const auto f = MemoryFields::from(word);
-    traceText(format, gprName(f.rt), raw(f.offset), gprName(f.base));
-}
-
-void traceFtOffsetBase(const char* format, u32 word) {
-    const auto f = FpuMemoryFields::from(word);
-    traceText(format, f.ft, raw(f.offset), gprName(f.base));
-}
-
-void traceFtImage(const char* format, u32 word) {
-    const auto f = FpuMemoryFields::from(word);
-    traceText(format, fprName(f.ft), MipsCpu.FPR128[f.ft].low);
-}
-
-void traceRsRtTarget(const char* format, u32 word) {
-    const auto f = BranchFields::from(word);
-    traceText(format, gprName(f.rs), gprName(f.rt), targetOf(f));
-}
-
-void traceRsTarget(const char* format, u32 word) {
-    const auto f = ZeroBranchFields::from(word);
-    traceText(format, gprName(f.rs), targetOf(f));
-}
-
-void traceCcTarget(const char* format, u32 word) {
-    const auto f = FpuBranchFields::from(word);
-    traceText(format, f.ccb, targetOf(f));
-}
-
-void traceJumpTarget(const char* format, u32 word) {
-    const auto f = JumpFields::from(word);
-    traceText(format, J(f, MipsCpu.PC));
-}
-
-void traceRsRsValue(const char* format, u32 word) {
-    const auto f = RegisterFields::from(word);
-    traceText(format, gprName(f.rs), gprName(f.rs), gpr(f.rs));
-}
-
-void traceRdRsRsValue(const char* format, u32 word) {
-    const auto f = RegisterFields::from(word);
-    traceText(format, gprName(f.rd), gprName(f.rs), gprName(f.rs), gpr(f.rs));
-}
-
-void traceRtRdSel(const char* format, u32 word) {
-    const auto f = Cop0Fields::from(word);
-    traceText(format, gprName(f.rt), debug_r5900_cop0_reg[f.rd], f.sel);
-}
-
-void traceFdFsFt(const char* format, u32 word) {
-    const auto f = FpuFields::from(word);
-    traceText(format, fprName(f.fd), fprName(f.fs), fprName(f.ft));
-}
-
-void traceFdFs(const char* format, u32 word) {
-    const auto f = FpuFields::from(word);
-    traceText(format, fprName(f.fd), fprName(f.fs));
-}
-
-void traceRtFs(const char* format, u32 word) {
-    const auto f = FpuMoveFields::from(word);
-    traceText(format, gprName(f.rt), fprName(f.fs));
-}
-
-void traceCcFsFt(const char* format, u32 word) {
-    const auto f = FpuCompareFields::from(word);
-    traceText(format, f.cc, fprName(f.fs), fprName(f.ft));
+void showInstruction(u64 pc, u32 word) {
+    if (diagnosticSinks.trace != nullptr) {
+        diagnosticSinks.trace->executed(pc, word);
+    } else {
+        PrintToOpcodeOutput(debugTempText.data());
+        MipsCpuPrintRegtoOutput();
+    }
 }
 
 }  // namespace tarn::r5900

@@ -1,4 +1,4 @@
-// The instruction trace: the line buffer, and the formatting of operands.
+// The instruction trace: the line of each instruction, and to whom it is shown.
 #pragma once
 
 #include "base/types.h"
@@ -18,100 +18,114 @@ namespace r5900 {
 /// Whether instructions are traced.
 inline bool tracing() { return Settings.debug_op == 1; }
 
-// Cold: not inlined, because tracing is nearly always off.
-
-/// Sends the trace line to its pane; showStep also sends the 34 register lines.
-[[gnu::cold]] void showTraceLine();
-[[gnu::cold]] void showStep();
-
-/// Puts PC and the formatted text into debugTempText.
-[[gnu::cold, gnu::format(printf, 1, 2)]] void traceText(const char* format, ...);
-
-/// The operands that a class of trace lines shows, in the order of its format.
-struct TraceOperands {
-    std::string_view conversions;  ///< required in the format: s, d (also as x), or l for llx
-    void (*write)(const char* format, u32 word);
+/// What a conversion of a trace line's format shows of an instruction word.
+enum class Operand : u8 {
+    // Names of registers.
+    Rs,
+    Rt,
+    Rd,
+    Fs,
+    Ft,
+    Fd,
+    Cop0Register,
+    // Numbers that fit an int.
+    Sa,
+    Sel,
+    FtNumber,
+    Cc,
+    Ccb,
+    // Doublewords; immediates and offsets are raw.
+    Immediate,
+    RsValue,
+    FtImage,
+    Target,
+    JumpTarget,
 };
 
-/// A format whose conversions match its operands, which is checked at compile time.
+/// The operands of a class of trace lines, in the order of their format.
+struct TraceOperands {
+    std::array<Operand, 4> list;
+    std::size_t count;
+
+    template <typename... Operands>
+    constexpr TraceOperands(Operands... operands) : list{operands...}, count(sizeof...(operands)) {}
+};
+
+/// The letter of the conversion that prints an operand: s, d (also as x), or l for llx.
+constexpr char conversionOf(Operand operand) {
+    return operand < Operand::Sa ? 's' : operand < Operand::Immediate ? 'd' : 'l';
+}
+
+/// A format that has the conversions of its operands; no constant can be made of another.
 struct TraceLine {
-    const char* format = nullptr;
-    void (*write)(const char* format, u32 word) = nullptr;
+    const char* format = nullptr;  ///< null: the instruction writes no line
+    std::array<Operand, 4> operands{};
 
     constexpr TraceLine() = default;
-    constexpr TraceLine(const char* text, TraceOperands operands) : format(text), write(operands.write) {
+    constexpr TraceLine(const char* text, TraceOperands shown) : format(text), operands(shown.list) {
         std::size_t found = 0;
         for (std::string_view rest = text; !rest.empty(); rest.remove_prefix(1)) {
             if (rest[0] == '%') {
                 rest.remove_prefix(rest.find_first_not_of("%0123456789."));
                 const char conversion = rest.starts_with("llx") ? 'l' : rest[0] == 'x' ? 'd' : rest[0];
-                if (operands.conversions.at(found++) != conversion) {
+                if (conversionOf(shown.list.at(found++)) != conversion) {
                     throw "a conversion of the format does not suit its operand";
                 }
             }
         }
-        if (found != operands.conversions.size()) {
+        if (found != shown.count) {
             throw "the format leaves operands out";
         }
     }
 };
 
-// Each writes a line with the operands in its name, in that order; immediates and offsets are raw.
-void traceRtRsImmediate(const char* format, u32 word);
-void traceRtImmediate(const char* format, u32 word);
-void traceRdRsRt(const char* format, u32 word);
-void traceRdRtRs(const char* format, u32 word);
-void traceRsRt(const char* format, u32 word);
-void traceRdOnly(const char* format, u32 word);
-void traceRsOnly(const char* format, u32 word);
-void traceRdRs(const char* format, u32 word);
-void traceRdRt(const char* format, u32 word);
-void traceRsImmediate(const char* format, u32 word);
-void traceFdFt(const char* format, u32 word);
-void traceFsFt(const char* format, u32 word);
-void traceRdRtSa(const char* format, u32 word);
-void traceRtOffsetBase(const char* format, u32 word);
-void traceFtOffsetBase(const char* format, u32 word);
-void traceFtImage(const char* format, u32 word);
-void traceRsRtTarget(const char* format, u32 word);
-void traceRsTarget(const char* format, u32 word);
-void traceCcTarget(const char* format, u32 word);
-void traceJumpTarget(const char* format, u32 word);
-void traceRsRsValue(const char* format, u32 word);
-void traceRdRsRsValue(const char* format, u32 word);
-void traceRtRdSel(const char* format, u32 word);
-void traceFdFsFt(const char* format, u32 word);
-void traceFdFs(const char* format, u32 word);
-void traceRtFs(const char* format, u32 word);
-void traceCcFsFt(const char* format, u32 word);
+/// The line of an instruction word on the processor that runs, as the list of instructions has it.
+const TraceLine& traceLineOf(u32 word);
 
-inline constexpr TraceOperands rtRsImmediate{"ssl", traceRtRsImmediate};
-inline constexpr TraceOperands rtImmediate{"sl", traceRtImmediate};
-inline constexpr TraceOperands rdRsRt{"sss", traceRdRsRt};
-inline constexpr TraceOperands rdRtRs{"sss", traceRdRtRs};
-inline constexpr TraceOperands rsRt{"ss", traceRsRt};
-inline constexpr TraceOperands rdOnly{"s", traceRdOnly};
-inline constexpr TraceOperands rsOnly{"s", traceRsOnly};
-inline constexpr TraceOperands rdRs{"ss", traceRdRs};
-inline constexpr TraceOperands rdRt{"ss", traceRdRt};
-inline constexpr TraceOperands rsImmediate{"sl", traceRsImmediate};
-inline constexpr TraceOperands fdFt{"ss", traceFdFt};
-inline constexpr TraceOperands fsFt{"ss", traceFsFt};
-inline constexpr TraceOperands rdRtSa{"ssd", traceRdRtSa};
-inline constexpr TraceOperands rtOffsetBase{"sls", traceRtOffsetBase};
-inline constexpr TraceOperands ftOffsetBase{"dls", traceFtOffsetBase};
-inline constexpr TraceOperands ftImage{"sl", traceFtImage};
-inline constexpr TraceOperands rsRtTarget{"ssl", traceRsRtTarget};
-inline constexpr TraceOperands rsTarget{"sl", traceRsTarget};
-inline constexpr TraceOperands ccTarget{"dl", traceCcTarget};
-inline constexpr TraceOperands jumpTarget{"l", traceJumpTarget};
-inline constexpr TraceOperands rsRsValue{"ssl", traceRsRsValue};
-inline constexpr TraceOperands rdRsRsValue{"sssl", traceRdRsRsValue};
-inline constexpr TraceOperands rtRdSel{"ssd", traceRtRdSel};
-inline constexpr TraceOperands fdFsFt{"sss", traceFdFsFt};
-inline constexpr TraceOperands fdFs{"ss", traceFdFs};
-inline constexpr TraceOperands rtFs{"ss", traceRtFs};
-inline constexpr TraceOperands ccFsFt{"dss", traceCcFsFt};
+/// The operand of an instruction word, as the machine is now: the name of a register, or a number.
+const char* nameOf(Operand operand, u32 word);
+u64 numberOf(Operand operand, u32 word);
+
+// Cold, so that they are not inlined where tracing is off nearly always.
+
+/// Puts PC and the text into debugTempText.
+[[gnu::cold]] void traceText(const char* text);
+/// Puts PC and the line of an instruction word into debugTempText, if it has one.
+[[gnu::cold]] void traceLine(u32 word);
+
+/// What observes the trace, or else the panes, is shown what is in debugTempText.
+[[gnu::cold]] void beginTracedInstruction();
+[[gnu::cold]] void showTakenBranch();
+[[gnu::cold]] void showInstruction(u64 pc, u32 word);
+
+inline constexpr TraceOperands noOperands;
+inline constexpr TraceOperands rtRsImmediate{Operand::Rt, Operand::Rs, Operand::Immediate};
+inline constexpr TraceOperands rtImmediate{Operand::Rt, Operand::Immediate};
+inline constexpr TraceOperands rdRsRt{Operand::Rd, Operand::Rs, Operand::Rt};
+inline constexpr TraceOperands rdRtRs{Operand::Rd, Operand::Rt, Operand::Rs};
+inline constexpr TraceOperands rsRt{Operand::Rs, Operand::Rt};
+inline constexpr TraceOperands rdOnly{Operand::Rd};
+inline constexpr TraceOperands rsOnly{Operand::Rs};
+inline constexpr TraceOperands rdRs{Operand::Rd, Operand::Rs};
+inline constexpr TraceOperands rdRt{Operand::Rd, Operand::Rt};
+inline constexpr TraceOperands rsImmediate{Operand::Rs, Operand::Immediate};
+inline constexpr TraceOperands fdFt{Operand::Fd, Operand::Ft};
+inline constexpr TraceOperands fsFt{Operand::Fs, Operand::Ft};
+inline constexpr TraceOperands rdRtSa{Operand::Rd, Operand::Rt, Operand::Sa};
+inline constexpr TraceOperands rtOffsetBase{Operand::Rt, Operand::Immediate, Operand::Rs};
+inline constexpr TraceOperands ftOffsetBase{Operand::FtNumber, Operand::Immediate, Operand::Rs};
+inline constexpr TraceOperands ftImage{Operand::Ft, Operand::FtImage};
+inline constexpr TraceOperands rsRtTarget{Operand::Rs, Operand::Rt, Operand::Target};
+inline constexpr TraceOperands rsTarget{Operand::Rs, Operand::Target};
+inline constexpr TraceOperands ccTarget{Operand::Ccb, Operand::Target};
+inline constexpr TraceOperands jumpTarget{Operand::JumpTarget};
+inline constexpr TraceOperands rsRsValue{Operand::Rs, Operand::Rs, Operand::RsValue};
+inline constexpr TraceOperands rdRsRsValue{Operand::Rd, Operand::Rs, Operand::Rs, Operand::RsValue};
+inline constexpr TraceOperands rtRdSel{Operand::Rt, Operand::Cop0Register, Operand::Sel};
+inline constexpr TraceOperands fdFsFt{Operand::Fd, Operand::Fs, Operand::Ft};
+inline constexpr TraceOperands fdFs{Operand::Fd, Operand::Fs};
+inline constexpr TraceOperands rtFs{Operand::Rt, Operand::Fs};
+inline constexpr TraceOperands ccFsFt{Operand::Cc, Operand::Fs, Operand::Ft};
 
 }  // namespace r5900
 }  // namespace tarn

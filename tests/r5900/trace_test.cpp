@@ -1,9 +1,14 @@
-// The trace line of every instruction, and that what has none stops; the displays.
+// The trace line of every instruction, and that what has none stops; what steps change; the displays.
 #include "r5900/instruction.h"
 #include "r5900/operation.h"
+#include "r5900/register_lines.h"
+#include "r5900/step_text.h"
+#include "r5900/trace.h"
 
 #include <algorithm>
+#include <random>
 #include <set>
+#include <span>
 
 namespace tarn::test {
 namespace {
@@ -92,6 +97,126 @@ TEST_F(MachineTest, InstructionsWithoutLineRepeatTheOneBefore) {
         outputOf(MipsUpdateCpu);
         EXPECT_EQ(paneLines(opcodesPane), Lines{"00100000: SYNC"});
         EXPECT_EQ(paneLines(cpuRegistersPane).size(), 34U);
+    }
+}
+
+// The trace against one that printf writes, for random words on both processors.
+
+template <typename... Values>
+std::string printed(const std::string& format, Values... values) {
+    char text[100];
+    std::snprintf(text, sizeof text, format.c_str(), values...);
+    return text;
+}
+
+std::string printedLine(u32 word) {
+    std::string text = printed("%8.8llx: ", MipsCpu.PC), format = r5900::traceLineOf(word).format;
+    for (const r5900::Operand operand : r5900::traceLineOf(word).operands) {
+        const std::size_t begin = std::min(format.find('%'), format.size());
+        const std::size_t end = std::min(format.find_first_of("sdx", begin), format.size() - 1) + 1;
+        const std::string conversion = format.substr(begin, end - begin);
+        text += format.substr(0, begin);
+        text += conversion.ends_with('s')     ? printed(conversion, r5900::nameOf(operand, word))
+                : conversion.ends_with("llx") ? printed(conversion, r5900::numberOf(operand, word))
+                                              : printed(conversion, int(r5900::numberOf(operand, word)));
+        format.erase(0, end);
+    }
+    return text + format;
+}
+
+std::string printedRegisters() {
+    std::string text;
+    for (std::size_t i = 0; i < 34; ++i) {
+        text += printed("%s : %16.16llx\n", debug_r5900_reg[i], r5900::integerRegister(i));
+    }
+    return text;
+}
+
+/// How the registers that all programs use differ from those before.
+std::string printedChanges(const MipsCpuRecord& before) {
+    std::string text;
+    const auto add = [&text](const std::string& name, const GuestValue& old, const GuestValue& now) {
+        if (old != now) {
+            text += " " + name +
+                    (now.high != 0 ? printed("=%llx%16.16llx", now.high, now.low) : "=" + hex(now.low));
+        }
+    };
+    for (u32 i = 0; i < 32; ++i) {
+        add(debug_r5900_reg[i], before.GPR[i], MipsCpu.GPR[i]);
+    }
+    add("hi", before.HI, MipsCpu.HI);
+    add("lo", before.LO, MipsCpu.LO);
+    add("sa", {before.SA, 0}, {MipsCpu.SA, 0});
+    return text;
+}
+
+TEST_F(MachineTest, TracesAreWhatPrintfWrites) {
+    std::mt19937_64 random(1);
+    const auto anyWord = [&random] {
+        const u64 majors[] = {0, 1, 16, 17, 28, random() % 64};
+        const u64 rest = random() & (random() % 2 != 0 ? 0x03FFFFFF : 0x021F3FFF);
+        return static_cast<u32>(majors[random() % 6] << 26 | rest);
+    };
+    std::set<std::string> seen;
+    r5900::RegisterLines registers;
+    Settings.debug_op = 1;
+    for (u32 number = 0; number < 20000; ++number) {
+        const MutedDiagnostics muted;
+        r5900::chooseProcessor(number % 2 != 0);
+        MipsCpu = {};
+        for (GuestValue& reg : std::span(MipsCpu.GPR).subspan(1)) {
+            reg = {random() % 2 != 0 ? random() : programStart, random() % 4 != 0 ? 0 : random()};
+        }
+        const u32 word = anyWord();
+        setProgram({word, anyWord()});
+        SCOPED_TRACE(printed("case %u: %8.8x ", number, word) + mnemonicOf(word));
+        const bool hasLine = r5900::traceLineOf(word).format != nullptr;
+        std::string line = hasLine ? printedLine(word) : "";
+        r5900::traceLine(word);
+        ASSERT_TRUE(!hasLine || line == debugTempText.data()) << line << " " << debugTempText.data();
+
+        const MipsCpuRecord before = MipsCpu;
+        r5900::StepText step;
+        diagnosticSinks.trace = &step;
+        MipsUpdateCpu();
+        const std::string text(step.finish());
+        line.erase(line.find_last_not_of(" \n") + 1);
+        ASSERT_TRUE(text.starts_with(line) || mnemonicOf(word) == std::string("JALR ")) << text << line;
+        ASSERT_NE(text.find(printedChanges(before)), std::string::npos) << text << printedChanges(before);
+        ASSERT_EQ(registers.now(), printedRegisters());
+        seen.insert(mnemonicOf(word));
+    }
+    r5900::chooseProcessor(false);
+    EXPECT_GT(seen.size(), 200U);
+}
+
+TEST_F(MachineTest, StepsTellWhatChanged) {
+    const std::pair<std::initializer_list<u32>, const char*> steps[] = {
+        {{immediate(9, 0, v0, 0xFFFF)}, "00100000: addiu v0,r0,ffff v0=ffffffffffffffff"},
+        {{special(11, t0, 0, t1)}, "00100000: movn t1,t0,r0"},
+        {{immediate(5, t0, r0, 7), immediate(43, a0, t0, 8)},
+         "00100000: bne t0,r0,100020 | 00100004: sw t0,   8(a0) [00108008]=34"},
+        {{immediate(40, a0, t0, 1)}, "00100000: sb t0,   1(a0) [00108001]=34"},
+        {{immediate(31, a0, a0, 0)}, "00100000: sq a0,   0(a0) [00108000]=90000000000108000"},
+        {{immediate(63, t2, a0, 0)}, "00100000: sd a0,   0(t2) [12000080]=108000"},
+        {{immediate(43, t1, a0, 0)}, "00100000: sw a0,   0(t1) (paused)"},
+        {{coprocessor1(4, t0, 2 << 11)}, "00100000: mtc1 t0,fp2 fp2=7.3e-44"},
+        {{immediate(16, 16, 0, 56)}, "00100000: EI Status=10000"},
+        {{jump(2, 0x80), special(39, 0, 0, 0)}, "00100000: j      200 | 00100004: NOR (paused)"},
+    };
+    for (const auto& [words, text] : steps) {
+        const MutedDiagnostics muted;
+        Settings.debug_op = 1;
+        MipsCpu = {};
+        MipsCpu.GPR[t0].low = 0x34;
+        MipsCpu.GPR[t2].low = 0x12000080;
+        MipsCpu.GPR[a0] = {0x108000, 9};
+        setProgram(words);
+        r5900::StepText step;
+        diagnosticSinks.trace = &step;
+        MipsUpdateCpu();
+        EXPECT_EQ(step.finish(), text);
+        EXPECT_EQ(step.finish(), "");
     }
 }
 
