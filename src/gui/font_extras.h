@@ -1,5 +1,5 @@
-// The rest of the font module's interface, which no program here calls: the current font and the operations
-// that use it, placed text, recolouring.
+// The rest of the font module's interface, of which the programs call only the width of a text: the current
+// font and the operations that use it, placed text, recolouring.
 #pragma once
 
 #include "gui/bitmap_font.h"

@@ -5,7 +5,9 @@
 #include "gui/text_lines.h"
 
 #include <SDL.h>
+#include <algorithm>
 #include <memory>
+#include <optional>
 
 namespace tarn {
 
@@ -32,6 +34,30 @@ struct PanePlace {
     PaneState state{};
 
     bool operator==(const PanePlace&) const = default;
+};
+
+/// A rectangle of the screen; empty at first.
+struct PixelArea {
+    s64 left = 0;
+    s64 top = 0;
+    s64 right = 0;  ///< the first column that is outside
+    s64 bottom = 0;
+
+    bool isEmpty() const { return right <= left || bottom <= top; }
+    bool contains(const PixelArea& other) const {
+        return left <= other.left && top <= other.top && right >= other.right && bottom >= other.bottom;
+    }
+    bool overlaps(const PixelArea& other) const {
+        return left < other.right && other.left < right && top < other.bottom && other.top < bottom;
+    }
+    void extend(const PixelArea& other) {
+        if (isEmpty()) {
+            *this = other;
+        } else if (!other.isEmpty()) {
+            *this = {std::min(left, other.left), std::min(top, other.top), std::max(right, other.right),
+                     std::max(bottom, other.bottom)};
+        }
+    }
 };
 
 /// One pane. Copies of a record share its lines.
@@ -61,7 +87,9 @@ struct koGUIwidget {
     u32 maxLines = 0;   ///< lines that the pane has room for
     u32 firstLine = 0;  ///< index of the first line shown
 
-    PanePlace drawnPlace;  ///< at the last redraw
+    // At the last redraw.
+    PanePlace drawnPlace;
+    std::optional<PixelArea> drawnArea;  ///< which text may have made larger than the pane, if it is known
     std::shared_ptr<TextLines> lines;
 };
 

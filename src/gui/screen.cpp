@@ -3,12 +3,12 @@
 
 #include "base/diagnostics.h"
 #include "gui/blits.h"
+#include "gui/redraw_area.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <limits>
 
 namespace tarn {
 namespace {
@@ -36,8 +36,6 @@ bool anyPaneDirty(const koGUIscreen* screen) {
     return false;
 }
 
-PanePlace placeOf(const koGUIwidget& pane) { return {pane.x, pane.y, pane.w, pane.h, pane.state}; }
-
 /// Lets the display server show a part of the window. Where it is told without waiting until it has read the
 /// pixels (SDL_ASYNCBLIT), the newer ones may show early; now and then it is waited for, not to get far
 /// ahead.
@@ -51,6 +49,16 @@ void update(SDL_Surface* video, const SDL_Rect& place) {
     if ((video->flags & SDL_ASYNCBLIT) != 0 && ++updates % updatesAhead == 0 && SDL_LockSurface(video) == 0) {
         SDL_UnlockSurface(video);
     }
+}
+
+/// The part of an area that is on the surface.
+SDL_Rect rectangleOf(const PixelArea& area, const SDL_Surface* surface) {
+    const auto cut = [](s64 value, int size) { return std::clamp<s64>(value, 0, size); };
+    const s64 left = cut(area.left, surface->w);
+    const s64 top = cut(area.top, surface->h);
+    return {static_cast<Sint16>(left), static_cast<Sint16>(top),
+            static_cast<Uint16>(cut(area.right, surface->w) - left),
+            static_cast<Uint16>(cut(area.bottom, surface->h) - top)};
 }
 
 /// Shows a part of the off-screen surface in the window; all of it if the rectangle is null.
@@ -68,50 +76,44 @@ void prepareImages(const koGUIscreen* screen) {
     }
 }
 
+void draw(koGUIscreen* screen, koGUIwidget* pane) {
+    noteDrawn(screen, pane);
+    pane->external_draw(pane, screen);
+    if (pane->state == PaneState::Open) {
+        pane->internal_draw(pane, screen);
+    }
+    pane->dirty = 0;
+}
+
 /// Draws every pane, in index order so that later ones lie on top, and shows the result in the window.
-void redraw(koGUIscreen* screen, SDL_Surface* video) {
+void redrawEverything(koGUIscreen* screen, SDL_Surface* video) {
     prepareImages(screen);
     screen->ClearScreen(screen);
     for (u32 i = 0; i < screen->nbWidgets; ++i) {
-        koGUIwidget* pane = &screen->widgets[i];
-        pane->external_draw(pane, screen);
-        if (pane->state == PaneState::Open) {
-            pane->internal_draw(pane, screen);
-        }
-        pane->dirty = 0;
-        pane->drawnPlace = placeOf(*pane);
+        draw(screen, &screen->widgets[i]);
     }
     show(screen, video, nullptr);
     screen->shownPicture.clear();
 }
 
-/// Whether a pane may draw on a rectangle. Its text may run out to the right and below it, and it comes back
-/// on the other side where coordinates do not fit SDL's 16 bits.
-bool mayDrawOn(const koGUIscreen* screen, const koGUIwidget& pane, const SDL_Rect& rectangle) {
-    using Limits = std::numeric_limits<Sint16>;
-    const s64 right = s64{pane.x} + pane.w + 1;
-    const s64 lines = s64{pane.maxLines} * FontHeight(screen->font2.get());
-    const s64 bottom =
-        std::max(s64{pane.y} + pane.h + 1,
-                 s64{pane.y} + titleBarHeight + std::max(lines, s64{FontHeight(screen->font1.get())}));
-    const bool fits = pane.x >= Limits::min() && pane.y >= Limits::min() && right <= Limits::max() &&
-                      bottom <= Limits::max();
-    return !fits ||
-           (rectangle.x + rectangle.w > pane.x && rectangle.y + rectangle.h > pane.y && rectangle.y < bottom);
-}
-
-/// Whether redrawing everything would change nothing but the picture of pane 0: no other pane is dirty, moved
-/// or shaded since the last time, or near the picture.
-bool onlyPictureChanges(const koGUIscreen* screen, const SDL_Rect& picture) {
+/// Does the same where panes have changed.
+void redraw(koGUIscreen* screen, SDL_Surface* video) {
+    const std::optional<PixelArea> area =
+        screen->ClearScreen == koGUI_ClearScreen ? areaToRedraw(screen) : std::nullopt;
+    if (!area) {
+        redrawEverything(screen, video);
+        return;
+    }
+    prepareImages(screen);
+    SDL_Rect rectangle = rectangleOf(*area, screen->surface.get());
+    fillRectangle(screen, rectangle, backgroundColour);
     for (u32 i = 0; i < screen->nbWidgets; ++i) {
-        const koGUIwidget& pane = screen->widgets[i];
-        const bool isPicture = i == videoOutputPane;
-        if (pane.drawnPlace != placeOf(pane) || (pane.dirty == 1) != isPicture ||
-            (!isPicture && mayDrawOn(screen, pane, picture))) {
-            return false;
+        if (area->overlaps(*screen->widgets[i].drawnArea)) {
+            draw(screen, &screen->widgets[i]);
         }
     }
-    return true;
+    show(screen, video, &rectangle);
+    screen->shownPicture.clear();
 }
 
 /// The redraw of a frame's picture alone, when that is allowed and nothing else has changed; false otherwise.
@@ -125,7 +127,7 @@ bool redrawPicture(koGUIscreen* screen, SDL_Surface* video, bool due) {
     SDL_Rect picture = bodyRectangle(pane);
     picture.w = static_cast<Uint16>(pane->image->w);
     picture.h = static_cast<Uint16>(pane->image->h);
-    if (!onlyPictureChanges(screen, picture)) {
+    if (!onlyPictureChanges(screen, {picture.x, picture.y, picture.x + picture.w, picture.y + picture.h})) {
         return false;
     }
     if (!due) {
@@ -174,8 +176,7 @@ int koGUI_Init(koGUIscreen* screen) {
 
 bool anyPaneMoved(const koGUIscreen* screen) {
     const auto end = screen->widgets.begin() + screen->nbWidgets;
-    return std::any_of(screen->widgets.begin(), end,
-                       [](const koGUIwidget& pane) { return pane.drawnPlace != placeOf(pane); });
+    return std::any_of(screen->widgets.begin(), end, hasMoved);
 }
 
 void fillRectangle(koGUIscreen* screen, SDL_Rect rectangle, SDL_Color colour) {
@@ -209,7 +210,9 @@ void koGUI_MainLoop(koGUIscreen* screen) {
         const bool quick = screen->quickPicture == 1;
         const Clock::time_point now = quick ? Clock::now() : last;
         const bool due = !quick || now - last >= quickInterval;
-        if (exposed || (anyPaneDirty(screen) && !redrawPicture(screen, video, due))) {
+        if (exposed) {
+            redrawEverything(screen, video);
+        } else if (anyPaneDirty(screen) && !redrawPicture(screen, video, due)) {
             redraw(screen, video);
         }
         exposed = false;
