@@ -23,6 +23,11 @@ if(NOT ZSTD_FOUND)
     tarn_missing("zstd" libzstd-dev)
 endif()
 
+pkg_check_modules(ZLIB IMPORTED_TARGET zlib)
+if(NOT ZLIB_FOUND)
+    tarn_missing("zlib" zlib1g-dev)
+endif()
+
 find_path(INIPARSER_INCLUDE_DIR iniparser.h PATH_SUFFIXES iniparser)
 find_library(INIPARSER_LIBRARY iniparser)
 if(NOT INIPARSER_INCLUDE_DIR OR NOT INIPARSER_LIBRARY)

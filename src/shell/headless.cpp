@@ -31,21 +31,15 @@ namespace {
 
 enum class End { StepLimit, FrameLimit, Place, Signal, Paused, Killed, StartFailed };
 
-HeadlessOutputs* traceOutput = nullptr;
 HeadlessHistory* past = nullptr;  ///< during the run
 ProgressLine progress;
 
-/// The panes keep no text: EmuOutput's goes to standard error, that of the others to the trace. A text that
-/// ends its own line is not given a second end.
+/// The panes keep no text: EmuOutput's goes to standard error. A text that ends its own line is not given a
+/// second end.
 koGUItextLine* passOnText(koGUIwidget* pane, const char* text) {
-    const std::size_t length = std::strlen(text);
-    const char* const end = length > 0 && text[length - 1] == '\n' ? "" : "\n";
-    progress.clear();
     if (pane->id == emuOutputPane) {
-        std::fprintf(stderr, "%s%s", text, end);
-    } else {
-        traceOutput->writeTrace(text, length);
-        traceOutput->writeTrace(end, std::strlen(end));
+        progress.clear();
+        std::fprintf(stderr, "%s%s", text, std::string_view(text).ends_with('\n') ? "" : "\n");
     }
     return nullptr;
 }
@@ -196,17 +190,22 @@ End runToPlace(const RunLimits& limits, u32 address, u64& count) {
     }
 }
 
-/// Runs until something ends the run, with a numbered picture now and then when they are asked for.
+/// Runs until something ends the run, with a numbered picture now and then, and a trace for a while, when
+/// they are asked for.
 End run(const HeadlessOptions& options, std::optional<u32> place, HeadlessOutputs& outputs) {
     const RunLimits limits = limitsOf(options);
     u64 count = options.until ? options.until->count : 0;
     const u64& blanks = machine.counters.verticalBlanks;
     for (;;) {
         RunLimits part = limits;
+        part.steps = std::min(limits.steps, outputs.traceAt(machine.counters.driverSteps));
         if (const u64 every = options.pictureEvery.value_or(0); every != 0) {
             part.verticalBlanks = std::min(limits.verticalBlanks, blanks - blanks % every + every);
         }
         const End end = place ? runToPlace(part, *place, count) : endOf(runUntil(part, lookAround));
+        if (end == End::StepLimit && machine.counters.driverSteps < limits.steps) {
+            continue;
+        }
         if (end != End::FrameLimit) {
             return end;
         }
@@ -243,7 +242,7 @@ bool configure(const HeadlessOptions& options) {
             std::fprintf(stderr, "tarn-headless: warning: %s %s\n", Settings.ElfToExecute, reason.c_str());
         }
     }
-    if (Settings.debug_op == 1 && !options.trace) {
+    if (Settings.debug_op == 1 && !options.tracePath()) {
         std::fprintf(stderr,
                      "tarn-headless: warning: Debug_op is 1, which makes the run a hundred times slower, "
                      "but without --trace the trace goes nowhere\n");
@@ -255,7 +254,7 @@ bool configure(const HeadlessOptions& options) {
 
 int runHeadless(const HeadlessOptions& options) {
     // A debugger's user sees where the machine is, and its output must not wait for the line.
-    progress.begin(!options.quiet && !options.gdbPort);
+    progress.begin(!options.quiet && !options.gdbPort && options.tracePath() != "-");
     HeadlessOutputs outputs(options, programSymbols);
     std::optional<u32> place;
     std::vector<u8> savedState;
@@ -264,11 +263,7 @@ int runHeadless(const HeadlessOptions& options) {
         !HeadlessHistory::readState(options, savedState) || !outputs.open()) {
         return exitStatus(End::StartFailed, false);
     }
-    traceOutput = &outputs;
     Settings.completeCpu = options.completeCpu ? 1 : Settings.completeCpu;
-    if (options.trace) {
-        Settings.debug_op = 1;
-    }
     createMainScreen();
     addPanes(passOnText);
     diagnosticSinks.text[static_cast<std::size_t>(Channel::Console)] = passOnGuestText;
@@ -285,7 +280,9 @@ int runHeadless(const HeadlessOptions& options) {
         outputs.beginCounting()) {
         past = &history;
         outputs.beginRecording();
+        outputs.traceAt(machine.counters.driverSteps);
         end = debugger ? runDebugged(*debugger, limitsOf(options)) : run(options, place, outputs);
+        outputs.endTrace();
     }
     progress.clear();
     reportEnd(end);

@@ -50,7 +50,11 @@ constexpr Option optionTable[] = {
      "PREFIX ends in .png, as the PNG file of that name"},
     {"dump-vram", "FILE", &Options::vramDump, "write the raw 4 MB of GS memory"},
     {"registers", nullptr, &Options::registers, "print the integer and the floating-point registers"},
-    {"trace", "FILE", &Options::trace, "trace every instruction into FILE"},
+    {"trace", "FILE", &Options::trace, "trace every instruction, with all registers"},
+    {"trace-changes", "FILE", &Options::traceChanges,
+     "trace a line a step: the instruction, and what it changed"},
+    {"trace-from", "STEP", &Options::traceFrom, "trace from this driver step on"},
+    {"trace-steps", "N", &Options::traceSteps, "trace N driver steps"},
     {"profile", "FILE", &Options::profile,
      "count every instruction, and write the profile in callgrind's format"},
     {"coverage", "FILE", &Options::coverage, "write which lines and functions ran, in lcov's format"},
@@ -207,8 +211,9 @@ class Parser {
     }
 
     void checkTogether() {
-        const auto files = {&options.picture,  &options.vramDump,  &options.trace, &options.profile,
-                            &options.coverage, &options.saveState, &options.record};
+        const std::initializer_list<const std::optional<std::string>*> files = {
+            &options.picture, &options.vramDump, &options.tracePath(),
+            &options.profile, &options.coverage, &options.saveState, &options.record};
         if (std::ranges::count_if(files, [](const auto* file) { return *file == "-"; }) > 1) {
             complain("only one output can go to standard output");
         }
@@ -218,9 +223,17 @@ class Parser {
         if (options.recordFrames && !options.record) {
             complain("--record-frames needs --record FILE");
         }
+        if (options.trace && options.traceChanges) {
+            complain("--trace and --trace-changes do not go together");
+        }
+        const bool limitsTrace = options.traceFrom || options.traceSteps;
+        if (limitsTrace && !options.tracePath()) {
+            complain("--trace-from and --trace-steps need --trace or --trace-changes");
+        }
         if (options.gdbPort && (options.until || options.pictureEvery || options.profile ||
-                                options.coverage || options.record)) {
-            complain("--until, --picture-every, --profile, --coverage and --record do not work with --gdb");
+                                options.coverage || options.record || limitsTrace)) {
+            complain("--until, --picture-every, --profile, --coverage, --record, --trace-from and "
+                     "--trace-steps do not work with --gdb");
         }
     }
 
@@ -252,7 +265,8 @@ void printHeadlessUsage() {
     }
     std::printf(
         "\n"
-        "A FILE of - is standard output; the diagnostics then go to standard error.\n"
+        "A FILE of - is standard output; the diagnostics then go to standard error. A trace is compressed\n"
+        "if its FILE ends in .gz or .zst.\n"
         "Exit status: 0 when a limit was reached or a signal came, 1 when start-up failed or an output was "
         "lost,\n"
         "2 for unusable arguments, 3 when the CPU paused.\n");

@@ -34,6 +34,9 @@ struct HeadlessOptions {
     std::optional<std::string> snapshot;
     std::optional<std::string> vramDump;
     std::optional<std::string> trace;
+    std::optional<std::string> traceChanges;  ///< only one of the two
+    std::optional<u64> traceFrom;             ///< the first step that is traced
+    std::optional<u64> traceSteps;            ///< how many are
     std::optional<std::string> profile;
     std::optional<std::string> coverage;
     std::optional<std::string> record;  ///< file for what the GS gets
@@ -50,6 +53,9 @@ struct HeadlessOptions {
     bool quiet = false;
     bool help = false;
     bool version = false;
+
+    /// The file of the trace, of whichever kind.
+    const std::optional<std::string>& tracePath() const { return traceChanges ? traceChanges : trace; }
 };
 
 /// What --help prints.

@@ -16,9 +16,11 @@
 #include "symbols/lcov_file.h"
 #include "symbols/profiler.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 #include <utility>
 
 namespace tarn {
@@ -61,25 +63,61 @@ std::span<u8> picturePixels() {
 
 bool HeadlessOutputs::open() {
     bool usable = true;
-    for (const auto& [path, file] : {std::pair{&options.picture, &picture},
-                                     {&options.vramDump, &vram},
-                                     {&options.saveState, &state},
-                                     {&options.trace, &trace},
-                                     {&options.profile, &profile},
-                                     {&options.coverage, &coverage},
-                                     {&options.record, &recorded}}) {
-        if (!*path) {
-            continue;
+    const auto openFile = [&usable](const std::optional<std::string>& path, auto& file) {
+        if (!path) {
+            return;
         }
         if (*path == "-") {
             diagnosticSinks.text[static_cast<std::size_t>(Channel::StandardOutput)] = [](const char* text) {
                 std::fputs(text, stderr);
             };
         }
-        file->open(**path);
-        usable = (file->isOpen() || file->close()) && usable;
-    }
+        file.open(*path);
+        usable = (file.isOpen() || file.close()) && usable;
+    };
+    openFile(options.picture, picture);
+    openFile(options.vramDump, vram);
+    openFile(options.saveState, state);
+    openFile(options.tracePath(), trace);
+    openFile(options.profile, profile);
+    openFile(options.coverage, coverage);
+    openFile(options.record, recorded);
     return usable;
+}
+
+u64 HeadlessOutputs::traceAt(u64 step) {
+    constexpr u64 never = std::numeric_limits<u64>::max();
+    if (!options.tracePath()) {
+        return never;
+    }
+    const u64 first = options.traceFrom.value_or(0);
+    const u64 end = first + std::min(options.traceSteps.value_or(never), never - first);
+    if (step >= first && step < end) {
+        beginTrace();
+        return end;
+    }
+    endTrace();
+    return step < first ? first : never;
+}
+
+void HeadlessOutputs::beginTrace() {
+    if (diagnosticSinks.trace != nullptr) {
+        return;
+    }
+    if (options.traceChanges) {
+        diagnosticSinks.trace = &changesTrace.emplace(trace, table());
+    } else {
+        diagnosticSinks.trace = &fullTrace.emplace(trace);
+    }
+    Settings.debug_op = 1;
+}
+
+void HeadlessOutputs::endTrace() {
+    if (options.tracePath()) {
+        diagnosticSinks.trace = nullptr;
+        changesTrace.reset();
+        Settings.debug_op = 0;
+    }
 }
 
 bool HeadlessOutputs::beginCounting() const {
@@ -170,7 +208,7 @@ bool HeadlessOutputs::write() {
         state.write(bytes.data(), bytes.size());
         complete &= state.close();
     }
-    if (options.trace) {
+    if (options.tracePath()) {
         complete &= trace.close();
     }
     if (options.profile || options.coverage) {

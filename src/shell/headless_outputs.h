@@ -3,9 +3,10 @@
 
 #include "shell/headless_options.h"
 #include "shell/output_files.h"
+#include "shell/trace_files.h"
 #include "symbols/symbol_table.h"
 
-#include <cstddef>
+#include <optional>
 #include <span>
 
 namespace tarn {
@@ -24,7 +25,10 @@ class HeadlessOutputs {
     /// there is one. Where an output goes to standard output, diagnostics go to standard error.
     bool open();
 
-    void writeTrace(const char* text, std::size_t size) { trace.write(text, size); }
+    /// Has instructions traced, or not, as is asked for from this step on; returns the step up to which that
+    /// holds.
+    u64 traceAt(u64 step);
+    void endTrace();
 
     /// Has instructions counted when that is asked for; false, with a message, when it cannot be.
     bool beginCounting() const;
@@ -39,13 +43,17 @@ class HeadlessOutputs {
     bool write();
 
   private:
+    void beginTrace();
     bool writeSnapshot();
     void writeCounts();
     bool finishRecording();
 
     const HeadlessOptions& options;
     const symbols::SymbolTable& (*table)();
-    OutputFile picture, vram, state, trace, profile, coverage, recorded;
+    OutputFile picture, vram, state, profile, coverage, recorded;
+    TraceFile trace;
+    std::optional<FullTrace> fullTrace;
+    std::optional<ChangesTrace> changesTrace;
     bool numberedPictureLost = false;
 };
 

@@ -1,6 +1,7 @@
 """The command line of tarn-headless: options, exit statuses, outputs that can and cannot be written."""
 
 import fcntl
+import gzip
 import re
 import signal
 import subprocess
@@ -40,11 +41,22 @@ class HeadlessTest(ProgramTest):
             with self.subTest(options):
                 self.assertIn(f"tarn-headless: {end}", self.run_headless(*options, status=0)[1])
 
-    def test_trace(self):
-        _, messages = self.run_headless("--steps", "2", "--trace", "trace.txt", status=0)
-        self.assertRegex(messages, r"Stop at PC = 0x0010\w{4} after 2 instructions")
-        trace = self.output_file("trace.txt").decode()
-        self.assertRegex(trace, r"^(0010\w{4}: .+\n(\w{2} : \w{16}\n){34}){2}$")
+    def test_traces(self):
+        def unzstd(data):
+            return subprocess.run(["zstd", "-dcq"], input=data, capture_output=True, check=True).stdout
+
+        for option, step in (("--trace", r"0010\w{4}: .+\n(\w{2} : \w{16}\n){34}"),
+                             ("--trace-changes", r"(# _start(\+0x\w+)?.*\n)?0010\w{4}: \w+\s.*\n")):
+            _, messages = self.run_headless("--steps", "9", option, "whole", status=0)
+            self.assertRegex(messages, r"Stop at PC = 0x0010\w{4} after \d+ instructions")
+            whole = self.output_file("whole").decode()
+            self.assertRegex(whole, f"^({step}){{2}}")
+            for name, unpack in ("part", bytes), ("part.gz", gzip.decompress), ("part.zst", unzstd):
+                with self.subTest(option, name=name):
+                    self.run_headless("--steps=9", "--trace-from=1", "--trace-steps=1", option, name, status=0)
+                    part = unpack(self.output_file(name)).decode()
+                    self.assertRegex(part, f"^{step}$")
+                    self.assertIn(part.split("\n", part.startswith("#"))[-1], whole)
 
     def test_failed_start_writes_what_there_is(self):
         (self.directory / "bios" / "scph10000.bin").unlink()
