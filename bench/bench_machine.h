@@ -1,4 +1,4 @@
-// The machine as the benchmarks use it: memory, renderer and panes, without a window.
+// The machine as the benchmarks use it: memory and renderer, without a window.
 #pragma once
 
 #include "base/types.h"
@@ -7,10 +7,10 @@
 
 namespace tarn::bench {
 
-/// Every record in its start state, with the memory areas, local memory and the panes.
+/// Puts every record into its start state and allocates the memory areas and local memory.
 void startMachine();
 
-/// Puts a program at guestCodeAddress and PC on it.
+/// Copies a program to guestCodeAddress and sets PC to it.
 void loadGuest(std::span<const u32> program);
 
 }  // namespace tarn::bench

@@ -26,7 +26,7 @@ constexpr u32 gouraud = 1 << 3, textured = 1 << 4, texelCoordinates = 1 << 8;
 
 enum Texture : u32 { psmct32 = 0, psmt8 = 19, psmt4 = 20 };
 
-/// What a measured routine is selected by.
+/// What selects a routine.
 struct Routine {
     const char* name;
     u32 prim;
@@ -53,7 +53,7 @@ constexpr std::array routines{
     Routine{"line/G", line | gouraud},
 };
 
-/// Rectangles of one size, as many as one packet draws, side by side over the screen.
+/// The rectangles of one size that a packet draws, side by side over the screen.
 struct Size {
     const char* name;
     u32 width, height;
@@ -106,7 +106,7 @@ void tag(GifPacket& packet, const Routine& routine, u32 primitives) {
     }
 }
 
-/// The packet's primitives, each rectangle two triangles, one sprite or one line; gives their number.
+/// Writes the packet's primitives: two triangles, a sprite or a line per rectangle. Returns their number.
 u32 primitives(GifPacket& packet, const Routine& routine, const Size& size) {
     const bool halves = (routine.prim & 7) == triangle;
     const u32 columns = screenWidth / size.width, rows = std::min(screenHeight / size.height, 14U);

@@ -1,4 +1,4 @@
-// The loops on which interpreters are measured, and their form as ELF files.
+// The loops that interpreters are measured with, as code and as ELF files.
 #include "guest_loops.h"
 
 #include "guest_code.h"

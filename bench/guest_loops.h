@@ -1,5 +1,5 @@
-// The loops on which interpreters are measured. They use only instructions that every MIPS has with the same
-// meaning, so that Tarn and a MIPS user-mode emulator run the same words.
+// The loops that interpreters are measured with. They use only instructions that mean the same on every MIPS,
+// so that Tarn and a MIPS user-mode emulator run the same words.
 #pragma once
 
 #include "base/types.h"
@@ -11,7 +11,7 @@
 
 namespace tarn::bench {
 
-/// Where a program and its data stand, in Tarn and elsewhere.
+/// The addresses of a program and its data, in Tarn and elsewhere.
 inline constexpr u32 guestCodeAddress = 0x00100000;
 inline constexpr u32 guestDataAddress = 0x00108000;
 
@@ -26,7 +26,7 @@ extern const std::array<GuestLoop, 3> guestLoops;
 
 /// What follows the loop.
 enum class Ending {
-    Console,   ///< a write to an unknown DMA register, for which Tarn prints a line, and all over again
+    Console,   ///< a write to an unknown DMA register, for which Tarn prints a line; then the start again
     LinuxO32,  ///< the exit call of 32-bit Linux
     LinuxN32,  ///< the exit call of Linux's N32 interface
 };

@@ -1,5 +1,5 @@
 // Interpreter benchmarks: each loop by single instructions, by driver steps and by batches.
-// One item is one turn of the loop, which is also what a MIPS user-mode emulator is measured by.
+// One item is one iteration of the loop, which is also the unit for a MIPS user-mode emulator.
 #include "bench_machine.h"
 #include "guest_code.h"
 #include "guest_loops.h"
@@ -15,7 +15,7 @@ namespace tarn::bench {
 
 namespace {
 
-constexpr u32 endless = 0x7FFFFFFF;  // turns of the loop, more than a measurement makes
+constexpr u32 endless = 0x7FFFFFFF;  // iterations, more than a measurement makes
 constexpr u64 batch = 8192;
 
 void stepCpu() {

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs the benchmarks and what they are held against, and prints the ratios with their floors and goals.
+"""Runs the benchmarks, and what they are compared with, and prints the ratios with their floors and goals.
 
 usage: report.py BUILD_DIRECTORY [--quick] [--output FILE.json]
 
@@ -10,6 +10,7 @@ for the programs in a window, where the display server works too.
 import argparse
 import contextlib
 import json
+import math
 import os
 import select
 import shutil
@@ -21,6 +22,8 @@ import tempfile
 import time
 from pathlib import Path
 
+import whole_programs
+
 SOURCE = Path(__file__).resolve().parents[1]
 LOOPS = "alu", "mixed", "float"
 EMULATORS = {  # name in the table: command, interface of the program
@@ -31,8 +34,10 @@ EMULATORS = {  # name in the table: command, interface of the program
 }
 SINGLE_STEP = "-one-insn-per-tb"  # what newer releases call -singlestep
 TURNS = {"alu": 6_000_000, "mixed": 4_000_000, "float": 3_000_000}  # about half a second of single steps
-PROGRAMS = "loop", "bounce"  # run in a window; the first draws nothing
+PROGRAMS = "loop", "bounce", "cube"  # run in a window; the first draws nothing
 TURNS_PER_LINE = 20_000
+TURNS_PER_TRACED_LINE = 2
+STEPS_PER_TRACED_LINE = 22  # of the integer loop
 
 
 class Measurements:
@@ -44,6 +49,7 @@ class Measurements:
         self.rates = {}
         self.turns = {}  # of a benchmark, a second
         self.seconds = {}  # of one primitive, for those that have it
+        self.bytes = {}  # of a step, by kind of trace
         self.runs = {}  # of a benchmark, as it reports them
 
     def ratio(self, name, against):
@@ -94,8 +100,21 @@ class Measurements:
         for name, (turns, _) in commands.items():
             self.rates[name] = turns / statistics.median(times[name])
 
+    def run_whole_programs(self, directory):
+        """Steps a second of whole runs; each round measures them all."""
+        write_guest(self.build, directory / "alu.elf", "alu", "console", TURNS_PER_LINE)
+
+        def command(program):
+            elf = directory / "alu.elf" if program == "loop" else self.build / "guest" / f"{program}.elf"
+            return [self.build / "tarn-headless", elf, "--quiet"]
+        rounds = [whole_programs.rates_of_one_round(command) for _ in range(self.repetitions)]
+        for name in rounds[0]:
+            self.rates[f"whole/{name}"] = statistics.median(rates[name] for rates in rounds)
+        for option in "trace", "trace-changes":
+            self.bytes[option] = whole_programs.trace_bytes(command, option)
+
     def run_programs(self, directory):
-        """The speed of whole programs, without a window and in one, by turns."""
+        """The speed of whole programs, without a window and in one, by turns; and of a trace in a window."""
         if shutil.which("Xvfb") is None:
             print("Xvfb is not installed (Debian package xvfb): no comparison with the window")
             return
@@ -110,6 +129,12 @@ class Measurements:
                 rates = [(headless.rate(), window.rate()) for _ in range(self.repetitions)]
             self.rates[f"program/{name}/headless"] = statistics.median(rate for rate, _ in rates)
             self.rates[f"program/{name}/window"] = statistics.median(rate for _, rate in rates)
+        write_guest(self.build, directory / "traced.elf", "alu", "console", TURNS_PER_TRACED_LINE)
+        run = prepare(directory / "traced", directory / "traced.elf", "Debug_op = 1")
+        with display() as environment, Running(self.build / "tarn", run, environment) as window:
+            window.settle(expected=2)
+            lines = statistics.median(window.rate() for _ in range(self.repetitions))
+            self.rates["program/traced/window"] = lines * STEPS_PER_TRACED_LINE
 
 
 class Running:
@@ -140,9 +165,9 @@ class Running:
             last = time.monotonic()
         return count, last - start
 
-    def settle(self):
+    def settle(self, expected=10):
         limit = time.monotonic() + 10
-        while self.lines(0.1)[0] < 10:
+        while self.lines(0.1)[0] < expected:
             if time.monotonic() > limit:
                 sys.exit(f"{self.process.args[0]} does not start")
         self.process.send_signal(signal.SIGSTOP)
@@ -165,20 +190,16 @@ def has_option(program, option):
 
 
 def processor_time(command):
-    process = subprocess.Popen(command, stdout=subprocess.DEVNULL)
-    _, status, usage = os.wait4(process.pid, 0)
-    if status != 0:
-        sys.exit(f"{command[0]} failed")
-    return usage.ru_utime + usage.ru_stime
+    return whole_programs.processor_time(subprocess.Popen(command, stdout=subprocess.DEVNULL))
 
 
-def prepare(directory, elf):
+def prepare(directory, elf, more=""):
     """A run directory for the program, as fast as it goes, with a line for each write to a register of the GS."""
     (directory / "bios").mkdir(parents=True)
     (directory / "bios" / "scph10000.bin").write_bytes(bytes(1024))
     (directory / "data").symlink_to(SOURCE / "data")
     (directory / "tarn.ini").write_text(
-        f'[General]\nElf = "{elf.resolve()}"\nSteps_per_poll = 8192\nDebug_GS = 1\n[Video]\nWidth = 320\nHeight = 240\n')
+        f'[General]\nElf = "{elf.resolve()}"\nSteps_per_poll = 8192\nDebug_GS = 1\n{more}\n[Video]\nWidth = 320\nHeight = 240\n')
     return directory
 
 
@@ -199,13 +220,18 @@ def display():
 
 def target_rows():
     """What is measured, against what, the floor and the goal of the ratio."""
+    yield "the loop with a display of 640x448", "whole/640x448", "whole/plain", 0.5, 0.9
+    for run, floor, goal in ("continue", 0.4, 0.8), ("continue, breakpoint", 0.4, 0.8), \
+            ("continue, watchpoint", 0.03, 0.1):
+        yield f"gdb: {run}", f"whole/{run}", "whole/plain", floor, goal
+    for program in PROGRAMS:
+        yield f"in a window, {program}", f"program/{program}/window", f"program/{program}/headless", 0.5, 0.8
+    yield "trace in a window", "program/traced/window", "reference/SDL_UpperBlit/800x600", 0.15, 0.3
     single = "qemu-mipsel -singlestep"
     for loop in "alu", "mixed":
         yield f"single steps, {loop} loop", f"cpu/{loop}/MipsUpdateCpu", f"{single}/{loop}", 0.5, 1.0
     for loop in "alu", "mixed":
         yield f"batch runner, {loop} loop", f"cpu/{loop}/runSteps", f"{single}/{loop}", 2.0, 4.5
-    for program in PROGRAMS:
-        yield f"in a window, {program}", f"program/{program}/window", f"program/{program}/headless", 0.5, 0.8
     yield "flat triangle, whole screen", "draw/triangle/F/640x448", "reference/SDL_FillRect/640x448", 0.5, 1.0
     for routine in "G", "FTDecal", "FTModulate":
         yield f"triangle {routine}, whole screen", f"draw/triangle/{routine}/640x448", \
@@ -217,11 +243,13 @@ def target_rows():
     for depth in 15, 16, 24, 32:
         yield f"stretched presentation, {depth} bit", f"present/{depth}/stretched/512x224_to_640x448", \
             f"present/{depth}/640x448", 0.3, 0.6
-    yield "redraw of the whole window", "window/redraw/text", "reference/SDL_UpperBlit/800x600", 0.15, 0.4
+    yield "redraw of the whole window", "window/redraw/everything", "reference/SDL_UpperBlit/800x600", 0.15, 0.4
 
 
 def more_rows():
     """Ratios without a target."""
+    for run in "bounce", "cube", "trace", "trace-changes":
+        yield f"whole run, {run}", f"whole/{run}", "whole/plain"
     for emulator in EMULATORS:
         for way in "MipsUpdateCpu", "driverStep", "runSteps":
             for loop in LOOPS:
@@ -230,6 +258,7 @@ def more_rows():
     yield "textured sprite", "draw/sprite/T32/640x448", "reference/pixman_nearest/256x256_to_640x448"
     yield "image upload", "transfer/upload32/640x448", "reference/memcpy/640x448"
     yield "local move", "transfer/move/640x448", "reference/memcpy/640x448"
+    yield "redraw of the traces' panes", "window/redraw/trace", "reference/SDL_UpperBlit/800x600"
     yield "redraw of the picture alone", "window/redraw/picture", "reference/SDL_UpperBlit/800x600"
 
 
@@ -239,20 +268,37 @@ def verdict(value, floor, goal, smaller=False):
     return "goal" if reached(goal) else "floor" if reached(floor) else "MISSED"
 
 
-def print_table(measurements):
-    rows = []
-    for what, name, against, floor, goal in target_rows():
-        ratio = measurements.ratio(name, against)
-        if ratio is not None:
-            rows.append((what, against, f"{floor:g}", f"{goal:g}", f"{ratio:.2f}", verdict(ratio, floor, goal)))
+def absolute_rows(measurements):
+    """What is not a ratio: figure, unit, floor, goal, and whether a smaller one is better."""
+    rates = measurements.rates
+    if "whole/plain" in rates:
+        for what, name, floor, goal in (("the integer loop", "plain", 400, 1000), ("--trace, cube", "trace", 2, 4),
+                                        ("--trace-changes, cube", "trace-changes", 2, 4)):
+            yield what, rates[f"whole/{name}"] / 1e6, "million steps/s", floor, goal, False
+        yield "gdb: steps", rates["whole/debugger's steps"], "steps/s", 1000, 5000, False
+        yield "--trace-changes, cube", measurements.bytes["trace-changes"], "bytes a step", 100, 60, True
     for name, seconds in sorted(measurements.seconds.items()):
         if name.startswith("draw/triangle/") and name.endswith("/8x8"):
-            rows.append((f"8x8 triangle {name.split('/')[2]}", "ns each", "400", "150", f"{seconds * 1e9:.0f}",
-                         verdict(seconds * 1e9, 400, 150, smaller=True)))
+            yield f"8x8 triangle {name.split('/')[2]}", seconds * 1e9, "ns each", 400, 150, True
+
+
+def number(value):
+    """With three digits, but none behind those of a whole number."""
+    return f"{value:.{max(0, 2 - math.floor(math.log10(value)))}f}" if value > 0 else "0"
+
+
+def print_table(measurements):
+    def row(what, against, floor, goal, value, smaller=False):
+        return what, against, f"{floor:g}", f"{goal:g}", number(value), verdict(value, floor, goal, smaller)
+    rows = [row(what, unit, floor, goal, value, smaller)
+            for what, value, unit, floor, goal, smaller in absolute_rows(measurements)]
+    rows[5:5] = [row(what, against, floor, goal, measurements.ratio(name, against))
+                 for what, name, against, floor, goal in target_rows()
+                 if measurements.ratio(name, against) is not None]
     print_columns(("what", "against", "floor", "goal", "measured", "reaches"), rows)
     print()
     print_columns(("more ratios", "against", "measured"),
-                  [(what, against, f"{measurements.ratio(name, against):.2f}") for what, name, against in more_rows()
+                  [(what, against, number(measurements.ratio(name, against))) for what, name, against in more_rows()
                    if measurements.ratio(name, against) is not None])
 
 
@@ -272,6 +318,7 @@ def main():
     measurements = Measurements(options.build.resolve(), 1 if options.quick else 5)
     with tempfile.TemporaryDirectory(prefix="tarn-bench-") as directory:
         measurements.run_benchmarks("-^cpu/", measurements.repetitions)
+        measurements.run_whole_programs(Path(directory))
         measurements.run_loops(Path(directory))
         measurements.run_programs(Path(directory))
     if options.output:

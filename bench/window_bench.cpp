@@ -1,4 +1,4 @@
-// Window benchmarks: appending text, and redrawing everything, on SDL's dummy display.
+// Window benchmarks: appending text and redrawing, on SDL's dummy display.
 #include "base/diagnostics.h"
 #include "bench_machine.h"
 #include "gui/screen.h"
@@ -15,7 +15,7 @@ namespace tarn::bench {
 
 namespace {
 
-/// The window with its four panes; once.
+/// Opens the window with its four panes, at the first call.
 void openWindow() {
     static const bool opened = [] {
         setenv("SDL_VIDEODRIVER", "dummy", 1);
@@ -47,7 +47,7 @@ void append(benchmark::State& state) {
 }
 BENCHMARK(append)->Name("window/append")->Iterations(200000);
 
-/// One turn of the main loop in which `makeDirty` has made a pane dirty.
+/// One turn of the main loop after `makeDirty` has made panes dirty.
 template <void (*makeDirty)()>
 void redraw(benchmark::State& state) {
     openWindow();
@@ -68,8 +68,13 @@ void redraw(benchmark::State& state) {
         benchmark::ClobberMemory();
     }
 }
-void dirtyText() { TarnGUI.widgets[emuOutputPane].dirty = 1; }
-BENCHMARK(redraw<dirtyText>)->Name("window/redraw/text");
+void movePane() {
+    TarnGUI.widgets[emuOutputPane].x ^= 1;
+    TarnGUI.widgets[emuOutputPane].dirty = 1;
+}
+void dirtyTrace() { TarnGUI.widgets[opcodesPane].dirty = TarnGUI.widgets[cpuRegistersPane].dirty = 1; }
+BENCHMARK(redraw<movePane>)->Name("window/redraw/everything");
+BENCHMARK(redraw<dirtyTrace>)->Name("window/redraw/trace");
 BENCHMARK(redraw<MarkVideoOutputDirty>)->Name("window/redraw/picture");
 
 }  // namespace
