@@ -7,6 +7,7 @@
 #include "machine/machine.h"
 
 #include <algorithm>
+#include <ctime>
 
 namespace tarn::history {
 namespace {
@@ -29,14 +30,17 @@ constexpr u64 largestWindow = 1 << 26;
 void Timeline::begin() {
     checkpoints.clear();
     reached = 0;
-    takeTimed();
+    checkpoints.take();  // which copies everything, and says nothing about the cost of the next ones
+    due = Clock::now() + shortestInterval;
 }
 
 void Timeline::takeTimed() {
-    const Clock::time_point before = Clock::now();
+    const std::clock_t before = std::clock();  // processor time: other programs must not make gaps
     checkpoints.take();
-    const Clock::time_point after = Clock::now();
-    due = after + std::max<Clock::duration>(shortestInterval, (after - before) * costFraction);
+    const std::chrono::duration<double> cost(static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC);
+    due = Clock::now() +
+          std::max<Clock::duration>(shortestInterval,
+                                    std::chrono::duration_cast<Clock::duration>(cost * costFraction));
 }
 
 void Timeline::look() {
