@@ -22,8 +22,6 @@ constexpr std::size_t shownPixels = 8;
 struct CommandSums {
     u64 command = 0;  ///< of what the command is
     u64 pixels = 0;   ///< of the pixels that it may have changed
-
-    friend bool operator==(const CommandSums&, const CommandSums&) = default;
 };
 
 u64 sumOf(const std::vector<u32>& words) {

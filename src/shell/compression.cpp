@@ -66,7 +66,7 @@ class ZstdCompressor final : public Compressor {
 
   private:
     struct Freer {
-        void operator()(ZSTD_CCtx* context) const { ZSTD_freeCCtx(context); }
+        void operator()(ZSTD_CCtx* owned) const { ZSTD_freeCCtx(owned); }
     };
     std::unique_ptr<ZSTD_CCtx, Freer> context{ZSTD_createCCtx()};
     std::vector<char> compressed = std::vector<char>(ZSTD_CStreamOutSize());

@@ -102,7 +102,8 @@ TEST_F(Display, EveryPixelIsTheFormulas) {
         const s32 width = random(10) == 0 ? extremes[random(4)] : static_cast<s32>(random(700));
         const s32 height = random(10) == 0 ? extremes[random(4)] : static_cast<s32>(random(90));
         // Every third surface is not the size that the configuration gives.
-        const bool other = width - 1U >= 700 || height - 1U >= 90 || random(3) == 0;
+        const bool other =
+            static_cast<u32>(width) - 1 >= 700 || static_cast<u32>(height) - 1 >= 90 || random(3) == 0;
         const Surface surface = makeSurface(other ? 1 + static_cast<s32>(random(300)) : width,
                                             other ? 1 + static_cast<s32>(random(90)) : height, depth);
         ASSERT_NE(surface, nullptr);

@@ -193,7 +193,8 @@ TEST_F(Window, RedrawingWhatHasChangedIsRedrawingEverything) {
         case 2:
         case 3: {
             const std::string text = "text that may run out of its pane, far to the right of it";
-            koGUIwidget_addText(&TarnGUI.widgets[1 + i % 2], text.substr(0, generator() % 60).c_str());
+            koGUIwidget_addText(&TarnGUI.widgets[static_cast<std::size_t>(1 + i % 2)],
+                                text.substr(0, generator() % 60).c_str());
             break;
         }
         default:

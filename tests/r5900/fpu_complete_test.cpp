@@ -139,7 +139,7 @@ TEST_F(FpuComplete, ResultsAreTruncatedAndLimited) {
 
 TEST_F(FpuComplete, TheAccumulatorTakesTruncatedProducts) {
     // MADD, MSUB, MADDA, MSUBA; and ADDA, SUBA, MULA against the same into a register.
-    for (const u32 function : {28, 29, 30, 31, 24, 25, 26}) {
+    for (const u32 function : {28U, 29U, 30U, 31U, 24U, 25U, 26U}) {
         forOperands([&](u32 a, u32 b) {
             const u32 accumulator = randomNumber(random, a + b - 0x3F800000);
             u32 expectedFlags, expected;

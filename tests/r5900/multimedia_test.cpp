@@ -270,8 +270,9 @@ TEST_F(Multimedia, LanesAreCombinedAndMoved) {
     for (const Single& row : singles) {
         hold(row.word, row.apply);
     }
-    for (const auto& [group, code, width, lanes] : moves) {
-        hold(multimedia(group, code), [&](State& s) {
+    for (const auto& move : moves) {
+        hold(multimedia(move.group, move.code), [&](State& s) {
+            const auto& [group, code, width, lanes] = move;
             const Quad first = group == pmfhl ? s.lo : s.rt, second = group == pmfhl ? s.hi : s.rs;
             for (int i = 0; i < 128 / width; ++i) {
                 const char from = lanes[static_cast<std::size_t>(i)];
