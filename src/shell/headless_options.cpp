@@ -212,8 +212,8 @@ class Parser {
 
     void checkTogether() {
         const std::initializer_list<const std::optional<std::string>*> files = {
-            &options.picture, &options.vramDump, &options.tracePath(),
-            &options.profile, &options.coverage, &options.saveState, &options.record};
+            &options.picture,  &options.vramDump,  &options.tracePath(), &options.profile,
+            &options.coverage, &options.saveState, &options.record};
         if (std::ranges::count_if(files, [](const auto* file) { return *file == "-"; }) > 1) {
             complain("only one output can go to standard output");
         }

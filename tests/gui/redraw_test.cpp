@@ -200,14 +200,14 @@ TEST_F(Window, RedrawingWhatHasChangedIsRedrawingEverything) {
         default:
             break;
         }
-        if (below(4) == 0) {  // another picture for a moment, of which the quick way must not know
-            const auto size = static_cast<std::size_t>(picture->h) * picture->pitch;
-            const std::string former(static_cast<const char*>(picture->pixels), size);
-            fillAtRandom(picture.get(), 0, picture->h);
-            drawnAnew();
-            std::memcpy(picture->pixels, former.data(), size);
-        }
         if (below(3) != 0) {
+            if (below(4) == 0) {  // another picture for a moment, of which the quick way must not know
+                const auto size = static_cast<std::size_t>(picture->h) * picture->pitch;
+                const std::string former(static_cast<const char*>(picture->pixels), size);
+                fillAtRandom(picture.get(), 0, picture->h);
+                drawnAnew();
+                std::memcpy(picture->pixels, former.data(), size);
+            }
             const int first = below(picture->h);
             fillAtRandom(picture.get(), first, first + below(picture->h + 1 - first));
             TarnGUI.widgets[0].dirty = 1;

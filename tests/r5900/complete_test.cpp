@@ -10,7 +10,7 @@ constexpr u64 registerValues[] = {0, 1, ~u64{0}, 0xFFFFFFFF80000000, 0x00200000,
 
 class CompleteProcessor : public CompleteTest {
   protected:
-    static void start(std::initializer_list<u32> words) {
+    static void start(const std::vector<u32>& words) {
         MipsCpu = {};
         for (u32 i = 0; i < std::size(registerValues); ++i) {
             MipsCpu.GPR[i] = {registerValues[i], 0x100 + i};

@@ -8,6 +8,7 @@
 
 #include <bit>
 #include <cstring>
+#include <vector>
 
 namespace tarn::test {
 
@@ -29,8 +30,8 @@ constexpr u32 single(u32 function, u32 ft, u32 fs, u32 fd) {
 
 constexpr u64 programStart = 0x00100000;
 
-inline void setProgram(std::initializer_list<u32> words) {
-    std::memcpy(MipsMemory + programStart, std::data(words), words.size() * sizeof(u32));
+inline void setProgram(const std::vector<u32>& words) {
+    std::memcpy(MipsMemory + programStart, words.data(), words.size() * sizeof(u32));
     MipsCpu.PC = programStart;
 }
 

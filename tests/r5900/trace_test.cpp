@@ -191,7 +191,7 @@ TEST_F(MachineTest, TracesAreWhatPrintfWrites) {
 }
 
 TEST_F(MachineTest, StepsTellWhatChanged) {
-    const std::pair<std::initializer_list<u32>, const char*> steps[] = {
+    const std::pair<std::vector<u32>, const char*> steps[] = {
         {{immediate(9, 0, v0, 0xFFFF)}, "00100000: addiu v0,r0,ffff v0=ffffffffffffffff"},
         {{special(11, t0, 0, t1)}, "00100000: movn t1,t0,r0"},
         {{immediate(5, t0, r0, 7), immediate(43, a0, t0, 8)},
