@@ -8,6 +8,8 @@
 #include "base/vectors.h"
 #include "machine/machine.h"
 
+#include <array>
+
 namespace tarn {
 
 /// No depth buffer is read or written.
@@ -51,16 +53,19 @@ struct SteppedDepth {
     template <u32 count>
     struct Vectors {
         using Words = WordVector<count>;
-        Words values = {};
-        Words fractions = {};  ///< in bits 16-31
+        Words values;
+        Words fractions;  ///< in bits 16-31
         u32 step, fractionStep;
 
         [[gnu::always_inline]] explicit Vectors(const SteppedDepth& depth)
             : step(high(count * depth.delta)), fractionStep(low(count * depth.delta)) {
+            std::array<u32, count> first{}, firstFractions{};
             for (u32 i = 0; i < count; ++i) {
-                values[i] = high(depth.z + i * depth.delta);
-                fractions[i] = low(depth.z + i * depth.delta);
+                first[i] = high(depth.z + i * depth.delta);
+                firstFractions[i] = low(depth.z + i * depth.delta);
             }
+            values = bitCast<Words>(first);
+            fractions = bitCast<Words>(firstFractions);
         }
         [[gnu::always_inline]] Words next() {
             const Words result = values;
