@@ -1,6 +1,7 @@
 // State files: a header, and the records and buffers compressed behind it.
 #include "history/state_file.h"
 
+#include "base/checksum.h"
 #include "base/file.h"
 #include "gs/display.h"
 #include "history/machine_state.h"
@@ -31,21 +32,6 @@ struct Header {
     u64 picture = 0;  ///< bytes
     u64 completeCpu = 0;
 };
-
-/// FNV-1a over eight bytes at a time, and then over the rest.
-u64 checksumOf(std::span<const u8> bytes) {
-    constexpr u64 prime = 0x100000001B3;
-    u64 sum = 0xCBF29CE484222325 ^ bytes.size();
-    while (!bytes.empty()) {
-        u64 word = 0;
-        const std::size_t count = std::min(bytes.size(), sizeof word);
-        std::memcpy(&word, bytes.data(), count);
-        sum = (sum ^ word) * prime;
-        sum ^= sum >> 32;
-        bytes = bytes.subspan(count);
-    }
-    return sum;
-}
 
 std::size_t bufferBytes() {
     std::size_t bytes = 0;
