@@ -38,17 +38,20 @@ inline u64 cycleAt(u64 pc, StepBudget budget, u64 delaySlots) {
 constexpr u32 firstWord(u64 words) { return static_cast<u32>(words); }
 constexpr u32 secondWord(u64 words) { return static_cast<u32>(words >> 32); }
 
-// The end of a run.
+// The end of a run. None of the rare routines may be inlined: link-time optimisation would copy them, and all
+// that they call, into each routine of an instruction, which then saves registers on the common path.
 
 /// Executes the instruction at `pc` as a single step, the last of the run.
-void stepPlainly(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots, const u8* memory);
+[[gnu::noinline]] void stepPlainly(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots,
+                                   const u8* memory);
 
 /// The same for the delay slot of the taken branch at `pc`.
-void stepSlotPlainly(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots, const u8* memory,
-                     u64 target);
+[[gnu::noinline]] void stepSlotPlainly(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots,
+                                       const u8* memory, u64 target);
 
 /// Ends the run before the instruction at `pc`.
-void endBefore(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots, const u8* memory);
+[[gnu::noinline]] void endBefore(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots,
+                                 const u8* memory);
 
 /// What a run ends with whose budget is spent, or that leaves the code: chosen before a run.
 inline Routine endOfBudget = stepPlainly;
@@ -59,13 +62,15 @@ inline Routine endOfBudget = stepPlainly;
 inline u64 wordsAt(const u8* memory, u64 pc) { return loadFrom<u64>(memory + pc, 0); }
 
 /// Decodes an instruction that is not valid and continues, or ends the run if its budget is spent.
-void interrupted(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots, const u8* memory);
+[[gnu::noinline]] void interrupted(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots,
+                                   const u8* memory);
 
 /// Continues at any address, after a lookup of its page.
-void find(u64 pc, StepBudget budget, u64 delaySlots, const u8* memory);
+[[gnu::noinline]] void find(u64 pc, StepBudget budget, u64 delaySlots, const u8* memory);
 
 /// The routine of the two entries after the last instruction of a page.
-void enterNextPage(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots, const u8* memory);
+[[gnu::noinline]] void enterNextPage(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots,
+                                     const u8* memory);
 
 [[gnu::always_inline]] inline void next(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots,
                                         const u8* memory) {
