@@ -174,7 +174,7 @@ Comparison compareRecordings(Reader& first, Reader& second, std::FILE* output) {
         player.play(collected);
     }
     if (first.start().records != second.start().records ||
-        first.start().localMemory != second.start().localMemory) {
+        !std::ranges::equal(first.start().localMemory, second.start().localMemory)) {
         std::fprintf(output, "they begin with different states of the GS\n");
     }
     Comparing compared(collected.all);

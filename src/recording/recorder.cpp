@@ -142,7 +142,7 @@ void beginRecording(u64 step) {
                                                      .program = Settings.ElfToExecute,
                                                      .emulator = recorder->emulator,
                                                      .records = saveGsRecords(Gs),
-                                                     .localMemory = {Gs.vRam.begin(), Gs.vRam.end()}});
+                                                     .localMemory = Gs.vRam});
 }
 
 void recordVerticalBlank();

@@ -25,10 +25,10 @@ struct Start {
     u64 frame = 1;  ///< number of the first frame; frame N ends with the Nth vertical blank
     u64 step = 0;   ///< driver step
     bool blends = false;
-    std::string program;      ///< path of the ELF file
-    std::string emulator;     ///< that recorded
-    std::vector<u8> records;  ///< see saveGsRecords
-    std::vector<u8> localMemory;
+    std::string program;              ///< path of the ELF file
+    std::string emulator;             ///< that recorded
+    std::vector<u8> records;          ///< see saveGsRecords
+    std::span<const u8> localMemory;  ///< of the GS, or of what holds the recording
 };
 
 /// The GS when recording ended.

@@ -59,7 +59,8 @@ std::string Reader::readStart(const std::string& path) {
         return "the state that it begins with is damaged" + atByte(headerBytes);
     }
     begin.records.assign(records.begin(), records.end());
-    begin.localMemory.assign(memory.begin(), memory.end());
+    begin.localMemory = memory;
+    startBlock = std::move(contents);
     step = begin.step;
     eventsOffset = static_cast<u64>(std::ftell(file.get()));
     return {};

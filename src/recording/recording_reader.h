@@ -56,6 +56,7 @@ class Reader {
     u64 unpackedBytes = 0;
     std::vector<u8> stored;
     std::vector<u8> contents;
+    std::vector<u8> startBlock;
     ByteReader rest{{}};
     Start begin;
     std::deque<Place> places;

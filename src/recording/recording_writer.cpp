@@ -33,8 +33,7 @@ Writer::Writer(std::FILE* stream, const Start& start)
     bytes.text(start.emulator);
     bytes.number(start.records.size());
     bytes.data(start.records);
-    bytes.data(start.localMemory);
-    writeBlock();
+    writeBlock(start.localMemory);
     beginBlock(BlockKind::Events);
 }
 
@@ -43,14 +42,23 @@ void Writer::beginBlock(BlockKind kind) {
     contents.push_back(static_cast<u8>(kind));
 }
 
-void Writer::writeBlock() {
-    packed.resize(ZSTD_compressBound(contents.size()));
-    const std::size_t size =
-        ZSTD_compress2(context.get(), packed.data(), packed.size(), contents.data(), contents.size());
-    if (ZSTD_isError(size) == 0) {
-        const u32 stored = static_cast<u32>(size);
+void Writer::writeBlock(std::span<const u8> more) {
+    const std::size_t total = contents.size() + more.size();
+    if (const std::size_t bound = ZSTD_compressBound(total); bound > packedBytes) {
+        packed = std::make_unique_for_overwrite<u8[]>(bound);  // most of it is never touched
+        packedBytes = bound;
+    }
+    ZSTD_outBuffer output{packed.get(), packedBytes, 0};
+    const auto compress = [&](std::span<const u8> part, ZSTD_EndDirective directive) {
+        ZSTD_inBuffer input{part.data(), part.size(), 0};
+        return ZSTD_isError(ZSTD_compressStream2(context.get(), &output, &input, directive)) == 0;
+    };
+    ZSTD_CCtx_setPledgedSrcSize(context.get(), total);
+    if (more.empty() ? compress(contents, ZSTD_e_end)
+                     : compress(contents, ZSTD_e_continue) && compress(more, ZSTD_e_end)) {
+        const u32 stored = static_cast<u32>(output.pos);
         std::fwrite(&stored, sizeof stored, 1, file);
-        std::fwrite(packed.data(), size, 1, file);
+        std::fwrite(packed.get(), output.pos, 1, file);
     }
 }
 

@@ -30,7 +30,7 @@ class Writer {
     void finish(u64 step);
 
   private:
-    void writeBlock();
+    void writeBlock(std::span<const u8> more = {});  ///< `contents`, and more behind it
     void beginBlock(BlockKind kind);
 
     struct ContextFreer {
@@ -40,7 +40,8 @@ class Writer {
     std::FILE* file;
     std::unique_ptr<ZSTD_CCtx_s, ContextFreer> context;
     std::vector<u8> contents;
-    std::vector<u8> packed;
+    std::unique_ptr<u8[]> packed;
+    std::size_t packedBytes = 0;  ///< that it has room for
     std::map<std::tuple<u32, std::string, std::string>, u32> places;
     u64 lastStep;
     u64 count = 0;

@@ -25,10 +25,9 @@ class RecordingTest : public test::GsMachine {
     /// Records `stream`, handed over in pieces of up to `piece` quadwords, and leaves the GS as it is then.
     static void record(const GifStream& stream, u32 piece = ~u32{0}, bool complete = true) {
         const FilePtr file(std::fopen(path, "wb"));
-        Writer writer(file.get(), {.program = "test",
-                                   .emulator = "test",
-                                   .records = saveGsRecords(Gs),
-                                   .localMemory = {Gs.vRam.begin(), Gs.vRam.end()}});
+        Writer writer(
+            file.get(),
+            {.program = "test", .emulator = "test", .records = saveGsRecords(Gs), .localMemory = Gs.vRam});
         const u32 place = writer.placeNumber({.pc = 0x100000, .name = "main", .callers = ""});
         u64 step = 0;
         for (u32 at = 0; at < stream.quadwords();) {
@@ -111,7 +110,7 @@ TEST_F(RecordingTest, AnotherEndIsDifferent) {
     const FilePtr file(std::fopen(path, "wb"));
     Start start;
     start.records = saveGsRecords(Gs);
-    start.localMemory.assign(Gs.vRam.begin(), Gs.vRam.end());
+    start.localMemory = Gs.vRam;
     Writer writer(file.get(), start);
     localWord(77) = 1;
     writer.finish(0);
