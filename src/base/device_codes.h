@@ -18,6 +18,10 @@ inline constexpr u8 PRId = 15;
 
 // DMA controller.
 
+inline constexpr unsigned dmaChannelCount = 10;
+inline constexpr unsigned gifChannel = 2;   ///< to the GS
+inline constexpr unsigned sif0Channel = 5;  ///< from the I/O processor
+
 /// DMA registers by their offset in the special area.
 namespace dma_register {
 enum Offset : u32 {

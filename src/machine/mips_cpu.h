@@ -46,8 +46,8 @@ struct MipsCpuRecord {
     /// What the bit image of FPU register `number` is as a value.
     f32 FPR128Ptr(u8 number) const { return std::bit_cast<f32>(static_cast<u32>(FPR128[number].low)); }
 
-    /// What the value of FPU register `number` is as a bit image: eight bytes, so that bits 32-63 are the
-    /// value of the next register (0 after the last). Meant.
+    /// What the value of FPU register `number` is as a bit image. Intentional: it has eight bytes, so that
+    /// bits 32-63 are the value of the next register (0 after the last).
     u64 FPR32Ptr(u8 number) const {
         const u64 next = number < 31 ? std::bit_cast<u32>(FPR32[number + 1U]) : 0;
         return next << 32 | std::bit_cast<u32>(FPR32[number]);

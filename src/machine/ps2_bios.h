@@ -1,6 +1,7 @@
 // The state of the kernel and of the DMA controller.
 #pragma once
 
+#include "base/device_codes.h"
 #include "base/types.h"
 
 #include <array>
@@ -25,9 +26,6 @@ struct DmacHandlerSlot {
     u8 active = 0;           ///< 1 once entered; nothing clears it
 };
 
-inline constexpr unsigned dmaChannelCount = 10;
-inline constexpr unsigned gifChannel = 2;   ///< to the GS
-inline constexpr unsigned sif0Channel = 5;  ///< from the I/O processor
 inline constexpr u64 vsyncPeriod = 0x6FFF;  ///< start value of vsyncCountdown, in driver steps
 inline constexpr u64 vsyncThreshold = 14;   ///< at or below it each step tests for a vertical blank
 
