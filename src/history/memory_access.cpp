@@ -1,9 +1,10 @@
-// The look ahead for watchpoints: taken branches and their delay slots, loads and stores, before they
-// happen.
+// Finding the next memory access of a program, for watchpoints: through taken branches into their delay
+// slots.
 #include "history/memory_access.h"
 
 #include "machine/machine.h"
 #include "memory/memory.h"
+#include "r5900/branch.h"
 #include "r5900/delay_slot.h"
 #include "r5900/operation.h"
 
@@ -13,32 +14,8 @@ namespace {
 
 using namespace r5900;
 
-/// Puts back what looking ahead changes: PC, which moves over branches, and the registers that jumps link.
-class Rewind {
-  public:
-    Rewind() = default;
-    ~Rewind() {
-        MipsCpu.PC = pc;
-        if (registers) {
-            MipsCpu.GPR = *registers;
-        }
-    }
-    Rewind(const Rewind&) = delete;
-    Rewind& operator=(const Rewind&) = delete;
-
-    void keepRegisters() {
-        if (!registers) {
-            registers = MipsCpu.GPR;
-        }
-    }
-
-  private:
-    u64 pc = MipsCpu.PC;
-    std::optional<decltype(MipsCpu.GPR)> registers;  ///< kept only when a jump links: this runs at every step
-};
-
-std::optional<u32> fetch() {
-    const auto address = static_cast<u32>(MipsCpu.PC);
+std::optional<u32> fetch(u64 pc) {
+    const auto address = static_cast<u32>(pc);
     if (MipsMemory == nullptr || address > mainMemorySize - sizeof(u32)) {
         return std::nullopt;
     }
@@ -47,28 +24,30 @@ std::optional<u32> fetch() {
 
 }  // namespace
 
-std::optional<MemoryAccess> nextMemoryAccess() {
-    Rewind rewind;
-    for (u32 depth = 0; depth <= maximumDelaySlotDepth; ++depth) {
-        const std::optional<u32> word = fetch();
+std::optional<MemoryAccess> nextMemoryAccess(const MipsCpuRecord& cpu) {
+    const MipsCpuRecord* seen = &cpu;
+    std::optional<MipsCpuRecord> linked;  // as a delay slot sees it; rarely needed, and every step asks
+    u64 pc = cpu.PC;
+    for (u32 depth = 0; depth <= maximumDelaySlotDepth; ++depth, pc += 4) {
+        const std::optional<u32> word = fetch(pc);
         if (!word) {
             return std::nullopt;
         }
         const Operation& operation = operationOf(*word);
         if (operation.accessesMemory()) {
-            return MemoryAccess{operation.address(*word), bytesOf(operation.width),
+            return MemoryAccess{operation.address(*word, *seen), bytesOf(operation.width),
                                 operation.kind == Kind::Load ? Access::Load : Access::Store};
         }
-        if (!operation.hasDelaySlot()) {
+        if (!operation.hasDelaySlot() || !operation.isTaken(*word, *seen)) {
             return std::nullopt;
         }
-        if (operation.links) {
-            rewind.keepRegisters();
+        const Gpr link = operation.linkRegister != nullptr ? operation.linkRegister(*word) : Gpr{};
+        if (operation.linkRegister != nullptr && !(keepsR0() && link.number() == 0)) {
+            if (!linked) {
+                seen = &linked.emplace(cpu);
+            }
+            linked->GPR[link.number()].low = linkOf(pc);
         }
-        if (!operation.leaves(*word)) {
-            return std::nullopt;
-        }
-        MipsCpu.PC += 4;
     }
     return std::nullopt;
 }

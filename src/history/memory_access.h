@@ -1,4 +1,4 @@
-// The look ahead at the load or store that the next driver step makes.
+// The load or store that the next driver step will make.
 #pragma once
 
 #include "base/types.h"
@@ -14,11 +14,11 @@ struct MemoryAccess {
     Access kind = Access::Load;
 };
 
-/// The load or store that the next driver step makes, from PC and the registers as they are.
+/// The load or store that the next driver step of a machine with this CPU makes.
 ///
 /// A step executes at most one: a taken branch or a jump runs its delay slot inside the same step, so the
 /// slot is looked at in its place. What system calls and the DMA controller do to memory is not foreseen.
-std::optional<MemoryAccess> nextMemoryAccess();
+std::optional<MemoryAccess> nextMemoryAccess(const MipsCpuRecord& cpu);
 
 /// Where a load from `address`, or a store to it, ends up: the same for all views of one byte of the machine.
 u32 placeOf(u32 address, Access access);

@@ -66,7 +66,7 @@ std::optional<WatchHit> StopPoints::watchHit(const MemoryAccess& access) const {
 }
 
 std::optional<WatchHit> StopPoints::nextWatchHit() const {
-    const std::optional<MemoryAccess> access = watchpoints.empty() ? std::nullopt : nextMemoryAccess();
+    const std::optional<MemoryAccess> access = watchpoints.empty() ? std::nullopt : nextMemoryAccess(MipsCpu);
     return access ? watchHit(*access) : std::nullopt;
 }
 

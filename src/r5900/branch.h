@@ -4,31 +4,36 @@
 #include "r5900/fields.h"
 #include "r5900/fpu_registers.h"
 #include "r5900/registers.h"
+#include "r5900/semantics.h"
 
 namespace tarn::r5900 {
 
 constexpr u64 branchTarget(u64 pc, u16 offset) { return pc + 4 + signExtend16(offset) * 4; }
 
-// Conditional branches. The conditions look at whole doublewords.
+// Conditions of branches, which look at whole doublewords. They take the CPU so that observers can ask about
+// one that differs from MipsCpu.
 
-inline bool BEQ(BranchFields f) { return gpr(f.rs) == gpr(f.rt); }
-inline bool BNE(BranchFields f) { return gpr(f.rs) != gpr(f.rt); }
-inline bool BLEZ(ZeroBranchFields f) { return static_cast<s64>(gpr(f.rs)) <= 0; }
-inline bool BGTZ(ZeroBranchFields f) { return static_cast<s64>(gpr(f.rs)) > 0; }
-inline bool BLTZ(ZeroBranchFields f) { return static_cast<s64>(gpr(f.rs)) < 0; }
-inline bool BGEZ(ZeroBranchFields f) { return static_cast<s64>(gpr(f.rs)) >= 0; }
+using Cpu = const MipsCpuRecord&;
 
-// Branches on the floating-point condition bit.
+inline s64 signedGpr(Cpu cpu, Gpr reg) { return static_cast<s64>(gpr(cpu, reg)); }
 
-inline bool BC1F(FpuBranchFields) { return !conditionBit(); }
-inline bool BC1T(FpuBranchFields) { return conditionBit(); }
+inline bool BEQ(BranchFields f, Cpu cpu) { return gpr(cpu, f.rs) == gpr(cpu, f.rt); }
+inline bool BNE(BranchFields f, Cpu cpu) { return gpr(cpu, f.rs) != gpr(cpu, f.rt); }
+inline bool BLEZ(ZeroBranchFields f, Cpu cpu) { return signedGpr(cpu, f.rs) <= 0; }
+inline bool BGTZ(ZeroBranchFields f, Cpu cpu) { return signedGpr(cpu, f.rs) > 0; }
+inline bool BLTZ(ZeroBranchFields f, Cpu cpu) { return signedGpr(cpu, f.rs) < 0; }
+inline bool BGEZ(ZeroBranchFields f, Cpu cpu) { return signedGpr(cpu, f.rs) >= 0; }
+
+inline bool BC1F(FpuBranchFields, Cpu cpu) { return !conditionBit(cpu); }
+inline bool BC1T(FpuBranchFields, Cpu cpu) { return conditionBit(cpu); }
 
 // Jumps: the target of each, given its PC. The link is written before the delay slot.
 
-/// Writes the return address of a jump at `pc`: the address after its delay slot.
-inline void link(Gpr reg, u64 pc) { setDoubleword(reg, pc + 8); }
+/// The return address of a jump at `pc`: the address after its delay slot.
+constexpr u64 linkOf(u64 pc) { return pc + 8; }
+inline void link(Gpr reg, u64 pc) { setDoubleword(reg, linkOf(pc)); }
 
-/// The link register of JAL.
+/// The link register of JAL, and of the branches that link.
 inline constexpr Gpr returnAddress = Gpr::numbered(REG_RA);
 
 /// The index of a word in memory becomes the low 32 bits of PC.
@@ -54,16 +59,16 @@ inline u64 JALR_complete(RegisterFields f, u64 pc) {
     return target;
 }
 
-// Branches that link whether or not they are taken; on the complete processor only.
+/// Whether a branch writes the return address, which it does even if it is not taken.
+enum class Link : u8 { No, Yes };
 
-inline bool BLTZAL(ZeroBranchFields f, u64 pc) {
-    const bool taken = BLTZ(f);
-    link(returnAddress, pc);
-    return taken;
-}
-inline bool BGEZAL(ZeroBranchFields f, u64 pc) {
-    const bool taken = BGEZ(f);
-    link(returnAddress, pc);
+/// Whether the branch at `pc` is taken; links.
+template <auto condition, Link links>
+inline bool decideBranch(const FieldsOf<condition>& fields, u64 pc) {
+    const bool taken = condition(fields, MipsCpu);
+    if constexpr (links == Link::Yes) {
+        link(returnAddress, pc);
+    }
     return taken;
 }
 

@@ -21,7 +21,7 @@ inline void setValue(u8 number, f32 value) {
 /// The result of the last comparison: bit 23 of FCR31.
 inline constexpr u64 conditionMask = u64{1} << 23;
 
-inline bool conditionBit() { return (MipsCpu.FCR[31] & conditionMask) != 0; }
+inline bool conditionBit(const MipsCpuRecord& cpu) { return (cpu.FCR[31] & conditionMask) != 0; }
 
 inline void setConditionBit(bool holds) {
     MipsCpu.FCR[31] = holds ? MipsCpu.FCR[31] | conditionMask : MipsCpu.FCR[31] & ~conditionMask;

@@ -14,12 +14,11 @@ namespace {
 
 constexpr u32 lastFetchAddress = mainMemorySize - 4;
 
-/// Executes an instruction word. Word 0 is a no-op without a handler.
 void dispatch(u32 word) {
     if (word != 0) [[likely]] {
         r5900::processor->handlers.normal_opc[r5900::majorOpcode(word)]();
     } else {
-        MipsCpu.PC += 4;
+        r5900::processor->noOperation();
     }
 }
 

@@ -11,8 +11,8 @@ namespace tarn::r5900 {
 
 /// The guest address of an access.
 template <typename Fields>
-inline u32 addressOf(Fields f) {
-    return guestAddress(gpr(f.base), static_cast<s16>(f.offset));
+inline u32 addressOf(Fields f, const MipsCpuRecord& cpu = MipsCpu) {
+    return guestAddress(gpr(cpu, f.base), static_cast<s16>(f.offset));
 }
 
 // Loads.

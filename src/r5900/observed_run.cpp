@@ -41,7 +41,7 @@ void takeObserved(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySl
 void branchLikelyObserved(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots,
                           const u8* memory) {
     const u32 word = firstWord(at->words);
-    if (!operationOf(word).leaves(word)) {
+    if (!operationOf(word).isTaken(word, MipsCpu)) {
         branchObserver->slotSkipped(pc);
     }
     return routinesOf(word).run(at, pc, budget, delaySlots, memory);

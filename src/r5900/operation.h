@@ -5,6 +5,7 @@
 #include "memory/main_memory.h"
 #include "memory/width.h"
 #include "r5900/decode_cache.h"
+#include "r5900/fields.h"
 #include "r5900/step_handlers.h"
 
 namespace tarn::r5900 {
@@ -20,7 +21,7 @@ enum class Kind : u8 {
     System,  ///< anything else; ends a run
 };
 
-/// What an instruction does. The functions take its word and read the current registers.
+/// What an instruction does. The functions take its word, and change nothing.
 struct Operation {
     Kind kind = Kind::Stop;
     Handler step = NI;
@@ -35,14 +36,14 @@ struct Operation {
 
     // Loads and stores.
     Width width{};
-    u32 (*address)(u32 word) = nullptr;
+    u32 (*address)(u32 word, const MipsCpuRecord& cpu) = nullptr;
 
     // Branches and jumps.
-    bool (*leaves)(u32 word) = nullptr;  ///< whether it is taken now; links
-    bool links = false;
+    bool (*isTaken)(u32 word, const MipsCpuRecord& cpu) = nullptr;
+    Gpr (*linkRegister)(u32 word) = nullptr;  ///< null if it does not link
 
     bool accessesMemory() const { return kind == Kind::Load || kind == Kind::Store; }
-    bool hasDelaySlot() const { return leaves != nullptr; }
+    bool hasDelaySlot() const { return isTaken != nullptr; }
 };
 
 /// The operation of an instruction word on the current processor.

@@ -75,8 +75,8 @@ inline constexpr Operation systemCall{.kind = Kind::System, .step = SYSCALL, .ro
 // Loads and stores.
 
 template <Width unit, typename Fields>
-u32 addressIn(u32 word) {
-    return addressOf(Fields::from(word)) & ~(bytesOf(unit) - 1);
+u32 addressIn(u32 word, const MipsCpuRecord& cpu) {
+    return addressOf(Fields::from(word), cpu) & ~(bytesOf(unit) - 1);
 }
 
 template <typename Decoded, Width width, Width unit>
@@ -118,41 +118,41 @@ inline constexpr const Operation& storeAround = surroundingAccess<Kind::Store, s
 
 // Branches and jumps.
 
-template <auto condition>
-bool leavesIf(u32 word) {
-    const auto fields = FieldsOf<condition>::from(word);
-    return !namesOtherCondition(fields) && isTaken<condition>(fields, MipsCpu.PC);
-}
-template <auto condition, Kind kind, DelaySlot whenNotTaken>
-inline constexpr Operation branchOperation{.kind = kind,
-                                           .step = stepBranch<condition, whenNotTaken>,
-                                           .routines = branchRoutines<condition, whenNotTaken>,
-                                           .pausesOn = pausesOnCondition<FieldsOf<condition>>,
-                                           .leaves = leavesIf<condition>,
-                                           .links = knowsPc<condition>};
-template <auto condition>
-inline constexpr const Operation& branch = branchOperation<condition, Kind::Branch, DelaySlot::Executed>;
-template <auto condition>
-inline constexpr const Operation& branchLikely =
-    branchOperation<condition, Kind::BranchLikely, DelaySlot::Skipped>;
+using LinkRegister = Gpr (*)(u32 word);
+constexpr Gpr linksReturnAddress(u32) { return returnAddress; }
 
-template <auto targetOf, bool links>
-bool jumps(u32 word) {
-    if constexpr (links) {
-        targetOf(FieldsOf<targetOf>::from(word), MipsCpu.PC);
-    }
-    return true;
+template <auto condition>
+bool isTakenIf(u32 word, const MipsCpuRecord& cpu) {
+    const auto fields = FieldsOf<condition>::from(word);
+    return !namesOtherCondition(fields) && condition(fields, cpu);
 }
-template <auto targetOf, bool linking>
+template <auto condition, Kind kind, DelaySlot whenNotTaken, Link links>
+inline constexpr Operation branchOperation{
+    .kind = kind,
+    .step = stepBranch<condition, whenNotTaken, links>,
+    .routines = branchRoutines<condition, whenNotTaken, links>,
+    .pausesOn = pausesOnCondition<FieldsOf<condition>>,
+    .isTaken = isTakenIf<condition>,
+    .linkRegister = links == Link::Yes ? LinkRegister{linksReturnAddress} : nullptr};
+template <auto condition, Link links = Link::No>
+inline constexpr const Operation& branch =
+    branchOperation<condition, Kind::Branch, DelaySlot::Executed, links>;
+template <auto condition, Link links = Link::No>
+inline constexpr const Operation& branchLikely =
+    branchOperation<condition, Kind::BranchLikely, DelaySlot::Skipped, links>;
+
+constexpr bool isAlwaysTaken(u32, const MipsCpuRecord&) { return true; }
+
+template <auto targetOf, LinkRegister linkRegister>
 inline constexpr Operation jumpOperation{.kind = Kind::Jump,
                                          .step = stepJump<targetOf>,
                                          .routines = jumpRoutines<targetOf>,
-                                         .leaves = jumps<targetOf, linking>,
-                                         .links = linking};
+                                         .isTaken = isAlwaysTaken,
+                                         .linkRegister = linkRegister};
 template <auto targetOf>
-inline constexpr const Operation& jump = jumpOperation<targetOf, false>;
-template <auto targetOf>
-inline constexpr const Operation& jumpAndLink = jumpOperation<targetOf, true>;
+inline constexpr const Operation& jump = jumpOperation<targetOf, nullptr>;
+template <auto targetOf, LinkRegister linkRegister>
+inline constexpr const Operation& jumpAndLink = jumpOperation<targetOf, linkRegister>;
 
 /// With rd = r0 it is JR.
 inline constexpr Operation jumpAndLinkComplete{.kind = Kind::Jump,
@@ -160,7 +160,7 @@ inline constexpr Operation jumpAndLinkComplete{.kind = Kind::Jump,
                                                .routines = jumpRoutines<JALR>,
                                                .namesR0 = namesR0<RegisterFields>,
                                                .routinesIntoR0 = jumpRoutines<JR>,
-                                               .leaves = jumps<JALR_complete, true>,
-                                               .links = true};
+                                               .isTaken = isAlwaysTaken,
+                                               .linkRegister = gpr11To15};
 
 }  // namespace tarn::r5900

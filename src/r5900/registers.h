@@ -6,17 +6,24 @@
 #include "r5900/fields.h"
 
 #include <cstddef>
+#include <type_traits>
 
 namespace tarn::r5900 {
 
-/// All 128 bits of a general-purpose register.
-inline GuestValue& wholeGpr(Gpr reg) {
-    auto* registers = reinterpret_cast<std::byte*>(MipsCpu.GPR.data());
-    return *reinterpret_cast<GuestValue*>(registers + reg.doublewords * sizeof(u64));
+/// All 128 bits of a general-purpose register. The offset is in bytes because `GPR[number]` would cost a
+/// shift.
+template <typename Cpu>
+auto& wholeGpr(Cpu& cpu, Gpr reg) {
+    using Value = std::remove_pointer_t<decltype(cpu.GPR.data())>;
+    using Byte = std::conditional_t<std::is_const_v<Value>, const std::byte, std::byte>;
+    return *reinterpret_cast<Value*>(reinterpret_cast<Byte*>(cpu.GPR.data()) +
+                                     reg.doublewords * sizeof(u64));
 }
+inline GuestValue& wholeGpr(Gpr reg) { return wholeGpr(MipsCpu, reg); }
 
 /// The value of a general-purpose register: its low doubleword.
-inline u64 gpr(Gpr reg) { return wholeGpr(reg).low; }
+inline u64 gpr(const MipsCpuRecord& cpu, Gpr reg) { return wholeGpr(cpu, reg).low; }
+inline u64 gpr(Gpr reg) { return gpr(MipsCpu, reg); }
 
 /// The low word of a value, as a signed number.
 constexpr s32 signedWord(u64 value) { return static_cast<s32>(value); }

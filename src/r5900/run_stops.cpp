@@ -16,7 +16,7 @@ namespace {
 constexpr u32 longestAccess = 16;
 
 bool mayTouch(const Operation& operation, u32 word) {
-    return operation.accessesMemory() && runStops->watched->mayHold(operation.address(word));
+    return operation.accessesMemory() && runStops->watched->mayHold(operation.address(word, MipsCpu));
 }
 
 /// Whether a step may access watched memory: the instruction, or its delay slot. A slot whose address may
@@ -27,7 +27,7 @@ bool mayTouch(u64 words) {
         return mayTouch(first, firstWord(words));
     }
     const Operation& second = operationOf(secondWord(words));
-    return second.hasDelaySlot() || (first.links && second.accessesMemory()) ||
+    return second.hasDelaySlot() || (first.linkRegister != nullptr && second.accessesMemory()) ||
            mayTouch(second, secondWord(words));
 }
 

@@ -28,22 +28,6 @@ constexpr bool namesOtherCondition(const Fields& fields) {
     }
 }
 
-/// Whether a branch condition takes the PC as well; those that link do.
-template <auto condition>
-inline constexpr bool knowsPc = requires(FieldsOf<condition> fields, u64 pc) {
-    condition(fields, pc);
-};
-
-/// Whether a branch at `pc` is taken; links.
-template <auto condition>
-inline bool isTaken(const FieldsOf<condition>& fields, u64 pc) {
-    if constexpr (knowsPc<condition>) {
-        return condition(fields, pc);
-    } else {
-        return condition(fields);
-    }
-}
-
 /// Whether the destination field of an instruction word is r0.
 template <typename Fields>
 constexpr bool namesR0(u32 word) {

@@ -23,6 +23,9 @@ inline void traceIfOn() {
     }
 }
 
+/// The handler of word 0.
+inline void skipWord() { MipsCpu.PC += 4; }
+
 /// Reports that the current instruction uses another condition code than 0, and pauses.
 [[gnu::cold]] void pauseOnOtherCondition();
 
@@ -71,13 +74,13 @@ void stepWithR0() {
 }
 
 /// The handler of a branch. With another condition code it pauses on the branch.
-template <auto condition, DelaySlot whenNotTaken>
+template <auto condition, DelaySlot whenNotTaken, Link links>
 void stepBranch() {
     traceIfOn();
     const auto fields = FieldsOf<condition>::from(MipsCpu.opcode);
     if (namesOtherCondition(fields)) [[unlikely]] {
         pauseOnOtherCondition();
-    } else if (isTaken<condition>(fields, MipsCpu.PC)) {
+    } else if (decideBranch<condition, links>(fields, MipsCpu.PC)) {
         jumpTo(branchTarget(MipsCpu.PC, fields.offset));
     } else {
         MipsCpu.PC += whenNotTaken == DelaySlot::Executed ? 4 : 8;

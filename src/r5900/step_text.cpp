@@ -81,7 +81,7 @@ bool storedRegister(u32 word, GuestValue& value) {
 
 /// What a store has left at its address.
 void appendStore(std::string& text, u32 word, const Operation& operation) {
-    const u32 address = operation.address(word);
+    const u32 address = operation.address(word, MipsCpu);
     const u32 bytes = bytesOf(operation.width);
     text += " [";
     append(text, address, 8);

@@ -44,6 +44,7 @@ constexpr Processor processorOf(Processors kind, std::initializer_list<std::span
     const bool complete = kind == Processors::Complete;
     Processor made{};
     made.isComplete = complete;
+    made.noOperation = skipWord;
     std::array<std::array<bool, 64>, tableCount> takenPlaces{};
     for (std::size_t table = 0; table < tableCount; ++table) {
         std::ranges::fill(tableIn(made.handlers, static_cast<Table>(table)),
@@ -104,6 +105,7 @@ template <std::size_t... indices>
 constexpr Processor withR0(std::index_sequence<indices...>) {
     Processor made = completeRows;
     made.handlers.normal_opc = {stepWithR0<completeRows.handlers.normal_opc[indices]>...};
+    made.noOperation = stepWithR0<skipWord>;
     return made;
 }
 

@@ -56,6 +56,7 @@ struct MnemonicTables {
 /// The tables of a processor.
 struct Processor {
     DispatchTables handlers;
+    Handler noOperation;  ///< of word 0
     MnemonicTables mnemonics;
     std::array<std::array<const Row*, 64>, 17> rows;  ///< by Table and index; null if there is no row
     bool isComplete;

@@ -253,11 +253,11 @@ template <typename Operation>
 
 // Branches and jumps.
 
-template <auto condition, DelaySlot whenNotTaken>
+template <auto condition, DelaySlot whenNotTaken, Link links>
 [[gnu::flatten]] void runBranch(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots,
                                 const u8* memory) {
     const auto& fields = at->operands.get<FieldsOf<condition>>();
-    if (isTaken<condition>(fields, pc)) {
+    if (decideBranch<condition, links>(fields, pc)) {
         return at->runInSlot(at, pc, budget, delaySlots, memory, branchTarget(pc, fields.offset));
     }
     if constexpr (whenNotTaken == DelaySlot::Skipped) {
@@ -286,8 +286,8 @@ inline constexpr Routines routines{run<Operation>, runInSlot<Operation>,
                                    setOperands<typename Operation::Fields>};
 
 /// A branch in a delay slot is rare, and nests: it takes a single step.
-template <auto condition, DelaySlot whenNotTaken>
-inline constexpr Routines branchRoutines{runBranch<condition, whenNotTaken>, stepSlotPlainly,
+template <auto condition, DelaySlot whenNotTaken, Link links>
+inline constexpr Routines branchRoutines{runBranch<condition, whenNotTaken, links>, stepSlotPlainly,
                                          setOperands<FieldsOf<condition>>};
 template <auto targetOf>
 inline constexpr Routines jumpRoutines{runJump<targetOf>, stepSlotPlainly, setOperands<FieldsOf<targetOf>>};

@@ -101,6 +101,10 @@ TEST_F(CompleteProcessor, StopsOnTheInstructionAndSaysWhy) {
         EXPECT_TRUE(MipsCpu.pause == 1 && MipsCpu.PC == programStart + 4) << "in a delay slot";
         EXPECT_TRUE(lines[0].starts_with("Stop at 00100000, ") && lines[0].ends_with(reason)) << lines[0];
     }
+    start({0, 0});
+    MipsCpu.PC += 2;
+    MipsUpdateCpu();
+    EXPECT_TRUE(MipsCpu.pause == 1 && MipsCpu.PC == programStart + 2) << "words of 0 at unaligned addresses";
 }
 
 TEST_F(CompleteProcessor, TrapsAreTakenUnderTheirConditions) {
