@@ -14,7 +14,7 @@ void GSshutdown();                                    ///< frees local memory
 void GSreset();                                       ///< puts everything back as at process start
 void GSvsync();                                       ///< shows the displayed frame buffer, see DXupdate
 
-/// Privileged register accesses by full guest address (0x12000000 and up).
+/// Privileged register accesses by full guest address (gs_privileged).
 void GSwrite32(u32 address, u32 value);
 void GSwrite64(u32 address, u64 value);
 u32 GSread32(u32 address);

@@ -1,8 +1,8 @@
 // Saving and restoring the GS's registers.
 #include "gs/gs_records.h"
 
-#include "gs/gs_fields.h"
 #include "gs/local_memory.h"
+#include "machine/machine_fields.h"
 
 #include <algorithm>
 #include <initializer_list>
@@ -48,7 +48,9 @@ bool isCircuit(const GsDispFb& buffer, const GsDisplay& display) {
            atMost(largestCoordinate + 1, {display.x, display.y, display.width, display.height});
 }
 
-bool isSound(const GsState& state) {
+}  // namespace
+
+bool isReachable(const GsState& state) {
     return isContext(state, 0) && isContext(state, 1) && isPrimitive(state._prim[0]) &&
            isPrimitive(state._prim[1]) && std::ranges::all_of(state.gsvertex, isVertex) && state.primC >= 0 &&
            state.primC < 3 && isBuffer(state.srcbuf.bw, state.srcbuf.maxRows) &&
@@ -62,27 +64,19 @@ bool isSound(const GsState& state) {
                       state.interlace});
 }
 
-}  // namespace
-
 std::vector<u8> saveGsRecords(const GsState& state) {
     std::vector<u8> bytes;
-    forEachGsField(state, [&bytes](const auto& field) {
-        const auto* first = reinterpret_cast<const u8*>(&field);
-        bytes.insert(bytes.end(), first, first + sizeof field);
-    });
+    forEachGsField(state, FieldWriter{bytes});
     return bytes;
 }
 
 bool restoreGsRecords(GsState& state, std::span<const u8> bytes) {
     GsState restored;
-    bool complete = true;
-    forEachGsField(restored, [&](auto& field) {
-        const std::size_t size = std::min(sizeof field, bytes.size());
-        std::copy_n(bytes.begin(), size, reinterpret_cast<u8*>(&field));
-        bytes = bytes.subspan(size);
-        complete = complete && size == sizeof field;
-    });
-    if (!complete || !bytes.empty() || !isSound(restored)) {
+    if (bytes.size() != saveGsRecords(restored).size()) {
+        return false;
+    }
+    forEachGsField(restored, FieldReader{bytes});
+    if (!isReachable(restored)) {
         return false;
     }
     restored.vRam = std::move(state.vRam);

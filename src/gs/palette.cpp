@@ -17,8 +17,9 @@ template <typename Entry, std::size_t count>
 std::array<Entry, count> entriesAt(u32 word) {
     std::array<Entry, count> entries;
     countWork(sizeof entries / 4, 1);
+    constexpr std::size_t perWord = sizeof(u32) / sizeof(Entry);
     forLocalRuns(word, sizeof(entries) / 4, [&entries](const u32* words, u32 first, u32 run) {
-        std::memcpy(reinterpret_cast<u8*>(entries.data()) + first * 4, words, run * 4);
+        std::memcpy(entries.data() + first * perWord, words, run * 4);
     });
     return entries;
 }

@@ -18,8 +18,8 @@ std::size_t recordBytes();
 /// Puts the records back; `bytes` are recordBytes() bytes that saveRecords has made.
 void restoreRecords(Machine& target, std::span<const u8> bytes);
 
-/// The same for bytes of any origin. False, with the machine as it was, when they are not those of any
-/// machine that has run.
+/// The same for bytes of any origin. False, with the machine as it was, when no run can lead to what they
+/// say.
 bool restoreForeignRecords(Machine& target, std::span<const u8> bytes);
 
 /// The machine's buffers; their contents are the rest of its state.

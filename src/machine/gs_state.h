@@ -307,7 +307,7 @@ struct GsState {
     GsDisplay& gsmode() { return _gsmode[currentCircuit]; }
     u32 magh = 0;
     u32 magv = 0;
-    u32 interlace = 0;  ///< flipped by each read of 0x12000400
+    u32 interlace = 0;  ///< flipped by each read of FIELD
 };
 
 }  // namespace tarn

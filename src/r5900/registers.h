@@ -16,8 +16,7 @@ template <typename Cpu>
 auto& wholeGpr(Cpu& cpu, Gpr reg) {
     using Value = std::remove_pointer_t<decltype(cpu.GPR.data())>;
     using Byte = std::conditional_t<std::is_const_v<Value>, const std::byte, std::byte>;
-    return *reinterpret_cast<Value*>(reinterpret_cast<Byte*>(cpu.GPR.data()) +
-                                     reg.doublewords * sizeof(u64));
+    return *reinterpret_cast<Value*>(reinterpret_cast<Byte*>(cpu.GPR.data()) + reg.doublewords * sizeof(u64));
 }
 inline GuestValue& wholeGpr(Gpr reg) { return wholeGpr(MipsCpu, reg); }
 

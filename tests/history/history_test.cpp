@@ -1,10 +1,10 @@
 // States, checkpoints and the way back: whatever is cut, thinned or run again is the machine that it was.
-#include "history/machine_fields.h"
 #include "history/machine_state.h"
 #include "history/report.h"
 #include "history/state_file.h"
 #include "history/stop_points.h"
 #include "history/timeline.h"
+#include "machine/machine_fields.h"
 #include "r5900/instruction.h"
 #include "support/gif_stream.h"
 
@@ -15,6 +15,7 @@ namespace tarn::test {
 namespace {
 
 using namespace history;
+using namespace gs_register;
 
 constexpr u32 packetAddress = 0x180000;
 constexpr u32 counterAddress = 0x200000;
@@ -44,7 +45,8 @@ class HistoryTest : public MachineTest {
   protected:
     HistoryTest() {
         GifStream stream;
-        stream.write(0x50, u64{1} << 48).write(0x51, 0).write(0x52, u64{8} << 32 | 8).write(0x53, 0);
+        stream.write(BITBLTBUF, u64{1} << 48).write(BITBLTBUF, 0);
+        stream.write(TRXPOS, 0).write(TRXREG, u64{8} << 32 | 8).write(TRXDIR, hostToLocal);
         stream.tag(GifStream::image, 16, 0, 0);
         for (u64 i = 0; i < 16; ++i) {
             stream.quadword(i * 0x0101010101010101, ~i);

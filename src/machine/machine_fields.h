@@ -1,15 +1,19 @@
-// The list of everything that a run depends on. Saving, restoring and comparing follow from it.
+// The list of all fields of the machine, from which saving, restoring and comparing follow.
 //
-// Every record is taken apart by a structured binding, which names all of its fields or does not compile, and
-// what is visited must fill the record: a new field cannot be forgotten here.
+// Structured bindings take the records apart: they do not compile unless they name every field, and the
+// fields visited must fill the record. So a new field cannot be forgotten here.
 #pragma once
 
+#include "base/object_bytes.h"
 #include "machine/machine.h"
 
 #include <array>
+#include <cstring>
+#include <span>
 #include <type_traits>
+#include <vector>
 
-namespace tarn::history {
+namespace tarn {
 
 /// Whether all bytes of a value of this type belong to it, so that it can be stored as it lies in memory.
 template <typename T>
@@ -40,13 +44,28 @@ void visitRecord(const Record&, Visit&& visit, Fields&... fields) {
     (visit(fields), ...);
 }
 
+/// Calls `visit` with each field of the GS's state, always in the same order.
+template <typename State, typename Visit>
+void forEachGsField(State& gs, Visit&& visit) {
+    auto& [vRam, gsfbs, zbufs, tex0s, tex1s, tex2s, clamps, miptbp0s, miptbp1s, offsets, scissors, alphas,
+           tests, fbas, currentContext, prims, currentPrim, prac, gsvertex, primC, rgba, texa, clut, fogcol,
+           fogf, smask, dthe, colclamp, pabe, srcbuf, dstbuf, ldbw, trxpos, imageW, imageH, imageX, imageY,
+           imagePtr, imageTransfer, work, gtag, regs, regn, gifMode, pmode, smode2, dspfbs, modes,
+           currentCircuit, magh, magv, interlace] = gs;
+    visitRecord(gs, visit, vRam, gsfbs, zbufs, tex0s, tex1s, tex2s, clamps, miptbp0s, miptbp1s, offsets,
+                scissors, alphas, tests, fbas, currentContext, prims, currentPrim, prac, gsvertex, primC,
+                rgba, texa, clut, fogcol, fogf, smask, dthe, colclamp, pabe, srcbuf, dstbuf, ldbw, trxpos,
+                imageW, imageH, imageX, imageY, imagePtr, imageTransfer, work, gtag, regs, regn, gifMode,
+                pmode, smode2, dspfbs, modes, currentCircuit, magh, magv, interlace);
+}
+
 /// Calls `visit` with each field of the machine: a value without padding, or a Buffer. The order is the same
 /// every time.
 template <typename MachineType, typename Visit>
-void forEachField(MachineType& machine, Visit&& visit) {
-    auto& [cpu, bios, gs, memory, counters, traceLine] = machine;
+void forEachField(MachineType& source, Visit&& visit) {
+    auto& [cpu, bios, gs, memory, counters, traceLine] = source;
     static_assert(makeUp<Machine, MipsCpuRecord, Ps2BiosRecord, GsState, MemoryAreas, MachineCounters,
-                         std::remove_const_t<decltype(machine.traceLine)>>());
+                         std::remove_const_t<decltype(source.traceLine)>>());
     {
         auto& [opcode, pause, GPR, HI, LO, CP0, FPR128, FPR32, FCR, ACC, SA, cycle, PC, entry, delaySlotDepth,
                delaySlots, stopCycle, stop] = cpu;
@@ -71,18 +90,7 @@ void forEachField(MachineType& machine, Visit&& visit) {
                     readValue, channels, handlers, semaInUse, semaWords, sif0StartRequest, vsyncCountdown,
                     gifAddress, gifQuadwords);
     }
-    {
-        auto& [vRam, gsfbs, zbufs, tex0s, tex1s, tex2s, clamps, miptbp0s, miptbp1s, offsets, scissors, alphas,
-               tests, fbas, currentContext, prims, currentPrim, prac, gsvertex, primC, rgba, texa, clut,
-               fogcol, fogf, smask, dthe, colclamp, pabe, srcbuf, dstbuf, ldbw, trxpos, imageW, imageH,
-               imageX, imageY, imagePtr, imageTransfer, work, gtag, regs, regn, gifMode, pmode, smode2,
-               dspfbs, modes, currentCircuit, magh, magv, interlace] = gs;
-        visitRecord(gs, visit, vRam, gsfbs, zbufs, tex0s, tex1s, tex2s, clamps, miptbp0s, miptbp1s, offsets,
-                    scissors, alphas, tests, fbas, currentContext, prims, currentPrim, prac, gsvertex, primC,
-                    rgba, texa, clut, fogcol, fogf, smask, dthe, colclamp, pabe, srcbuf, dstbuf, ldbw, trxpos,
-                    imageW, imageH, imageX, imageY, imagePtr, imageTransfer, work, gtag, regs, regn, gifMode,
-                    pmode, smode2, dspfbs, modes, currentCircuit, magh, magv, interlace);
-    }
+    forEachGsField(gs, visit);
     {
         auto& [main, special, gsArea, bios_] = memory;
         visitRecord(memory, visit, main, special, gsArea, bios_);
@@ -94,4 +102,30 @@ void forEachField(MachineType& machine, Visit&& visit) {
     visit(traceLine);
 }
 
-}  // namespace tarn::history
+/// Appends the bytes of each field that is not a buffer.
+struct FieldWriter {
+    std::vector<u8>& bytes;
+
+    template <typename T>
+    void operator()(const T& field) const {
+        static_assert(hasNoPadding<T>);
+        const std::span<const u8> added = bytesOfObject(field);
+        bytes.insert(bytes.end(), added.begin(), added.end());
+    }
+    void operator()(const Buffer&) const {}
+};
+
+/// Sets each field that is not a buffer from the bytes that FieldWriter has made of all of them.
+struct FieldReader {
+    std::span<const u8> rest;
+
+    template <typename T>
+    void operator()(T& field) {
+        static_assert(hasNoPadding<T>);
+        std::memcpy(&field, rest.data(), sizeof field);
+        rest = rest.subspan(sizeof field);
+    }
+    void operator()(Buffer&) {}
+};
+
+}  // namespace tarn
