@@ -21,10 +21,10 @@ using Surface = std::unique_ptr<SDL_Surface, decltype(&SDL_FreeSurface)>;
 
 /// Shows a rectangle of local memory, as wide as its frame buffer.
 void display(Extent rectangle) {
-    GSwrite64(0x12000000, 1);
-    GSwrite64(0x12000070, static_cast<u64>(rectangle.width / 64) << 9);
-    GSwrite64(0x12000080, static_cast<u64>(rectangle.width - 1) << 32 | static_cast<u64>(rectangle.height - 1)
-                                                                            << 44);
+    GSwrite64(gs_privileged::PMODE, 1);
+    GSwrite64(gs_privileged::DISPFB1, static_cast<u64>(rectangle.width / 64) << 9);
+    GSwrite64(gs_privileged::DISPLAY1,
+              static_cast<u64>(rectangle.width - 1) << 32 | static_cast<u64>(rectangle.height - 1) << 44);
 }
 
 void present(benchmark::State& state, s32 depth, Extent source, Extent destination) {

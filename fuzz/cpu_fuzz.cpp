@@ -66,12 +66,13 @@ struct Program {
 
 /// Starts a channel of the DMA controller.
 void addTransfer(Program& program, fuzz::Input& input) {
+    using namespace dma_register;
     constexpr u32 places[] = {packetAddress, programAddress, 0x01FFFFF0, 0x01FFFFE8, 0x02000000, 0};
     constexpr u32 counts[] = {64, 1, 0, 512};
     constexpr u32 controls[] = {0x101, 0x105, 0x100, 1};
-    program.loadRegister(registerAt, input.take<u8>() < 0xE0 ? 0x1000A000 : 0x1000C000);
-    program.storeWord(input.pick(places), 0x10);
-    program.storeWord(input.pick(counts) & 0xFFF, 0x20);
+    program.loadRegister(registerAt, specialAreaFirst + (input.take<u8>() < 0xE0 ? D2_CHCR : D5_CHCR));
+    program.storeWord(input.pick(places), D2_MADR - D2_CHCR);
+    program.storeWord(input.pick(counts) & 0xFFF, D2_QWC - D2_CHCR);
     program.storeWord(input.pick(controls), 0);
 }
 

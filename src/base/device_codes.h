@@ -47,6 +47,10 @@ inline constexpr u64 tagInterrupt = 0x80;  ///< TIE
 inline constexpr u64 start = 0x100;        ///< STR
 }  // namespace dma_control
 
+// Serial port.
+
+inline constexpr u32 consoleTransmit = 0xF180;  ///< data register: offset in the special area
+
 // Graphics Synthesizer.
 
 inline constexpr u32 gsAreaFirst = 0x12000000;  ///< guest addresses of the privileged registers

@@ -1,6 +1,7 @@
 // Accesses to the special I/O area, the GS registers and the BIOS image.
 #include "memory/area_handlers.h"
 
+#include "base/device_codes.h"
 #include "base/diagnostics.h"
 #include "gs/gs_port.h"
 #include "machine/machine.h"
@@ -11,8 +12,6 @@
 
 namespace tarn {
 namespace {
-
-constexpr u32 consoleTransmit = 0xF180;  // offset of the serial port's data register
 
 /// Whether an access of this width at `at` stays inside an area of `size` bytes.
 bool holds(const u8* area, u32 size, u32 at, Width width) {

@@ -2,6 +2,7 @@
 #include "recording/register_fields.h"
 
 #include "base/bits.h"
+#include "base/device_codes.h"
 #include "gs/registers.h"
 
 #include <algorithm>
@@ -102,12 +103,12 @@ constexpr RegisterLayout layouts[] = {
     {gs_register::TRXPOS, "TRXPOS", false, trxpos},
     {gs_register::TRXREG, "TRXREG", false, trxreg},
     {gs_register::TRXDIR, "TRXDIR", false, trxdir},
-    {0x12000000, "PMODE", false, pmode},
-    {0x12000020, "SMODE2", false, smode2},
-    {0x12000070, "DISPFB1", false, dispfb},
-    {0x12000080, "DISPLAY1", false, display},
-    {0x12000090, "DISPFB2", false, dispfb},
-    {0x120000A0, "DISPLAY2", false, display},
+    {gs_privileged::PMODE, "PMODE", false, pmode},
+    {gs_privileged::SMODE2, "SMODE2", false, smode2},
+    {gs_privileged::DISPFB1, "DISPFB1", false, dispfb},
+    {gs_privileged::DISPLAY1, "DISPLAY1", false, display},
+    {gs_privileged::DISPFB2, "DISPFB2", false, dispfb},
+    {gs_privileged::DISPLAY2, "DISPLAY2", false, display},
 };
 
 /// A field's value at its place.

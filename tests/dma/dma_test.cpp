@@ -11,12 +11,16 @@
 namespace tarn {
 namespace {
 
+using namespace dma_register;
+
+constexpr u32 unknownRegister = 0xB000;
+
 class DmaTest : public test::MachineTest {
   protected:
     /// A guest's doubleword store to a DMA register, and what the controller prints about it.
     static std::string write(u32 offset, u64 value) {
         return test::outputOf([&] {
-            MipsMemoryWrite({value, 0}, Width::Doubleword, 0x10000000 + offset, 0);
+            MipsMemoryWrite({value, 0}, Width::Doubleword, specialAreaFirst + offset, 0);
             DmaUpdate();
         });
     }
@@ -25,11 +29,11 @@ class DmaTest : public test::MachineTest {
 TEST_F(DmaTest, RegistersAreCopiedAndLogged) {
     // clang-format off
     constexpr std::tuple<u32, const char*, u64 DmaChannelRegs::*> registers[] = {
-        {0xA000, "2_CHCRT", &DmaChannelRegs::chcr}, {0xA010, "2_MADR", &DmaChannelRegs::madr},
-        {0xA020, "2_SIZE", &DmaChannelRegs::qwc}, {0xA030, "2_TAG", &DmaChannelRegs::tadr},
-        {0xA040, "2_ASR0", &DmaChannelRegs::asr0}, {0xA050, "2_ASR1", &DmaChannelRegs::asr1},
-        {0xA080, "2_SADR", &DmaChannelRegs::sadr}, {0xC000, "5_CHCR", &DmaChannelRegs::chcr},
-        {0xC010, "5_MADR", &DmaChannelRegs::madr}, {0xC020, "5_QWC", &DmaChannelRegs::qwc},
+        {D2_CHCR, "2_CHCRT", &DmaChannelRegs::chcr}, {D2_MADR, "2_MADR", &DmaChannelRegs::madr},
+        {D2_QWC, "2_SIZE", &DmaChannelRegs::qwc}, {D2_TADR, "2_TAG", &DmaChannelRegs::tadr},
+        {D2_ASR0, "2_ASR0", &DmaChannelRegs::asr0}, {D2_ASR1, "2_ASR1", &DmaChannelRegs::asr1},
+        {D2_SADR, "2_SADR", &DmaChannelRegs::sadr}, {D5_CHCR, "5_CHCR", &DmaChannelRegs::chcr},
+        {D5_MADR, "5_MADR", &DmaChannelRegs::madr}, {D5_QWC, "5_QWC", &DmaChannelRegs::qwc},
     };
     // clang-format on
     MipsCpu.PC = 0x100010;
@@ -40,16 +44,16 @@ TEST_F(DmaTest, RegistersAreCopiedAndLogged) {
             const std::string line =
                 "00100010:DMA Acces ( write ):1000 " + test::hex(offset) + " h: DmaChannel" + text + " = ";
             EXPECT_EQ(write(offset, value), flag == 1 ? line + test::hex(value) + "\n" : "");
-            EXPECT_EQ(Ps2Bios.dmaChannel[text[0] == '2' ? 2 : 5].*field, value);
+            EXPECT_EQ(Ps2Bios.dmaChannel[text[0] == '2' ? gifChannel : sif0Channel].*field, value);
         }
     }
     EXPECT_EQ(nb_dma_transfert, 0U);
     MipsCpu.cycle = ~u64{0};
     Settings.debug_dma = 0;
-    EXPECT_EQ(write(0xB000, 0x101), "DMA Adress Non-Impl.  1000b000 h (i:-1) \n");
-    EXPECT_EQ(doublewordAt(0x1000B000), 0x101U);
+    EXPECT_EQ(write(unknownRegister, 0x101), "DMA Adress Non-Impl.  1000b000 h (i:-1) \n");
+    EXPECT_EQ(doublewordAt(specialAreaFirst + unknownRegister), 0x101U);
     Settings.debug_dma = 1;
-    EXPECT_EQ(write(0xE010, 3), "00100010:DMA Acces ( write ):1000 e010 h: DMAC Status = 3 NI\n"
+    EXPECT_EQ(write(D_STAT, 3), "00100010:DMA Acces ( write ):1000 e010 h: DMAC Status = 3 NI\n"
                                 "00100010:DMA Acces ( read  ):1000 b000 h: 101\n");
 }
 
@@ -76,14 +80,15 @@ TEST_F(DmaTest, Channel2SendsInNormalModeAndAcknowledgesAlways) {
         const u64 packet[] = {u64{1} << 60 | 0x8001, 0xE, 0x123456, 0x3D};
         const u64 at = std::min<u64>(address, mainMemorySize);
         std::memcpy(MipsMemory + at, packet, std::min<u64>(sizeof packet, mainMemorySize - at));
-        write(0xA010, address);
-        write(0xA020, quadwords);
+        write(D2_MADR, address);
+        write(D2_QWC, quadwords);
         Settings.debug_dma = 1;
-        EXPECT_EQ(write(0xA000, control), "00000000:DMA Acces ( write ):1000 a000 h: DmaChannel2_CHCRT = " +
-                                              test::hex(control) + "\n" + line);
+        EXPECT_EQ(write(D2_CHCR, control), "00000000:DMA Acces ( write ):1000 a000 h: DmaChannel2_CHCRT = " +
+                                               test::hex(control) + "\n" + line);
         EXPECT_EQ(Gs.fogcol, sent ? 0x123456U : 0U);
-        EXPECT_EQ(doublewordAt(0x1000A000), readBack);
-        EXPECT_TRUE(Ps2Bios.dmaChannel[2].chcr == (readBack & 0xFFFFFFFF) && nb_dma_transfert == 1) << line;
+        EXPECT_EQ(doublewordAt(specialAreaFirst + D2_CHCR), readBack);
+        EXPECT_TRUE(Ps2Bios.dmaChannel[gifChannel].chcr == (readBack & 0xFFFFFFFF) && nb_dma_transfert == 1)
+            << line;
     }
 }
 
@@ -98,23 +103,23 @@ TEST_F(DmaTest, ALongTransferTakesManyStepsThatTheGuestDoesNotSee) {
     }
     stream.write(gs_register::BITBLTBUF, u64{16} << 48 | 16 << 16)
         .write(gs_register::TRXREG, u64{1023} << 32 | 512);
-    stream.write(gs_register::TRXPOS, u64{512} << 32).write(gs_register::TRXDIR, 2);
+    stream.write(gs_register::TRXPOS, u64{512} << 32).write(gs_register::TRXDIR, localToLocal);
     std::memcpy(MipsMemory + 0x1000, stream.at(0), stream.quadwords() * 16);
-    write(0xA010, 0x1000);
-    write(0xA020, stream.quadwords());
+    write(D2_MADR, 0x1000);
+    write(D2_QWC, stream.quadwords());
     MipsCpu.PC = 0x100000;
-    MipsMemoryWrite({0x101, 0}, Width::Doubleword, 0x1000A000, 0);
+    MipsMemoryWrite({0x101, 0}, Width::Doubleword, specialAreaFirst + D2_CHCR, 0);
     const u64 countdown = Ps2Bios.vsyncCountdown = vsyncPeriod;
     u32 calls = 1;
     const auto step = [&] { return calls % 2 == 1 ? driverStep() : runSteps(1) == 1; };
     for (u64 before = 0; !step(); before = Gs.work) {
         EXPECT_LT(Gs.work - before, gifStepWork + 2 * localMemoryWords);
-        EXPECT_EQ(doublewordAt(0x1000A000), 0x101U);
+        EXPECT_EQ(doublewordAt(specialAreaFirst + D2_CHCR), 0x101U);
         ASSERT_LT(++calls, 100U);
         MipsCpu.pause = 1;  // once begun, a step goes on to its end
     }
     EXPECT_TRUE(calls > 2 && MipsCpu.cycle == 1 && Ps2Bios.vsyncCountdown == countdown - 1);
-    EXPECT_TRUE(doublewordAt(0x1000A000) == 1 && nb_dma_transfert == 1);
+    EXPECT_TRUE(doublewordAt(specialAreaFirst + D2_CHCR) == 1 && nb_dma_transfert == 1);
     const test::GsImage inSteps;
     GSreset();
     GSinit();
@@ -123,18 +128,18 @@ TEST_F(DmaTest, ALongTransferTakesManyStepsThatTheGuestDoesNotSee) {
 }
 
 TEST_F(DmaTest, Channel5OnlyShowsItsRegistersAndAcknowledges) {
-    EXPECT_EQ(write(0xC000, 0x184), "");
-    EXPECT_EQ(doublewordAt(0x1000C000), 0x84U);
-    Ps2Bios.dmaChannel[5] = {0, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66};
-    const std::string shown = write(0xC000, 0x100000184);
+    EXPECT_EQ(write(D5_CHCR, 0x184), "");
+    EXPECT_EQ(doublewordAt(specialAreaFirst + D5_CHCR), 0x84U);
+    Ps2Bios.dmaChannel[sif0Channel] = {0, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66};
+    const std::string shown = write(D5_CHCR, 0x100000184);
     std::string digits;  // behind the colons
     for (std::size_t at = 0; (at = shown.find(": ", at)) != std::string::npos; ++at) {
         digits += shown.substr(at + 2, shown.find('\n', at) - at - 1);
     }
     EXPECT_EQ(digits, "100000184\n11\n22\n33\n44\n55\n66\n");
-    EXPECT_EQ(Ps2Bios.dmaChannel[5].chcr, 0x84U);
+    EXPECT_EQ(Ps2Bios.dmaChannel[sif0Channel].chcr, 0x84U);
     EXPECT_EQ(nb_dma_transfert, 0U);
-    EXPECT_EQ(test::outputOf([] { DmaPrintChannelInfo(10); }), "");
+    EXPECT_EQ(test::outputOf([] { DmaPrintChannelInfo(dmaChannelCount); }), "");
 }
 
 }  // namespace

@@ -35,9 +35,9 @@ class Display : public GsMachine {
     ~Display() override { Settings = TarnSettings{}; }
 
     static void show(u64 fbp, u64 fbw, u64 dbx, u64 dby, u64 width, u64 height) {
-        GSwrite64(0x12000000, 1);
-        GSwrite64(0x12000070, fbp | fbw << 9 | dbx << 32 | dby << 43);
-        GSwrite64(0x12000080, (width - 1) << 32 | (height - 1) << 44);
+        GSwrite64(gs_privileged::PMODE, 1);
+        GSwrite64(gs_privileged::DISPFB1, fbp | fbw << 9 | dbx << 32 | dby << 43);
+        GSwrite64(gs_privileged::DISPLAY1, (width - 1) << 32 | (height - 1) << 44);
     }
 
     static void open(SDL_Surface* surface, s32 width, s32 height, s32 depth, s32 stretch) {
@@ -147,8 +147,8 @@ TEST_F(Display, ShowsTheLastBlanksPictureWheneverItIsLookedAt) {
                 show(random(4), random(3), random(20), random(40), 1 + random(48), 1 + random(30));
                 break;
             case 1:
-                GSwrite64(0x12000090, random(4) | random(3) << 9);
-                GSwrite64(0x12000000, random(2));
+                GSwrite64(gs_privileged::DISPFB2, random(4) | random(3) << 9);
+                GSwrite64(gs_privileged::PMODE, random(2));
                 break;
             case 2:
                 stream.write(FRAME_1, smallBuffer() / 32).write(ZBUF_1, random(4));

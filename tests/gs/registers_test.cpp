@@ -8,6 +8,7 @@
 namespace tarn::test {
 namespace {
 
+using namespace gs_privileged;
 using namespace gs_register;
 
 /// The bits of a register field, kept times `scale`. Without bits: a field that is derived from others.
@@ -89,7 +90,7 @@ TEST_F(Registers, DerivedSizes) {
     for (const auto& [width, rows] : {std::pair{0u, 0x100000u}, {1u, 16384u}, {10u, 1638u}, {63u, 260u}}) {
         GSwrite(u64{width} << 16, FRAME_2);
         GSwrite(u64{width} << 16 | u64{width} << 48, BITBLTBUF);
-        GSwrite64(0x12000090, u64{width} << 9);
+        GSwrite64(DISPFB2, u64{width} << 9);
         for (const u32 bound :
              {Gs._gsfb[1].maxRows, Gs.srcbuf.maxRows, Gs.dstbuf.maxRows, Gs._gsdspfb[1].maxRows}) {
             EXPECT_EQ(bound, rows);
@@ -126,7 +127,7 @@ TEST_F(Registers, WhatIsNotAssignedStoresNothing) {
     for (const u32 address : {0x0Bu, 0x13u, 0x1Du, 0x21u, 0x23u, 0x33u, 0x38u, 0x44u, 0x54u, 0x62u, 0xFFu}) {
         GSwrite(~u64{0}, address);
     }
-    for (const u32 address : {0x120000E0u, 0x12001000u, 0x12000020u, 0x12000080u, 0x120000A0u}) {
+    for (const u32 address : {u32{0x120000E0}, u32{CSR}, u32{SMODE2}, u32{DISPLAY1}, u32{DISPLAY2}}) {
         GSwrite32(address, ~0u);  // the last three take 64 bits only
     }
     EXPECT_TRUE(GsImage() == before);
@@ -147,8 +148,8 @@ TEST_F(Registers, DisplaySizeIsDividedByTheMagnification) {
     };
     for (const u32 circuit : {0u, 1u}) {
         for (const auto& [value, smode2, width, height] : cases) {
-            GSwrite64(0x12000020, smode2);
-            GSwrite64(0x12000080 + circuit * 0x20, value);
+            GSwrite64(SMODE2, smode2);
+            GSwrite64(circuit == 0 ? DISPLAY1 : DISPLAY2, value);
             EXPECT_EQ(Gs._gsmode[circuit].width, width) << std::hex << value;
             EXPECT_EQ(Gs._gsmode[circuit].height, height) << std::hex << value;
         }
@@ -159,22 +160,22 @@ TEST_F(Registers, DisplayCircuitIsChosenByPmode) {
     const auto first = [] {
         return std::array{Gs.gsdspfb().fbp, Gs.gsdspfb().psm, Gs.gsdspfb().dbx, Gs.gsdspfb().dby};
     };
-    GSwrite64(0x12000070, 0x3 | 10 << 9 | 2 << 15 | u64{5} << 32 | u64{6} << 43);
-    GSwrite64(0x12000090, 0x4 | 5 << 9);
+    GSwrite64(DISPFB1, 0x3 | 10 << 9 | 2 << 15 | u64{5} << 32 | u64{6} << 43);
+    GSwrite64(DISPFB2, 0x4 | 5 << 9);
     EXPECT_EQ(first(), (std::array{3u * 2048, 2u, 5u, 6u}));
-    GSwrite64(0x12000000, 2);
+    GSwrite64(PMODE, 2);
     EXPECT_TRUE(&Gs.gsdspfb() == &Gs._gsdspfb[1] && &Gs.gsmode() == &Gs._gsmode[1]);
     EXPECT_EQ(Gs.gsdspfb().fbw, 320u);
-    GSwrite32(0x12000000, 3);
-    GSwrite32(0x12000070, 7);  // there is no upper word
+    GSwrite32(PMODE, 3);
+    GSwrite32(DISPFB1, 7);  // there is no upper word
     EXPECT_EQ(first(), (std::array{7u * 2048, 0u, 0u, 0u}));
 }
 
 TEST_F(Registers, PrivilegedReads) {
-    EXPECT_EQ(GSread64(0x12000400), 0x2000u);
-    EXPECT_EQ(GSread32(0x12000400), 0u) << "32-bit reads do not flip the field";
-    EXPECT_EQ(GSread64(0x12000400), 0u);
-    EXPECT_TRUE(GSread64(0x12001000) == 8 && GSread32(0x12001000) == 8 && GSread64(0x12000000) == 0);
+    EXPECT_EQ(GSread64(FIELD), 0x2000u);
+    EXPECT_EQ(GSread32(FIELD), 0u) << "32-bit reads do not flip the field";
+    EXPECT_EQ(GSread64(FIELD), 0u);
+    EXPECT_TRUE(GSread64(CSR) == 8 && GSread32(CSR) == 8 && GSread64(PMODE) == 0);
 }
 
 TEST_F(Registers, InitialisationAndItsFailure) {

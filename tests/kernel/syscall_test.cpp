@@ -89,13 +89,13 @@ TEST_F(KernelTest, EnableDmacReplacesTheStatusByItsMaskBit) {
         {15, 1ULL << 40, 0, 1ULL << 40}, {16, ~u64{0}, 1, 0}, {34, 0, 1, 0x40000},
     };
     for (const auto& [channel, status, result, after] : cases) {
-        MipsMemoryWrite({status, 0}, Width::Doubleword, 0x1000E010, 0);
+        MipsMemoryWrite({status, 0}, Width::Doubleword, specialAreaFirst + dma_register::D_STAT, 0);
         DmaUpdate();
         a0() = channel;
         v0() = ~u64{0};
         EXPECT_EQ(call(0x16), "");
         EXPECT_EQ(v0(), result);
-        EXPECT_EQ(doublewordAt(0x1000E010), after);
+        EXPECT_EQ(doublewordAt(specialAreaFirst + dma_register::D_STAT), after);
     }
     restart();
     Settings.debug_dma = 1;

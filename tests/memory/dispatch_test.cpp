@@ -158,11 +158,11 @@ TEST_F(MachineTest, GsAccessesReachTheRendererAndAreTraced) {
         Settings.debug_gs = flag;
         GuestValue destination{~u64{0}, 7};
         const std::string printed = outputOf([&] {
-            MipsMemoryWrite({0x300000001, 9}, Width::Doubleword, 0x12000000, 0);
-            MipsMemoryWrite({0x300000002, 9}, Width::Word, 0x12000000, 0);
-            MipsMemoryRead(&destination, Width::Word, 0x12000000, 0x400);  // which 64 bits would flip
+            MipsMemoryWrite({0x300000001, 9}, Width::Doubleword, gs_privileged::PMODE, 0);
+            MipsMemoryWrite({0x300000002, 9}, Width::Word, gs_privileged::PMODE, 0);
+            MipsMemoryRead(&destination, Width::Word, gsAreaFirst, 0x400);  // which 64 bits would flip
             MipsMemoryRead(&destination, Width::Word, 0xFFFFFFFF12000000, 0x1000);
-            MipsMemoryRead(&destination, Width::Doubleword, 0x12001000, 0);
+            MipsMemoryRead(&destination, Width::Doubleword, gs_privileged::CSR, 0);
         });
         EXPECT_TRUE(Gs.pmode == 1 && destination == (GuestValue{8, 7}));
         EXPECT_EQ(printed, flag != 1 ? ""
@@ -178,15 +178,16 @@ TEST_F(MachineTest, TheSerialPortTakesWordsAndMakesLinesOfThem) {
     Settings.console = 1;
     const auto say = [](const std::string& text) {
         for (const char letter : text) {
-            MipsMemoryWrite({0xFFFFFF00U | static_cast<u8>(letter), 0}, Width::Word, 0x1000F180, 0);
+            MipsMemoryWrite({0xFFFFFF00U | static_cast<u8>(letter), 0}, Width::Word,
+                            specialAreaFirst + consoleTransmit, 0);
         }
     };
     const std::string longest(1000, 'x');
     say("one\n\n" + longest + "y");
     PrintToEmuOutput("another");
     EXPECT_EQ(emuOutput(), (Lines{"one", "", longest, "y", "another"}));
-    MipsMemoryWrite({0x41, 0}, Width::Doubleword, 0x1000F180, 0);
-    EXPECT_EQ(doublewordAt(0x1000F180), 0x41U);
+    MipsMemoryWrite({0x41, 0}, Width::Doubleword, specialAreaFirst + consoleTransmit, 0);
+    EXPECT_EQ(doublewordAt(specialAreaFirst + consoleTransmit), 0x41U);
 }
 
 TEST_F(MachineTest, AllocationReportsSuccessAndFailure) {
@@ -214,7 +215,7 @@ TEST_F(MachineTest, WithoutBuffersEveryAccessIsRefused) {
     EXPECT_EQ(outputOf([&] {
                   MipsMemoryWrite({3, 4}, Width::Word, 0x00100000, 0);
                   MipsMemoryRead(&destination, Width::Word, 0x80100000, 0);
-                  MipsMemoryWrite({3, 4}, Width::Word, 0x1000A000, 0);
+                  MipsMemoryWrite({3, 4}, Width::Word, specialAreaFirst + dma_register::D2_CHCR, 0);
                   DmaUpdate();
                   MipsMemoryRead(&destination, Width::Word, 0x1FC00000, 0);
               }),

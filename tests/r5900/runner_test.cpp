@@ -92,13 +92,13 @@ class Case {
         dataAddress,               // main memory in its first view,
         0x80000000 + dataAddress,  // in the kernel segment,
         0x20000000 + dataAddress,  // in a mirror,
-        0x1000A010,                // DMA channel 2
-        0x1000C010,                // and 5
-        0x12000080,                // the display's registers
-        0x1FC00010,                // the BIOS image
-        mainMemorySize - 16,       // the end of main memory
-        0x9FC00010,                // the BIOS image for loads, main memory for stores
-        0xFFFFFFFFA0100000,        // nothing
+        specialAreaFirst + dma_register::D2_MADR,
+        specialAreaFirst + dma_register::D5_MADR,
+        gs_privileged::DISPLAY1,
+        0x1FC00010,           // the BIOS image
+        mainMemorySize - 16,  // the end of main memory
+        0x9FC00010,           // the BIOS image for loads, main memory for stores
+        0xFFFFFFFFA0100000,   // nothing
     };
 
     u32 anyRegister() { return oneIn(12) ? below(32) : below(16); }

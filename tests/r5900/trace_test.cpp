@@ -209,7 +209,7 @@ TEST_F(MachineTest, StepsTellWhatChanged) {
         Settings.debug_op = 1;
         MipsCpu = {};
         MipsCpu.GPR[t0].low = 0x34;
-        MipsCpu.GPR[t2].low = 0x12000080;
+        MipsCpu.GPR[t2].low = gs_privileged::DISPLAY1;
         MipsCpu.GPR[a0] = {0x108000, 9};
         setProgram(words);
         r5900::StepText step;
