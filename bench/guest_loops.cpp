@@ -1,6 +1,7 @@
 // The loops that interpreters are measured with, as code and as ELF files.
 #include "guest_loops.h"
 
+#include "base/file.h"
 #include "guest_code.h"
 
 #include <algorithm>
@@ -134,12 +135,12 @@ bool writeGuestElf(const char* path, std::span<const u32> program, Ending ending
     }
     elf.bytes.resize(codeOffset + imageBytes, 0);
 
-    std::FILE* file = std::fopen(path, "wb");
+    FilePtr file(std::fopen(path, "wb"));
     if (file == nullptr) {
         return false;
     }
-    const bool written = std::fwrite(elf.bytes.data(), 1, elf.bytes.size(), file) == elf.bytes.size();
-    return std::fclose(file) == 0 && written;
+    const bool written = std::fwrite(elf.bytes.data(), 1, elf.bytes.size(), file.get()) == elf.bytes.size();
+    return std::fclose(file.release()) == 0 && written;
 }
 
 }  // namespace tarn::bench

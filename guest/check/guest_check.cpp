@@ -1,9 +1,12 @@
-// Checks the code of a guest program: that the emulated processor has every instruction in it, and that
-// none is one of those which it has but which do not do what a compiler means by them. Exit status 1 and a
-// line for each offending instruction; with --every-instruction, for a program that tries them all, for each
-// instruction of the processor that does not occur, and those that mislead compilers are fine. With
-// --complete-cpu the processor is the complete one, which does what compilers mean.
+// Checks the code of a guest program: every instruction must be implemented, and must do what compilers
+// expect of it, which some of the described processor do not. Prints a line for each instruction that fails,
+// and exits with status 1.
+//
+// --every-instruction is for a program that tries them all: instructions that mislead compilers are accepted,
+// and each instruction that does not occur fails. --complete-cpu checks for the complete processor, on which
+// all do what compilers expect.
 #include "base/bits.h"
+#include "base/file.h"
 #include "base/types.h"
 #include "r5900/interpreter.h"
 #include "r5900/operation.h"
@@ -30,11 +33,10 @@ struct Code {
 
 std::vector<u8> readFile(const char* path) {
     std::vector<u8> content;
-    if (std::FILE* file = std::fopen(path, "rb")) {
+    if (const FilePtr file = openInputFile(path)) {
         u8 block[4096];
-        while (const std::size_t count = std::fread(block, 1, sizeof block, file))
+        while (const std::size_t count = std::fread(block, 1, sizeof block, file.get()))
             content.insert(content.end(), block, block + count);
-        std::fclose(file);
     }
     return content;
 }

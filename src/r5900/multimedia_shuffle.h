@@ -2,6 +2,7 @@
 // funnel shift and its register SA, and the counting of sign bits.
 #pragma once
 
+#include "base/object_bytes.h"
 #include "r5900/lanes.h"
 
 #include <cstring>
@@ -90,7 +91,7 @@ inline void PLZCW(RegisterFields f) {
 
 inline void QFSRV(RegisterFields f) {
     std::array<GuestValue, 3> bytes{wholeGpr(f.rt), wholeGpr(f.rs), {}};
-    std::memcpy(&bytes[2], reinterpret_cast<const u8*>(bytes.data()) + MipsCpu.SA % 16, sizeof bytes[2]);
+    std::memcpy(&bytes[2], bytesOfElements(bytes).data() + MipsCpu.SA % 16, sizeof bytes[2]);
     wholeGpr(f.rd) = bytes[2];
 }
 

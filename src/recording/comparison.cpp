@@ -3,6 +3,7 @@
 #include "recording/comparison.h"
 
 #include "base/checksum.h"
+#include "base/object_bytes.h"
 #include "gs/gs_records.h"
 #include "gs/local_memory.h"
 #include "machine/machine.h"
@@ -24,9 +25,7 @@ struct CommandSums {
     u64 pixels = 0;   ///< of the pixels that it may have changed
 };
 
-u64 sumOf(const std::vector<u32>& words) {
-    return checksumOf({reinterpret_cast<const u8*>(words.data()), words.size() * sizeof(u32)});
-}
+u64 sumOf(const std::vector<u32>& words) { return checksumOf(bytesOfElements(words)); }
 
 void addArea(std::vector<u32>& words, const PixelBuffer& buffer, const Rectangle& area) {
     // No area is larger than local memory, which every index is taken modulo of.
@@ -53,8 +52,7 @@ class Summing : public Visitor {
                                   static_cast<u32>(command.value), static_cast<u32>(command.value >> 32)};
         sums.command = sumOf(words) ^ checksumOf(command.data);
         if (command.draws()) {
-            const std::string text = describe(command);
-            sums.command ^= checksumOf({reinterpret_cast<const u8*>(text.data()), text.size()});
+            sums.command ^= checksumOf(bytesOfElements(describe(command)));
             words.clear();
             addArea(words, target, area);
             if (command.isPrimitive() && Gs.test().zte == 1) {

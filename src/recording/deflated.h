@@ -1,6 +1,7 @@
 // A stream of bytes, compressed and then written as text.
 #pragma once
 
+#include "base/object_bytes.h"
 #include "base/types.h"
 
 #include <memory>
@@ -19,7 +20,7 @@ class Deflated {
     Deflated();
 
     void add(std::span<const u8> bytes) { deflate(bytes, false); }
-    void add(std::string_view text) { add(std::span(reinterpret_cast<const u8*>(text.data()), text.size())); }
+    void add(std::string_view text) { add(bytesOfElements(text)); }
 
     /// The bytes so far; the last few may still be missing.
     std::size_t size() const { return compressed.size(); }

@@ -6,6 +6,7 @@
 // written. So the page knows all pictures, and the history of every pixel.
 #include "recording/frame_report.h"
 
+#include "base/object_bytes.h"
 #include "gs/local_memory.h"
 #include "machine/machine.h"
 #include "recording/deflated.h"
@@ -170,7 +171,7 @@ class Collector : public Visitor {
         if (!begun) {
             begun = true;
             const std::vector<u32> words = canvas.pixels();
-            pictures.add({reinterpret_cast<const u8*>(words.data()), words.size() * sizeof(u32)});
+            pictures.add(bytesOfElements(words));
         }
     }
 

@@ -6,6 +6,7 @@
 
 #include "base/file.h"
 #include "base/isolated.h"
+#include "base/object_bytes.h"
 #include "base/printable.h"
 
 #include <algorithm>
@@ -237,8 +238,8 @@ SymbolTable parse(int descriptor) {
 class Packer {
   public:
     void operator()(u32 number) {
-        const auto* const first = reinterpret_cast<const u8*>(&number);
-        bytes.insert(bytes.end(), first, first + sizeof number);
+        const std::span<const u8> added = bytesOfObject(number);
+        bytes.insert(bytes.end(), added.begin(), added.end());
     }
     void operator()(bool flag) { (*this)(u32{flag}); }
     void operator()(const std::string& text) {
