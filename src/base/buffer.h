@@ -1,4 +1,4 @@
-// A large zeroed buffer of bytes with an owner, and the allocator behind it, which tests can make fail.
+// An owning buffer of bytes, and its allocator, which tests can replace by one that fails.
 #pragma once
 
 #include "base/types.h"
@@ -9,16 +9,16 @@
 
 namespace tarn {
 
-/// Replaceable by tests: takes a size in bytes and returns zeroed memory, or null. Zeroed, because two runs
+/// Takes a size in bytes and returns zeroed memory, or null. Replaceable by tests. Zeroed, because two runs
 /// of a guest that reads memory it never wrote must not differ.
 inline void* (*allocateBuffer)(std::size_t bytes) = [](std::size_t bytes) { return std::calloc(bytes, 1); };
 
-/// Releases what allocateBuffer returned; to be replaced together with it.
+/// Releases memory from allocateBuffer, and must be replaced together with it.
 inline void (*freeBuffer)(void* memory, std::size_t bytes) = [](void* memory, std::size_t) {
     std::free(memory);
 };
 
-/// An owned buffer that is empty, and then a null pointer, until it is allocated. Copies are deep.
+/// A buffer, which is empty and converts to a null pointer until it is allocated. Copies are deep.
 class Buffer {
   public:
     constexpr Buffer() = default;
@@ -31,7 +31,7 @@ class Buffer {
         std::swap(bytes, other.bytes);
         return *this;
     }
-    /// Becomes empty when there is no memory for the copy.
+    /// Becomes empty if there is no memory for the copy.
     Buffer& operator=(const Buffer& other) {
         if (this != &other && (other.data == nullptr ? (release(), false) : allocate(other.bytes))) {
             std::memcpy(data, other.data, bytes);
@@ -39,7 +39,7 @@ class Buffer {
         return *this;
     }
 
-    /// Replaces the contents by `size` zeroed bytes. False, and empty, when there is no memory for them.
+    /// Replaces the contents by `size` zeroed bytes. Returns false, and is empty, if there is no memory.
     bool allocate(std::size_t size) {
         release();
         data = static_cast<u8*>(allocateBuffer(size));
@@ -52,7 +52,7 @@ class Buffer {
         }
     }
 
-    /// Takes over memory that is to be released by freeBuffer, and hands it back.
+    /// Takes ownership of memory that freeBuffer can release, and gives it up again.
     static Buffer adopting(u8* memory, std::size_t size) {
         Buffer buffer;
         buffer.data = memory;

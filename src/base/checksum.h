@@ -1,4 +1,4 @@
-// A checksum that finds damage; it is no protection against forgery.
+// A checksum that detects damage. It does not protect against forgery.
 #pragma once
 
 #include "base/types.h"

@@ -1,4 +1,4 @@
-// The configuration: the file and the command line put together.
+// Combining the configuration file and the command line.
 #include "base/configuration.h"
 
 namespace tarn {

@@ -1,4 +1,4 @@
-// Where the configuration comes from: ./tarn.ini, and what a command line sets.
+// The sources of the configuration: ./tarn.ini, and assignments on the command line.
 #pragma once
 
 #include "base/ini_file.h"
@@ -16,13 +16,13 @@ struct ConfigurationSource {
         std::string value;
     };
 
-    bool readsFile = true;                ///< false: what is not assigned has its default
-    std::vector<Assignment> assignments;  ///< they come after the file; the last of a key counts
+    bool readsFile = true;                ///< false: keys that are not assigned have their defaults
+    std::vector<Assignment> assignments;  ///< override the file; the last one for a key counts
 };
 
 inline ConfigurationSource configurationSource;
 
-/// The configuration; false-like when the file is to be read and cannot be.
+/// The configuration. Converts to false if the file cannot be read.
 IniFile loadConfiguration();
 
 }  // namespace tarn

@@ -1,4 +1,4 @@
-// Addresses and codes of the devices: what the guest writes, and where.
+// Addresses and codes of the devices.
 #pragma once
 
 #include "base/types.h"
@@ -7,7 +7,7 @@ namespace tarn {
 
 inline constexpr u32 quadwordBytes = 16;
 
-/// Numbers of the coprocessor 0 registers that something here looks at.
+/// Numbers of the coprocessor 0 registers that are used.
 namespace cp0_register {
 inline constexpr u8 BadVAddr = 8;
 inline constexpr u8 Count = 9;
@@ -74,8 +74,7 @@ enum Address : u32 {
 inline constexpr u32 csrVerticalBlank = 8;  ///< VSINT of CSR
 inline constexpr u64 fieldBit = 0x2000;     ///< of FIELD
 
-/// General registers, in A+D numbering. Of a register that both contexts have, context 2's address is the one
-/// after.
+/// General registers, in A+D numbering. Context 2's address of a register follows context 1's.
 namespace gs_register {
 enum Address : u32 {
     PRIM = 0x00,
@@ -91,7 +90,7 @@ enum Address : u32 {
     FOG = 0x0A,
     XYZF3 = 0x0C,
     XYZ3 = 0x0D,
-    AD = 0x0E,  ///< only as a descriptor of PACKED data, which then name the register
+    AD = 0x0E,  ///< only as a descriptor: the PACKED data name the register
     TEX1_1 = 0x14,
     TEX1_2 = 0x15,
     TEX2_1 = 0x16,
@@ -130,7 +129,7 @@ enum Address : u32 {
 };
 }  // namespace gs_register
 
-/// FLG of a GIF tag: the form of its data. Both image codes mean the same.
+/// FLG of a GIF tag: the form of its data. Both image codes have the same meaning.
 enum class GifForm : u32 { Packed = 0, Reglist = 1, Image = 2, ImageToo = 3 };
 
 /// PRIM: the primitive's type.
@@ -145,8 +144,7 @@ enum class PrimitiveType : u32 {
     None = 7,
 };
 
-/// Formats of pixels, texels and palette entries (PSM, CPSM), as far as one is treated otherwise than the
-/// rest.
+/// Formats of pixels, texels and palette entries (PSM, CPSM) that are handled specially.
 namespace pixel_format {
 inline constexpr u32 PSMCT32 = 0x00;
 inline constexpr u32 PSMCT24 = 0x01;

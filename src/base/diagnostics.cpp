@@ -1,4 +1,4 @@
-// The channels on which the machine speaks.
+// The diagnostics channels.
 #include "base/diagnostics.h"
 
 #include <cstdarg>

@@ -10,11 +10,11 @@ struct FileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-/// A stdio stream that closes itself; null when nothing is open.
+/// An owned stdio stream; null if none is open.
 using FilePtr = std::unique_ptr<std::FILE, FileCloser>;
 
-/// Opens a file for binary reading, at its start. Null with errno set when that fails, and for
-/// anything that is not a seekable file: a directory, FIFO, socket or terminal.
+/// Opens a file for binary reading, at its start. Returns null and sets errno on failure, and for anything
+/// that is not a seekable file: a directory, FIFO, socket or terminal.
 FilePtr openInputFile(const char* path);
 
 }  // namespace tarn

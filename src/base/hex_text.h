@@ -9,12 +9,12 @@ namespace tarn {
 
 inline constexpr std::size_t mostHexDigits = 16;  ///< of a u64
 
-/// How many digits a number has without leading zeros; 0 has one.
+/// The number of digits without leading zeros; 0 has one.
 constexpr unsigned hexDigitCount(u64 value) {
     return (static_cast<unsigned>(std::bit_width(value | 1)) + 3) / 4;
 }
 
-/// Writes the `count` lowest digits; returns the end.
+/// Writes the lowest `count` digits. Returns the end.
 constexpr char* writeHexDigits(char* at, u64 value, unsigned count) {
     for (unsigned left = count; left-- > 0; value >>= 4) {
         at[left] = "0123456789abcdef"[value & 15];
@@ -22,7 +22,7 @@ constexpr char* writeHexDigits(char* at, u64 value, unsigned count) {
     return at + count;
 }
 
-/// Writes a number as %llx does, filled up to `width` characters in front; returns the end.
+/// Writes a number like %llx, padded on the left to `width` characters. Returns the end.
 constexpr char* writeHex(char* at, u64 value, unsigned width = 1, char filling = '0') {
     const unsigned count = hexDigitCount(value);
     for (; width > count; --width) {

@@ -9,7 +9,7 @@
 namespace tarn {
 namespace {
 
-// The library compares every key with every other, so a file's size bounds the time that it takes.
+// The library compares every key with every other, so the size of a file bounds the time.
 constexpr std::size_t largestFile = 64 * 1024;  // bytes
 
 /// Whether it is safe to pass the file to the library, which would block on a FIFO, read a device forever,
@@ -35,13 +35,13 @@ void IniFile::set(const char* key, const char* value) {
 }
 
 std::string IniFile::text(const char* key) const {
-    // Null in spite of a default when a section has the key's whole name.
+    // The library returns null in spite of a default if a section has the whole name of the key.
     const char* value = iniparser_getstring(dictionary.get(), key, nullptr);
     return value != nullptr ? value : "";
 }
 
 int IniFile::number(const char* key, int fallback) const {
-    // The library's own conversion crashes on a section named like the key; its string look-up does not.
+    // The library's own conversion crashes if a section is named like the key; its string look-up does not.
     const char* value = iniparser_getstring(dictionary.get(), key, nullptr);
     return value != nullptr ? static_cast<int>(std::strtol(value, nullptr, 0)) : fallback;
 }

@@ -1,4 +1,4 @@
-// Reading the configuration file, hardened against input that crashes the INI library.
+// Reading the configuration file, guarding against input that crashes the INI library.
 #pragma once
 
 #include <memory>
@@ -10,34 +10,34 @@ struct _dictionary_;
 
 namespace tarn {
 
-/// A parsed INI file. Keys are "Section:Key", compared without case.
+/// A parsed INI file. Keys are "Section:Key" and not case-sensitive.
 class IniFile {
   public:
-    /// Parses the file at `path`; the result is false-like when it cannot be opened or parsed.
+    /// Parses the file at `path`. Converts to false if it cannot be opened or parsed.
     explicit IniFile(const char* path);
 
-    /// A file without lines.
+    /// An empty file.
     IniFile();
 
     explicit operator bool() const { return dictionary != nullptr; }
 
-    /// Gives a key a value, in place of the one it has. Does nothing to a file that could not be parsed.
+    /// Sets the value of a key. Does nothing if the file could not be parsed.
     void set(const char* key, const char* value);
 
-    /// The key's text, or an empty string when it is absent.
+    /// The value of a key as text, empty if it is absent.
     std::string text(const char* key) const;
 
-    /// The key's value by strtol's rules (decimal, 0x hexadecimal, 0 octal; no digits: 0), cut to 32 bits;
-    /// `fallback` when the key is absent.
+    /// The value of a key by strtol's rules (decimal, 0x hexadecimal, 0 octal; no digits: 0), truncated to 32
+    /// bits; `fallback` if the key is absent.
     int number(const char* key, int fallback) const;
 
-    /// A line of the file: a key "section:key" with its value, or the header of a section, without one.
+    /// A line of the file: a key "section:key" with its value, or the header of a section.
     struct Entry {
-        std::string name;  ///< in small letters
+        std::string name;  ///< lower case
         std::optional<std::string> value;
     };
 
-    /// Everything in the file, in its order; what occurs again is where it stood first, with its last value.
+    /// All entries of the file, in order. A repeated one is at its first place with its last value.
     std::vector<Entry> entries() const;
 
   private:

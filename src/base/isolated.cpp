@@ -1,4 +1,4 @@
-// Work on input that is not trusted, in a process of its own.
+// Running code on untrusted input in a separate process.
 #include "base/isolated.h"
 
 #include "base/file.h"
@@ -15,7 +15,7 @@ namespace tarn {
 namespace {
 
 constexpr rlim_t seconds = 10;
-constexpr rlim_t moreMemory = rlim_t{1} << 30;  // than the process has mapped already, in bytes
+constexpr rlim_t moreMemory = rlim_t{1} << 30;  // bytes, beyond what the process has already mapped
 
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool memoryIsBounded = false;  // the sanitizer maps terabytes

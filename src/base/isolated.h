@@ -1,4 +1,4 @@
-// Work on input that is not trusted, in a process of its own.
+// Running code on untrusted input in a separate process.
 #pragma once
 
 #include "base/types.h"
@@ -9,8 +9,8 @@
 
 namespace tarn {
 
-/// The bytes that `work` gives in a child process that may take ten seconds and a gigabyte. Nothing when it
-/// takes more or crashes. For libraries that are not made for hostile files.
+/// Calls `work` in a child process and returns its bytes, or nothing if that crashes, or takes more than ten
+/// seconds or a gigabyte. For libraries that are not safe on hostile files.
 std::optional<std::vector<u8>> runIsolated(const std::function<std::vector<u8>()>& work);
 
 }  // namespace tarn

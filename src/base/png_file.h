@@ -8,8 +8,8 @@
 
 namespace tarn {
 
-/// Writes rows from the top, of red, green and blue bytes without padding. False when that fails, with errno
-/// set if it was the stream that failed.
+/// Writes rows of red, green and blue bytes, from the top and without padding. Returns false on failure, with
+/// errno set if the stream failed.
 bool writePng(std::FILE* file, u32 width, u32 height, std::span<const u8> pixels);
 
 }  // namespace tarn

@@ -1,4 +1,4 @@
-// Text that comes from files, made fit for a terminal.
+// Making text from files safe for a terminal.
 #pragma once
 
 #include <algorithm>
@@ -7,7 +7,7 @@
 
 namespace tarn {
 
-/// The text with what a terminal would not show as it is replaced.
+/// Replaces control characters.
 inline std::string printable(std::string_view text) {
     std::string result(text);
     std::ranges::replace_if(

@@ -1,7 +1,6 @@
-// Vectors of words, and loops that are compiled twice: for any processor, and for those with vectors of 32
-// bytes.
+// Vectors of words, and loops that are compiled twice: for any processor, and for those with 32-byte vectors.
 //
-// What such a loop calls is compiled for its vectors only where it is inlined, so all of it is always_inline.
+// Functions that such a loop calls use its vectors only if they are inlined, so they are all always_inline.
 #pragma once
 
 #include "base/types.h"
@@ -11,7 +10,7 @@
 
 namespace tarn {
 
-/// How many words a vector holds.
+/// The number of words in a vector.
 template <u32 count>
 using VectorWords = std::integral_constant<u32, count>;
 
@@ -26,7 +25,7 @@ struct VectorTypes {
 template <u32 count>
 using WordVector = typename VectorTypes<count>::Words;
 
-/// As std::bit_cast, which is not always_inline.
+/// Like std::bit_cast, which is not always_inline.
 template <typename To, typename From>
 [[gnu::always_inline]] inline To bitCast(const From& from) {
     return __builtin_bit_cast(To, from);

@@ -1,5 +1,5 @@
-// The DMA controller: the registers of channel 2 (GIF) and channel 5 (SIF0) and what starting them does.
-// A transfer is over before the guest's next instruction, however many steps of the machine it takes.
+// The DMA controller: the registers of channel 2 (GIF) and channel 5 (SIF0), and their start. A transfer is
+// complete before the guest's next instruction, however many calls of the run loop it takes.
 #include "dma/dma_controller.h"
 #include "base/device_codes.h"
 #include "base/diagnostics.h"
@@ -22,7 +22,7 @@ using namespace dma_register;
 constexpr u64 startCleared = 0xFFFFFFFF & ~dma_control::start;  ///< keeps the rest of the low word
 constexpr u8 normalFromMemory = dma_control::fromMemory;        ///< no chain, no tags, no interrupt
 
-/// A channel register that the controller knows, by its offset in the special area.
+/// A channel register, by its offset in the special area.
 struct ChannelRegister {
     u64 offset;
     const char* name;
@@ -43,7 +43,7 @@ constexpr std::array channelRegisters{
     ChannelRegister{D5_QWC, "DmaChannel5_QWC", sif0Channel, &DmaChannelRegs::qwc},
 };
 
-/// Clears STR in the copy and in what the guest reads back, without recording a guest write.
+/// Clears STR in the copy and in memory, where the guest reads it, without recording a guest write.
 void acknowledge(unsigned channel, u64 offset) {
     DmaChannelRegs& registers = Ps2Bios.dmaChannel[channel];
     registers.chcr &= startCleared;
@@ -52,8 +52,8 @@ void acknowledge(unsigned channel, u64 offset) {
     }
 }
 
-/// Hands the GIF as much of its transfer as one step may, and at the end of it shows the guest its start
-/// acknowledged.
+/// Passes on as much of the transfer to the GIF as one step allows, and acknowledges the start once it is
+/// complete.
 void continueGif() {
     if (gifTransferGoesOn()) {
         const u32 done = gsPort.transfer(MipsMemory + Ps2Bios.gifAddress, Ps2Bios.gifQuadwords);
@@ -67,7 +67,7 @@ void continueGif() {
     }
 }
 
-/// Begins with the quadwords that the channel says, as many of them as main memory holds.
+/// Starts the transfer of the channel's quadwords, up to the end of main memory.
 void startGif(const DmaChannelRegs& registers) {
     const u8 mode = static_cast<u8>(registers.chcr);
     const u32 qwc = static_cast<u32>(registers.qwc);
@@ -85,7 +85,7 @@ void startGif(const DmaChannelRegs& registers) {
     continueGif();
 }
 
-/// Moves nothing; the guest only sees its start acknowledged.
+/// Transfers nothing, but acknowledges the start.
 void startSif0(const DmaChannelRegs& registers) {
     if (registers.madr != 0) {
         DmaPrintChannelInfo(sif0Channel);
@@ -123,7 +123,7 @@ void serveWrite(u64 offset, u64 value) {
     }
 }
 
-/// Diverts the guest into the handler that it registered for SIF0: its next instruction is the handler's.
+/// Makes the guest continue in the handler that it has registered for SIF0.
 void enterSif0Handler() {
     DmacHandlerSlot& slot = Ps2Bios.dmacHandler[sif0Channel];
     printDiagnostic("DMA:Sif_0 : Start\n");
@@ -152,7 +152,7 @@ bool serveDmaRequests() {
         }
         Ps2Bios.dmaReadPending = 0;
     }
-    // A request byte other than 1 stays where it is until the guest overwrites it.
+    // Other values than 1 stay until they are overwritten.
     if (Ps2Bios.sif0StartRequest == 1) {
         enterSif0Handler();
         Ps2Bios.sif0StartRequest = 0;

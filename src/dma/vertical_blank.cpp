@@ -1,4 +1,4 @@
-// The vertical blank at the end of its countdown.
+// Vertical blanks.
 #include "base/device_codes.h"
 #include "base/diagnostics.h"
 #include "gs/gs_port.h"
@@ -6,7 +6,7 @@
 
 namespace tarn {
 void testVerticalBlank() {
-    // On the other field the countdown stays where it is, so the next step asks again.
+    // In the other field the countdown stays as it is, so that the next step tests again.
     if (gsPort.read64(gs_privileged::FIELD) != fieldBit) {
         return;
     }

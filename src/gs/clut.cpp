@@ -1,4 +1,4 @@
-// The palette conversions: the order of entries and the widening of 16-bit colours.
+// Palette conversions: the order of entries, and 16-bit colours.
 #include "gs/transfer.h"
 #include "machine/machine.h"
 

@@ -1,15 +1,14 @@
-// Colour sources without a texture: the same colour everywhere, and interpolated channels.
+// Colour sources without a texture: one colour, or interpolated channels.
 //
-// A colour source stands on a pixel of a row. It has
-//   colour(), step()   the pixel's colour, and the move to the next pixel,
-//   constantAlpha      whether all pixels of the primitive have the alpha that alpha() gives,
-//   fewestForVectors   how many pixels a run must have to be worth working out several at a time; 0: none
-//   has.
-// Where it can work out several at a time, it also has
-//   reads(count)       the words of local memory that the next `count` colours depend on,
-//   Vectors<count>     made from the source, gives the colours of so many pixels by next(),
-//   advance(count)     moves `count` pixels on.
-// A source of triangles has startTriangle(edges) and startRow(edges, skipped) as well.
+// A colour source is positioned on a pixel of a row. It has
+//   colour(), step()   the pixel's colour, and the step to the next pixel
+//   constantAlpha      whether all pixels of the primitive have the alpha that alpha() returns
+//   fewestForVectors   the shortest run for which vectors pay; 0 if the source has none
+// A source with vectors also has
+//   reads(count)       the words of local memory that the next `count` colours depend on
+//   Vectors<count>     made from the source: each next() returns `count` colours
+//   advance(count)     moves `count` pixels on
+// Sources for triangles also have startTriangle(edges) and startRow(edges, skipped).
 #pragma once
 
 #include "base/vectors.h"

@@ -1,7 +1,7 @@
 // Depth methods: whether a pixel's depth lets it through, and what it leaves in the depth buffer.
 //
-// A method stands on a pixel of a row: passes(stored), value() and step() are the pixel's own, Vectors<count>
-// gives the depths of so many pixels at a time by next().
+// A method is positioned on a pixel of a row. passes(stored), value() and step() are for that pixel; the
+// next() of Vectors<count> returns the depths of `count` pixels at a time.
 #pragma once
 
 #include "base/device_codes.h"
@@ -24,7 +24,7 @@ struct NoDepth {
     static void advance(u32 /*count*/) {}
 };
 
-/// Depth as z × 65536 and its step a pixel, both wrapping.
+/// Depth is z × 65536, with a step per pixel; both wrap.
 template <DepthTest test>
 struct SteppedDepth {
     static constexpr bool used = true;

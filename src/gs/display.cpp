@@ -1,4 +1,4 @@
-// The display: opening and closing it on a host surface, and the choice of the conversion.
+// Opening and closing the display on a host surface, and choosing the conversion.
 #include "gs/display.h"
 
 #include "base/diagnostics.h"

@@ -38,9 +38,9 @@ struct GsPicture {
     bool operator==(const GsPicture&) const = default;
 };
 
-/// A conversion of local memory to destination pixels. `source` is the word of local memory where the
-/// displayed buffer starts, its rows are GsHost.picture.stride apart; `pitch` is in bytes. Nothing is written
-/// beyond GsHost.buffer's width and height, nothing read but local memory, which wraps.
+/// Converts local memory to destination pixels. `source` is the index of the displayed buffer's first word;
+/// its rows are GsHost.picture.stride words apart. `pitch` is in bytes. Writes nothing outside GsHost.buffer,
+/// and reads only local memory, which wraps.
 using ScrBlitOperation = void (*)(u8* destination, const u32* source, const GsRectangle& rectangle,
                                   s32 pitch);
 
@@ -65,42 +65,42 @@ struct GsDisplayState {
     ScrBlitOperation ScrBlit = nullptr;
     s32 pixelBytes = 0;  ///< size of the pixels that ScrBlit writes
 
-    // The picture of the last vertical blank. It is converted when something is about to look at the surface
-    // or to change what the picture shows, whichever is first.
+    // The picture of the last vertical blank. It is converted when something is about to read the surface or
+    // to change what the picture shows, whichever comes first.
     GsPicture picture{};
-    WordRange pictureWords{};    ///< all that a conversion of it may read
+    WordRange pictureWords{};    ///< what converting it may read
     bool pictureDue = false;     ///< the surface does not show it yet
     bool pictureIntact = false;  ///< its words have not changed since
-    bool pictureNew = false;     ///< takeNewPicture has not been told of it
+    bool pictureNew = false;     ///< takeNewPicture has not reported it
 };
 
 inline GsDisplayState GsHost;
 
-void LoadConfig();    ///< reads ./tarn.ini again, for the renderer's keys; all zero when it cannot
+void LoadConfig();    ///< reads the renderer's keys of ./tarn.ini again; all zero on failure
 void fillWithGrey();  ///< all of `buffer`, if there is one
 int DXopen();         ///< opens the display on `buffer`, in grey; 0, or -1 when fullscreen is asked for
-void DXclose();       ///< lets go of `buffer`, which stays its owner's to free
+void DXclose();       ///< forgets `buffer`, which its owner frees
 void DXupdScrBlit();  ///< chooses the conversion by depth and stretch
 void DXupdate();      ///< makes the displayed rectangle the picture that `buffer` shows
 
-/// Brings `buffer` to the picture of the last vertical blank. To be called before anything looks at it.
+/// Draws the picture of the last vertical blank on `buffer`. Call it before reading the surface.
 void presentPicture();
 
-/// Whether a vertical blank has shown another picture than the one before since the last call.
+/// Whether a vertical blank has shown a different picture since the last call.
 bool takeNewPicture();
 
-/// To be called before the pixels of `buffer`, the way pictures get there, or the machine are changed by
-/// something else than a vertical blank and the drawing since: the next blank's picture counts as new.
+/// Call it before anything other than vertical blanks and drawing changes the pixels of `buffer`, the
+/// conversion, or the machine: the next blank's picture then counts as new.
 void forgetPicture();
 
-/// To be called before words of local memory change.
+/// Call it before words of local memory change.
 inline void beforeWrite(WordRange words) {
     if (GsHost.pictureIntact && overlap(words, GsHost.pictureWords)) [[unlikely]] {
         forgetPicture();
     }
 }
 
-/// The same for whatever words a primitive of the current context can change.
+/// The same for all words that a primitive of the current context can change.
 void beforeDrawing();
 
 }  // namespace tarn

@@ -1,4 +1,4 @@
-// The renderer's part of the configuration file.
+// The renderer's keys of the configuration file.
 #include "base/configuration.h"
 #include "gs/display.h"
 #include "machine/settings.h"

@@ -1,12 +1,12 @@
-// The drawing routines. Each takes its vertices one after another, free of the drawing offset and
-// clipped, and draws in the current context; nothing of one call lives on in the next.
+// The drawing routines. Each takes an array of clipped vertices without the drawing offset, and draws in the
+// current context. They keep no state between calls.
 #pragma once
 
 #include "machine/machine.h"
 
 namespace tarn {
 
-// Two vertices: the start, and the end, which is not drawn. No colour is interpolated.
+// Two vertices: the start, and the end, which is not drawn. The colour is not interpolated.
 void drawLineF(const GsVertex* vertices);
 void drawLineG(const GsVertex* vertices);
 

@@ -26,8 +26,8 @@ Word load(const u8* data) {
 
 constexpr u64 join(u32 low, u32 high) { return low | (u64{high} << 32); }
 
-/// The walk over the descriptors of a tag, loop by loop. It lives outside the record while data are consumed:
-/// nothing that a descriptor writes looks at it.
+/// The walk over the descriptors of a tag, loop by loop. Kept outside the record while data are consumed,
+/// which is safe because no register write reads it.
 class DescriptorWalk {
   public:
     ~DescriptorWalk() {
@@ -57,7 +57,7 @@ class DescriptorWalk {
     u32 loops = Gs.gtag.nloop;
 };
 
-/// What is left of the data that a transfer handed over, and of the work that it may make.
+/// The rest of a transfer's data, and of the work that it may cause.
 struct Stream {
     const u8* data;
     u64 quadwords;
@@ -71,8 +71,8 @@ struct Stream {
     }
 };
 
-// Each consumes data of one form until the tag's or the stream's end; the tag's end sets the mode. Images are
-// taken as a whole: a 24-bit one is not the same in pieces, and their size bounds the work.
+// Each consumes data of one form up to the end of the tag or the stream; the end of the tag sets the mode.
+// Images are not split: a 24-bit image is not the same in pieces, and the size of the data bounds the work.
 
 void consumePacked(Stream& stream) {
     DescriptorWalk walk;
@@ -106,8 +106,8 @@ void consumeImage(Stream& stream) {
     }
 }
 
-/// For a 24-bit destination NLOOP counts groups of three quadwords, of sixteen pixels each. An incomplete
-/// group at the end of the stream uses up the rest of NLOOP, and what there is of it is read as tags.
+/// For a 24-bit destination NLOOP counts groups of three quadwords, which hold sixteen pixels. An incomplete
+/// group at the end of the stream uses up the rest of NLOOP, and its quadwords are read as tags.
 void consumeImage24(Stream& stream) {
     while (stream.quadwords > 2 && Gs.gtag.nloop > 0) {
         FBwrite24_3(stream.data);
@@ -122,7 +122,7 @@ void consumeImage24(Stream& stream) {
     }
 }
 
-/// The stream's next tag, or of its data what one form's loop takes.
+/// Consumes the next tag of the stream, or data of the current form.
 void consume(Stream& stream, bool groups24) {
     if (Gs.gifMode == GifMode::Tag) {
         GIFtag(stream.data);
@@ -140,7 +140,7 @@ void consume(Stream& stream, bool groups24) {
     }
 }
 
-/// The quadwords from `data` to the end of main memory; any number for data that lies elsewhere.
+/// The number of quadwords from `data` to the end of main memory; no limit for data elsewhere.
 u64 quadwordsInMainMemory(const u8* data) {
     const auto begin = reinterpret_cast<std::uintptr_t>(MipsMemory.begin());
     const auto offset = reinterpret_cast<std::uintptr_t>(data) - begin;
@@ -178,7 +178,7 @@ void GIFtag(const u8* quadword) {
         break;
     default:
         if (Gs.imageTransfer == localToLocal) {
-            Gs.imageTransfer = 0;  // the move within local memory is done; there are no data to wait for
+            Gs.imageTransfer = 0;  // the copy within local memory is complete; no data follow
         } else {
             Gs.gifMode = GifMode::Image;
             Gs.imagePtr = Gs.dstbuf.bp;
@@ -204,8 +204,8 @@ void GIFprocessReg(const u8* quadword, u32 descriptor) {
     }
     case ST:
         writeSt(w[0], w[1]);
-        // Q has no register of its own: it goes in with the vertex's colour, which so becomes the current
-        // one.
+        // Q has no register of its own: it is written together with the vertex's colour, which thereby
+        // becomes the current one.
         writeRgbaq(pending.rgba, w[2]);
         break;
     case UV:
@@ -222,7 +222,7 @@ void GIFprocessReg(const u8* quadword, u32 descriptor) {
         GSwrite(join(w[0], w[1]), bits(w[2], 0, 8));
         break;
     default:
-        return;  // among them TEX0, CLAMP and FOG, which the console's packed form does have
+        return;  // including TEX0, CLAMP and FOG, which the console does accept in PACKED form
     }
     gsSetCtxt(Gs.prim().ctxt);
 }

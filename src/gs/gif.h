@@ -1,4 +1,4 @@
-// The steps of the GIF packet parser below the transfer entry points.
+// The steps of the GIF packet parser, which the transfer entry points call.
 #pragma once
 
 #include "base/types.h"
@@ -8,7 +8,7 @@ namespace tarn {
 /// Decodes a GIF tag (16 bytes) and sets what the following quadwords are.
 void GIFtag(const u8* quadword);
 
-/// One quadword (16 bytes) of PACKED data for the register of a descriptor, 0 to 15.
+/// Processes a quadword (16 bytes) of PACKED data for a descriptor, 0 to 15.
 void GIFprocessReg(const u8* quadword, u32 descriptor);
 
 }  // namespace tarn

@@ -11,7 +11,7 @@
 namespace tarn {
 namespace {
 
-// The largest values that the register fields have room for.
+// The largest values that the register fields can hold.
 constexpr u32 largestWidth = 63 * 64;
 constexpr u32 largestPosition = 2047;  // of scissors and transfers
 constexpr u32 largestCoordinate = 4095;

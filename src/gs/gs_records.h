@@ -1,4 +1,4 @@
-// The GS's registers as bytes. Local memory is not among them.
+// Saving and restoring the GS's registers as bytes, without local memory.
 #pragma once
 
 #include "machine/gs_state.h"

@@ -41,7 +41,7 @@ struct HostPixel24 {
     }
 };
 
-/// Blue, green, red and a fourth byte that keeps its value; whole words, so that the loop vectorises.
+/// Blue, green, red, and a fourth byte that keeps its value. Whole words, so that the loop vectorises.
 struct HostPixel32 {
     static constexpr u32 bytes = 4;
     static constexpr bool wholePixel = false;
@@ -53,7 +53,7 @@ struct HostPixel32 {
     }
 };
 
-/// Stores four GS words as three bytes each, and four more bytes after them.
+/// Stores four GS words as three bytes each, and overwrites the four bytes after them.
 [[gnu::always_inline]] inline void storeFour24(u8* pixels, const u32* source) {
     u8 bytes __attribute__((vector_size(16)));
     std::memcpy(&bytes, source, sizeof bytes);
@@ -61,7 +61,7 @@ struct HostPixel32 {
     std::memcpy(pixels, &bytes, sizeof bytes);
 }
 
-/// Stores `count` GS words as host pixels beside each other.
+/// Stores `count` GS words as consecutive host pixels.
 template <typename HostPixel>
 void convertPixels(u8* destination, const u32* source, u32 count) {
     withVectors([=](auto words) __attribute__((always_inline)) {

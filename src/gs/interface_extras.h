@@ -1,5 +1,5 @@
-// Entry points and settings of the renderer that no program here uses: identification, keys, dialogs, the
-// screen mode, the log.
+// Entry points and settings of the renderer that no program here uses: identification, keys, dialogs,
+// switching the screen mode, the log.
 #pragma once
 
 #include "base/types.h"
@@ -17,9 +17,9 @@ void GSconfigure();  ///< reads the renderer's configuration again
 void GSabout();      ///< does nothing
 s32 GStest();        ///< 0
 
-void SaveConfig();      ///< writes conf to "$HOME/.PS2E/Gravelx.cfg"; says nothing when it cannot
+void SaveConfig();      ///< writes conf to "$HOME/.PS2E/Gravelx.cfg"; errors are ignored
 void DXclearScr();      ///< fills the display's surface with grey
-int DXswitchScrMode();  ///< closes, switches `fullscreen` over, opens again; DXopen's result
+int DXswitchScrMode();  ///< closes, toggles `fullscreen`, opens again; DXopen's result
 
 // The settings dialogs of other front ends; they do nothing here.
 void OnConf_Ok();
@@ -27,7 +27,7 @@ void OnConf_Cancel();
 void OnAbout_Ok();
 
 inline s32 Log = 0;                 ///< not 0: __Log writes
-inline std::FILE* gsLog = nullptr;  ///< where to; never opened here
+inline std::FILE* gsLog = nullptr;  ///< where to; not opened here
 
 /// Writes a printf-style text to gsLog.
 [[gnu::format(printf, 1, 2)]] void __Log(const char* format, ...);  // NOLINT(bugprone-reserved-identifier)

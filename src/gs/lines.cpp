@@ -1,4 +1,4 @@
-// Lines: Bresenham's walk from the first vertex up to, not including, the second.
+// Lines: Bresenham's algorithm from the first vertex up to, but not including, the second.
 #include "gs/drawing.h"
 #include "gs/local_memory.h"
 #include "gs/pixel_writers.h"
@@ -19,8 +19,8 @@ struct Axis {
         : position(from), end(to), step(to < from ? -1 : 1), extent(2 * std::abs(to - from)) {}
 };
 
-/// Walks the major axis a pixel at a time. A tie steps the minor axis only when the major one goes up, so a
-/// line and its reverse do not cover the same pixels.
+/// Steps along the major axis a pixel at a time. A tie steps the minor axis only if the major one ascends, so
+/// a line and its reverse do not cover the same pixels.
 template <class Write>
 void walk(Axis major, Axis minor, Write write) {
     countWork(major.extent / 2, 1);

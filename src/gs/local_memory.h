@@ -1,4 +1,4 @@
-// The addressing of local memory: one rule, every index wraps at the 4 MB.
+// Addressing of local memory: every index wraps at 4 MB.
 #pragma once
 
 #include "machine/machine.h"
@@ -22,13 +22,13 @@ constexpr bool overlap(WordRange a, WordRange b) {
             (a.first - b.first) % localMemoryWords < b.count);
 }
 
-/// `count` words from `first` on, or all of them when that is less.
+/// `count` words from `first` on, at most all of local memory.
 constexpr WordRange wordRange(u32 first, s64 count) {
     return {first, static_cast<u32>(std::clamp<s64>(count, 0, localMemoryWords))};
 }
 
-/// Calls use(words, first, run) for the stretches, each without a wrap, that make up the `count` words from
-/// `index` on: `words` points at the stretch, which holds `run` words, `first` of the `count` come before it.
+/// Calls use(words, first, run) for each contiguous run of the `count` words from `index` on: `words` points
+/// to its `run` words, and `first` words come before it.
 template <class Use>
 void forLocalRuns(u32 index, u32 count, Use use) {
     for (u32 first = 0; first < count;) {
@@ -39,18 +39,18 @@ void forLocalRuns(u32 index, u32 count, Use use) {
     }
 }
 
-/// Counts a rectangle of local memory as gone over; nothing for one that is empty or inside out.
+/// Counts a rectangle of local memory as work. A width or height of 0 or less counts nothing.
 inline void countWork(s64 width, s64 height) {
     if (width > 0 && height > 0) {
         Gs.work += static_cast<u64>(width * height);
     }
 }
 
-/// Word `index` of the current context's frame buffer, and of its depth buffer.
+/// Word `index` of the current context's frame buffer and depth buffer.
 inline u32& fBufUL(u32 index) { return localWord(Gs.gsfb().fbp + index); }
 inline u32& zBufUL(u32 index) { return localWord(Gs.zbuf().zbp + index); }
 
-/// The rows that local memory holds of a buffer `width` pixels wide; for width 0, as for width 1.
+/// How many rows of a buffer `width` pixels wide local memory holds. Width 0 counts as 1.
 constexpr u32 maxRowsOf(u32 width) { return width == 0 ? localMemoryWords : localMemoryWords / width; }
 
 }  // namespace tarn

@@ -12,7 +12,7 @@ namespace {
 
 using namespace pixel_format;
 
-/// A piece of local memory from a word on, taken as `count` entries.
+/// `count` entries from a word of local memory on.
 template <typename Entry, std::size_t count>
 std::array<Entry, count> entriesAt(u32 word) {
     std::array<Entry, count> entries;
@@ -29,8 +29,8 @@ std::array<Entry, count> entriesAt(u32 word) {
 Palette loadPalette(u32 textureFormat) {
     const GsTex0& tex0 = Gs.tex0();
     Palette palette{};
-    // CSM 1 palettes start at a pixel of a buffer CBW × 64 wide, in steps of 16 pixels. So do the 16-bit
-    // palettes of 8-bit textures, whatever CSM says.
+    // CSM 1 palettes start at a pixel of a buffer CBW × 64 wide, in steps of 16 pixels. So do 16-bit palettes
+    // of 8-bit textures, whatever CSM is.
     u32 source = tex0.cbp;
     if (tex0.csm == 1 || (textureFormat == PSMT8 && tex0.cpsm == PSMCT16)) {
         source += Gs.clut.cov * Gs.clut.cbw * 64 + Gs.clut.cou * 16;

@@ -14,11 +14,11 @@ constexpr bool isIndexed(u32 textureFormat) {
 
 using Palette = std::array<u32, 256>;
 
-/// The current palette as 32-bit colours, for a texture of the given format; black where the palette's own
-/// format is not known.
+/// The current palette as 32-bit colours, for a texture of the given format. All black if the palette's own
+/// format is unknown.
 Palette loadPalette(u32 textureFormat);
 
-/// The index that the current texture, an indexed one, has at a texel.
+/// The palette index at a texel of the current texture, which must be an indexed one.
 u32 textureIndex(u32 u, u32 v);
 
 }  // namespace tarn

@@ -9,8 +9,8 @@
 namespace tarn {
 namespace {
 
-/// The words that a conversion may read. A stretched one samples a column further right, and one word even of
-/// an empty rectangle.
+/// The words that a conversion may read. Stretching samples one column further right, and reads a word even
+/// of an empty rectangle.
 WordRange wordsOf(const GsPicture& picture) {
     const GsRectangle& rectangle = picture.rectangle;
     const s64 rows = std::max(rectangle.h, 1) - 1;
@@ -19,8 +19,8 @@ WordRange wordsOf(const GsPicture& picture) {
                      rows * picture.stride + rectangle.w + 2);
 }
 
-/// The rows of the frame or depth buffer at `base` that the current context can draw on. In a frame of width
-/// 0 vertices end up in column -1, and a flat triangle reaches a row below the scissor.
+/// The rows of the frame or depth buffer at `base` that the current context can draw to. With frame width 0
+/// vertices end up in column -1, and a flat triangle extends one row below the scissor.
 WordRange drawableWords(u32 base) {
     const GsScissor& scissor = Gs.scissor();
     const s64 stride = Gs.gsfb().fbw;
@@ -58,7 +58,7 @@ void DXupdate() {
     if (GsHost.pictureIntact && next == GsHost.picture) {
         return;
     }
-    // A picture of the same size covers all that is left to convert of the one before.
+    // A picture of the same size covers everything of the previous one that has not been converted.
     if (next.rectangle.w != GsHost.picture.rectangle.w || next.rectangle.h != GsHost.picture.rectangle.h) {
         presentPicture();
     }

@@ -1,7 +1,7 @@
-// Ends of a pixel: what becomes of its colour once its depth has let it through.
+// Pixel ends: what happens to a pixel's colour after the depth test has passed.
 //
-// An end stands on a pixel of a row, from start(x, y) on. One that has `vectors` says by stores(colours) for
-// each of some colours whether it is stored, as a mask of words, and may be told by count(mask) which were.
+// An end is positioned on a pixel of a row by start(x, y). If it supports `vectors`, stores(colours) returns
+// a mask of the colours that are stored, and count(mask), if there is one, counts those that were.
 #pragma once
 
 #include "gs/gs.h"
@@ -60,7 +60,7 @@ struct TestAlpha : Store {
     }
 };
 
-/// Whatever writer has been selected; the way of blended pixels.
+/// Calls the selected pixel writer, as blended pixels need.
 struct CallWriter {
     static constexpr bool vectors = false;
     u32 column = 0;
@@ -74,7 +74,8 @@ struct CallWriter {
     void step() { ++column; }
 };
 
-/// Calls draw(end) with the end that TEST and blending give the pixels of a source, and selects drawPixel.
+/// Calls draw(end) with the end that TEST and blending select for the pixels of a source. Also selects
+/// drawPixel.
 template <typename Source, typename Draw>
 void withPixelEnd(const Source& source, Draw draw) {
     selectPixelWriter();

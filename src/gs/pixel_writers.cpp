@@ -29,7 +29,7 @@ void countPixel(u32 x, u32 y, u32 colour) {
 template <AlphaTest test>
 constexpr PixelWriter counted = writeTested<test, countPixel>;
 
-/// As drawPixelT, but counting.
+/// Like drawPixelT, but counting pixels.
 constexpr std::array<PixelWriter, 9> countingWriters = {
     countPixel,
     _drawPixelA_F,
@@ -42,10 +42,10 @@ constexpr std::array<PixelWriter, 9> countingWriters = {
     counted<AlphaTest::NotEqual>,
 };
 
-/// The table that writers are taken from.
+/// The table from which writers are selected.
 const std::array<PixelWriter, 9>* writers = &drawPixelT;
 
-/// The colour word that ALPHA.A, B and D select.
+/// The colour that ALPHA.A, B or D selects.
 u32 blendInput(u32 select, u32 source, u32 destination) {
     switch (select) {
     case blendSource:
@@ -102,7 +102,7 @@ void _drawPixelBlend(u32 x, u32 y, u32 colour) {
         const s32 value = (((channel(a) - channel(b)) * c) >> 7) + channel(d);
         result |= static_cast<u32>(std::clamp(value, 0, 255)) << shift;
     }
-    drawPixel2(x, y, result);  // so an alpha test behind the blender always sees alpha 0
+    drawPixel2(x, y, result);  // so an alpha test after blending always sees alpha 0
 }
 
 void countPixels(bool on) { writers = on ? &countingWriters : &drawPixelT; }

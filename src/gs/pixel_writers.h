@@ -1,4 +1,4 @@
-// The pixel writers: the alpha test and the store that end a pixel, chosen once per drawing call.
+// The pixel writers: alpha test and store, selected once per drawing call.
 #pragma once
 
 #include "base/device_codes.h"
@@ -11,15 +11,15 @@ namespace tarn {
 /// Takes a frame-buffer position that the caller has clipped, and the colour word.
 using PixelWriter = void (*)(u32 x, u32 y, u32 colour);
 
-/// The colours that an alpha test lets through: those whose alpha (bits 24-31) is one of a range, which may
-/// go on from 255 to 0.
+/// The colours that pass an alpha test: those whose alpha (bits 24-31) is in a range, which may wrap from 255
+/// to 0.
 struct AlphaRange {
     u32 first = 0;            ///< the range's first alpha, in bits 24-31
     u32 extent = 0xFFFFFFFF;  ///< how far a colour may be above it
-    bool empty = false;       ///< if so, the others say nothing
+    bool empty = false;       ///< if so, the other fields are unused
 
     bool full() const { return extent == 0xFFFFFFFF && !empty; }
-    /// Of a colour, or of each of a vector; the range is not empty.
+    /// For a colour, or for each colour of a vector. The range must not be empty.
     template <typename Words>
     [[gnu::always_inline]] auto contains(const Words& colours) const {
         return colours - first <= extent;
@@ -27,7 +27,7 @@ struct AlphaRange {
     bool passes(u32 colour) const { return !empty && contains(colour); }
 };
 
-/// The range that a test against AREF (8 bits) lets through.
+/// The range that passes a test against AREF (8 bits).
 constexpr AlphaRange alphaRange(AlphaTest test, u32 reference) {
     const auto range = [](u32 low, u32 high) {
         return AlphaRange{.first = low << 24, .extent = (high - low) << 24 | 0xFFFFFF};
@@ -66,7 +66,7 @@ void _drawPixelA_NE(u32 x, u32 y, u32 colour);
 /// Blends the colour with the destination as ALPHA says and hands the result, its alpha 0, to drawPixel2.
 void _drawPixelBlend(u32 x, u32 y, u32 colour);
 
-/// The alpha-test writers: 0 without a test, else ATST + 1.
+/// The alpha-test writers: index 0 without a test, else ATST + 1.
 extern const std::array<PixelWriter, 9> drawPixelT;
 
 /// The current writer, and the one behind the blending writer.
@@ -79,7 +79,7 @@ void selectPixelWriter();
 /// Whether pixels of the current primitive go through the blending writer.
 bool blendingSelected();
 
-/// Whether every pixel has to go through its writer, to be counted.
+/// Whether pixels are counted, in which case each goes through its writer.
 bool pixelsAreCounted();
 
 }  // namespace tarn

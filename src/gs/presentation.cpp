@@ -1,4 +1,4 @@
-// The copies of the displayed rectangle to a host surface: four pixel formats, 1:1 or stretched.
+// Copying the displayed rectangle to a host surface: four pixel formats, 1:1 or stretched.
 #include "gs/display.h"
 #include "gs/host_pixels.h"
 #include "gs/local_memory.h"
@@ -21,7 +21,8 @@ struct Extent {
     s32 count;
 };
 
-/// A picture `size` pixels long, centred or cut on an axis `configured` long, of which `actual` exist.
+/// A picture `size` pixels long, centred or clipped on an axis `configured` pixels long, of which `actual`
+/// exist.
 Extent placed(s32 size, s32 configured, s32 actual) {
     const s32 length = std::min(size, configured);
     const s32 offset = (configured - length) / 2;
@@ -62,7 +63,7 @@ void copyPlain(u8* destination, const u32* source, const GsRectangle& rectangle,
     }
 }
 
-/// The columns of a source row that a part of each destination row samples, ascending.
+/// The columns of a source row that a block of a destination row samples, in ascending order.
 struct SampledColumns {
     static constexpr u32 most = 512;
     std::array<u32, most> columns;
@@ -78,7 +79,8 @@ using Samples = std::array<u32, SampledColumns::most>;
     return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(words));
 }
 
-/// Samples eight columns at a time, any eight of which lie within `reach` words. Returns how many are done.
+/// Samples eight columns at a time, any eight of which lie within `reach` words. Returns how many columns it
+/// did.
 template <u32 reach>
 [[gnu::target("avx2")]] u32 sampleVectors(Samples& samples, const u32* row, const SampledColumns& sampled) {
     const auto& columns = sampled.columns;
@@ -100,7 +102,7 @@ template <u32 reach>
 
 /// Samples the row of local memory that starts at index `start`.
 void sample(Samples& samples, u32 start, const SampledColumns& sampled) {
-    constexpr u32 reach = 16;  // so many words may be read from a sampled one on
+    constexpr u32 reach = 16;  // words that may be read from a sampled one on
     start &= localMemoryWords - 1;
     if (start + sampled.columns[sampled.count - 1] + reach > localMemoryWords) {
         for (u32 k = 0; k < sampled.count; ++k) {
@@ -122,8 +124,8 @@ void sample(Samples& samples, u32 start, const SampledColumns& sampled) {
     }
 }
 
-/// Steps are 16.16; destination pixel k of a row samples column x + 1 + k × step: the first is never column
-/// x. Columns are done in blocks, whose places in a source row are the same for all rows.
+/// Steps are 16.16. Destination pixel k of a row samples column x + 1 + k × step, so column x itself is never
+/// sampled first. Columns are processed in blocks, whose source columns are the same for all rows.
 template <typename HostPixel>
 void copyStretched(u8* destination, const u32* source, const GsRectangle& rectangle, s32 pitch) {
     if (!hasDestination()) {

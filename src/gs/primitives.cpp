@@ -1,4 +1,4 @@
-// The primitive entries: offset removal, clipping, texel coordinates and the choice of the routine.
+// Drawing of primitives: removing the offset, clipping, texel coordinates, and the choice of the routine.
 #include "gs/primitives.h"
 
 #include "base/device_codes.h"
@@ -30,7 +30,7 @@ struct ClipBounds {
     s32 height = static_cast<s32>(Gs.gsfb().maxRows);
 };
 
-/// A private copy of the first `count` vertices of the queue, without the drawing offset.
+/// A copy of the first `count` vertices of the queue, without the drawing offset.
 template <std::size_t count>
 std::array<GsVertex, count> takeVertices(const GsVertex* queue) {
     std::array<GsVertex, count> vertices;
@@ -42,8 +42,8 @@ std::array<GsVertex, count> takeVertices(const GsVertex* queue) {
     return vertices;
 }
 
-/// Moves a coordinate into the scissor, the far side last, and gives the texel that follows the move. The
-/// texel is wide so that nothing wraps before the final limit.
+/// Clamps a coordinate to the scissor, the far side last, and returns the texel moved accordingly. The texel
+/// has 64 bits so that it does not wrap before the final clamp.
 s64 clipToScissor(s32& coordinate, s32 first, s32 last, s64 texel) {
     if (coordinate < first) {
         texel += s64{first} - coordinate;
@@ -56,7 +56,7 @@ s64 clipToScissor(s32& coordinate, s32 first, s32 last, s64 texel) {
     return texel;
 }
 
-/// Limits to [0, size - 1], the far side last: in a frame of width 0 everything ends at -1.
+/// Clamps to [0, size - 1], the far side last: with size 0 the result is always -1.
 s32 clipToSize(s64 value, s32 size) {
     return static_cast<s32>(std::min(std::max<s64>(value, 0), s64{size} - 1));
 }
@@ -127,7 +127,7 @@ void primPoint(const GsVertex* vertices) {
         point.x < 0 || point.x >= bounds.width || point.y < 0 || point.y >= bounds.height) {
         return;
     }
-    // Points take no part in the pixel pipeline: no alpha test, no depth test.
+    // Points bypass the pixel pipeline: no alpha test, no depth test.
     fBufUL(static_cast<u32>(point.y) * Gs.gsfb().fbw + static_cast<u32>(point.x)) = Gs.rgba;
     pixelsWritten += pixelsAreCounted() ? 1 : 0;
 }

@@ -1,5 +1,4 @@
-// The vertex kick, the tables of primitive types and the set-up that every drawing routine relies
-// on.
+// The vertex kick, the tables of primitive types, and the set-up that every drawing routine relies on.
 #pragma once
 
 #include "machine/machine.h"
@@ -16,19 +15,20 @@ using PrimitiveRoutine = void (*)(const GsVertex* vertices);
 extern const std::array<s32, 8> primTableC;
 extern const std::array<PrimitiveRoutine, 8> primTable;
 
-/// The table that complete primitives are drawn through. An observer puts one of its own here, whose routines
+/// The table through which complete primitives are drawn. An observer replaces it by its own, whose routines
 /// call those of primTable.
 inline const std::array<PrimitiveRoutine, 8>* primitiveRoutines = &primTable;
 
-/// Counts the vertex just stored in the queue's slot primC; a completed primitive is drawn when `draws`
-/// (XYZ2, XYZF2) and the queue steps either way (XYZ3, XYZF3 as well).
+/// Counts the vertex just stored in the queue's slot primC. A completed primitive is drawn if `draws` is set
+/// (XYZ2, XYZF2); the queue advances either way (also for XYZ3, XYZF3).
 void vertexKick(bool draws);
 
-/// Step the queue after a strip's and after a fan's primitive.
+/// Advance the queue after a primitive of a strip or a fan.
 void stepGSvertex();
 void stepGSfanvertex();
 
-/// The entries of primTable: take the queue, which they leave as it is, and draw in the current context.
+/// The entries of primTable. They draw the queue's vertices in the current context and do not change the
+/// queue.
 void primPoint(const GsVertex* vertices);
 void primLine(const GsVertex* vertices);
 void primTriangle(const GsVertex* vertices);
@@ -38,10 +38,10 @@ void primNull(const GsVertex* vertices);  ///< does nothing
 /// Moves a vertex into the scissor rectangle and the frame buffer.
 void clipVertex(GsVertex& vertex);
 
-/// The same for a textured vertex, whose texel follows the moves that the scissor makes.
+/// The same for a textured vertex, whose texel follows where the scissor moves it.
 void clipVertexT(GsVertex& vertex);
 
-/// Sets u and v, in texels of the current texture, from s, t and q.
+/// Computes u and v, in texels of the current texture, from s, t and q.
 void STQtoUV(GsVertex& vertex);
 
 }  // namespace tarn

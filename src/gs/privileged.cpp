@@ -1,4 +1,4 @@
-// The privileged registers, which the guest reaches by address: display set-up, CSR, the field bit.
+// The privileged registers, which are memory-mapped: display set-up, CSR, the field bit.
 #include "base/bits.h"
 #include "base/device_codes.h"
 #include "gs/gs.h"
@@ -23,7 +23,7 @@ GsDispFb decodeDispFb(u64 value) {
 
 void writeDisplay(GsDisplay& display, u64 value) {
     Gs.magh = bits(value, 23, 4) + 1;
-    Gs.magv = bits(value, 59, 2) + 1;  // MAGV sits in bits 27-28 on the console; here in the upper word
+    Gs.magv = bits(value, 59, 2) + 1;  // bits 27-28 on the console
     display.width = (bits(value, 32, 12) + 1) / Gs.magh;
     display.height = (bits(value, 44, 11) + 1) / Gs.magv;
     if (Gs.smode2.int_ == 1 && Gs.smode2.ffmd == 1) {
@@ -62,7 +62,7 @@ void GSwrite64(u32 address, u64 value) {
 }
 
 void GSwrite32(u32 address, u32 value) {
-    // The other registers need their upper word and ignore half writes; DISPFB takes it as 0.
+    // The other registers need their upper word and ignore 32-bit writes; DISPFB takes it as 0.
     if (address == PMODE || address == DISPFB1 || address == DISPFB2) {
         GSwrite64(address, value);
     }

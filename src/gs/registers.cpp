@@ -1,4 +1,4 @@
-// The general registers: which bits become which field, and what a write does besides.
+// The general registers: decoding of fields, and the side effects of writes.
 #include "gs/registers.h"
 
 #include "base/bits.h"
@@ -11,7 +11,7 @@
 namespace tarn {
 namespace {
 
-// Decoders, one per register layout. Bases come out in words, widths in pixels.
+// Decoders, one per register layout. They return bases in words and widths in pixels.
 
 GsFrame decodeFrame(u64 value) {
     const u32 fbw = bits(value, 16, 6) * 64;
@@ -75,7 +75,7 @@ GsTex2 decodeTex2(u64 value) {
 
 GsClamp decodeClamp(u64 value) {
     return {
-        // Of the modes only the upper bit is kept: repeat and clamp are 0, both region modes 2.
+        // Only the upper bit of the modes is kept: repeat and clamp are 0, both region modes are 2.
         .wms = bits(value, 0, 2) & 2, .wmt = bits(value, 2, 2) & 2, .minu = bits(value, 4, 10),
         .maxu = bits(value, 14, 10),  .minv = bits(value, 24, 10),  .maxv = bits(value, 34, 10),
     };
@@ -168,9 +168,10 @@ GsTrxPos decodeTrxPos(u64 value) {
     };
 }
 
-// Writes that do more than decode.
+// Writes with side effects.
 
-/// The attributes that PRIM and PRMODE share, into the current record; its type stays. The queue restarts.
+/// Sets the attributes that PRIM and PRMODE share in the current record, but not its type. The queue
+/// restarts.
 void writeAttributes(u64 value) {
     GsPrim& prim = Gs.prim();
     prim.iip = bit(value, 3);
@@ -189,7 +190,7 @@ void writeBitBltBuf(u64 value) {
     Gs.srcbuf = decodeTransferBuf(value);
     Gs.dstbuf = decodeTransferBuf(value >> 32);
     if (Gs.dstbuf.bw == 0) {
-        // A width of 0 makes do with a fraction of the last one; the row bound stays that of width 0.
+        // A width of 0 uses a fraction of the last one; the row limit stays that of width 0.
         Gs.dstbuf.bw = Gs.ldbw / 32;
     } else {
         Gs.ldbw = Gs.dstbuf.bw;
@@ -245,7 +246,7 @@ void GSwrite(u64 value, u32 address) {
         break;
     case TEX2_1:
     case TEX2_2:
-        Gs._tex2[address - TEX2_1] = decodeTex2(value);  // a record of its own; TEX0 stays as it is
+        Gs._tex2[address - TEX2_1] = decodeTex2(value);  // stored separately; TEX0 does not change
         break;
     case XYOFFSET_1:
     case XYOFFSET_2:

@@ -1,4 +1,4 @@
-// The snapshot: local memory as a numbered BMP file.
+// Snapshots: local memory as a numbered BMP file.
 #include "base/file.h"
 #include "gs/gs.h"
 #include "gs/host_pixels.h"

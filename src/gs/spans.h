@@ -1,6 +1,6 @@
-// Span filling: the loop over a row's pixels, put together from a colour source (colour_sources.h,
-// texel_sources.h), a depth method (depth_methods.h) and an end for the pixel (pixel_ends.h). All three are
-// chosen once per primitive, so the loop itself branches on no state.
+// Span filling: the loop over a row's pixels, composed of a colour source (colour_sources.h,
+// texel_sources.h), a depth method (depth_methods.h) and a pixel end (pixel_ends.h). All three are chosen
+// once per primitive, so the loop does not branch on state.
 #pragma once
 
 #include "base/vectors.h"
@@ -14,8 +14,8 @@
 
 namespace tarn {
 
-/// Ends one pixel. A pixel that the depth test lets through updates the depth buffer whatever becomes of its
-/// colour, and after it: a guest may lay its buffers over each other.
+/// Finishes one pixel. If the depth test passes, the depth buffer is updated even if the colour is not
+/// stored, and after the colour: a guest's buffers may overlap.
 template <typename Depth, typename End>
 [[gnu::always_inline]] inline void endPixel(u32& pixel, u32& depthWord, u32 colour, Depth& depth, End& end) {
     if constexpr (!Depth::used) {
@@ -30,7 +30,7 @@ template <typename Depth, typename End>
     end.step();
 }
 
-/// Fills as many whole vectors of `words` pixels as `count` pixels hold, and returns the rest.
+/// Fills as many whole vectors of `words` pixels as fit in `count`, and returns how many pixels are left.
 template <u32 words, typename Source, typename Depth, typename End>
 [[gnu::always_inline]] inline u32 fillVectors(u32* pixels, u32* depths, u32 count, Source& source,
                                               Depth& depth, const End& end) {
@@ -65,8 +65,8 @@ template <u32 words, typename Source, typename Depth, typename End>
     return count - whole;
 }
 
-/// Fills `count` pixels that lie in one piece, from left to right. Several are worked out at a time only
-/// where no pixel of the run can change what a later one reads.
+/// Fills `count` contiguous pixels from left to right. Vectors are used only if no pixel of the run can
+/// change what a later one reads.
 template <u32 words, typename Source, typename Depth, typename End>
 [[gnu::always_inline]] inline void fillRun(u32* memory, u32 pixel, u32 depthWord, u32 count, Source& source,
                                            Depth& depth, End& end) {
@@ -110,8 +110,8 @@ struct SpanTarget {
     u32 width = Gs.gsfb().fbw;
 };
 
-/// Fills the pixels of row y from column x on, `words` at a time where that can be. The row is cut where the
-/// frame or the depth buffer passes the end of local memory, so that the loops need no mask.
+/// Fills the pixels of row y from column x on, `words` at a time where possible. The row is split where the
+/// frame or the depth buffer crosses the end of local memory, so that the loops need no mask.
 template <u32 words, typename Source, typename Depth, typename End>
 [[gnu::always_inline]] inline void fillSpan(const SpanTarget& target, s32 x, s32 y, s32 count, Source& source,
                                             Depth& depth, End& end) {

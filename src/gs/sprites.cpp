@@ -1,4 +1,4 @@
-// Sprites: rectangles given by two corners, flat, depth-tested or textured.
+// Sprites: rectangles given by two corners; flat, depth-tested or textured.
 #include "gs/drawing.h"
 #include "gs/local_memory.h"
 #include "gs/palette.h"
@@ -12,7 +12,7 @@ namespace {
 
 using namespace pixel_format;
 
-// Colour sources of textured sprites. Each is put at the first texel of a row and steps a texel a pixel.
+// Colour sources of textured sprites. Each starts at the first texel of a row and steps one texel per pixel.
 
 struct Indexed8Source {
     static constexpr bool constantAlpha = false;
@@ -53,8 +53,8 @@ struct Indexed4Source {
     void step() { ++column; }
 };
 
-/// Fills the rectangle between two corners. They are not put in order: a second corner left of or above the
-/// first leaves it empty.
+/// Fills the rectangle between two corners. Intentional: they are not ordered, so the rectangle is empty if
+/// the second corner is left of or above the first.
 template <typename Source, typename Depth, typename End>
 void fillRectangle(const GsVertex* corners, Source source, Depth depth, End end) {
     const SpanTarget target;
@@ -104,7 +104,7 @@ void drawSprite_Z(const GsVertex* vertices) {
         if constexpr (test == DepthTest::Always) {
             withPixelEnd(source, [&](auto end) { fillRectangle(vertices, source, depth, end); });
         } else {
-            // Where depth is compared, a sprite's pixels take no alpha test.
+            // With a depth test, a sprite's pixels have no alpha test.
             if (pixelsAreCounted()) {
                 fillRectangle(vertices, source, depth, StoreAndCount{});
             } else {

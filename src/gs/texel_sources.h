@@ -7,8 +7,7 @@
 
 namespace tarn {
 
-/// Multiplies the channels of texels with those of a colour: min(255, (texel × colour) >> 7), so 128 is
-/// unity.
+/// Multiplies the channels of texels by those of a colour: min(255, (texel × colour) >> 7), so 128 is unity.
 class TexelModulator {
   public:
     explicit TexelModulator(u32 colour) : even(colour & 0x00FF00FF), odd((colour >> 8) & 0x00FF00FF) {}
@@ -33,7 +32,7 @@ class TexelModulator {
         [[gnu::always_inline]] static Channels widen(u32 pair) {
             return bitCast<Channels>(pair + WordVector<count>{});
         }
-        /// The comparison is signed, since every processor has that one; the product is at most 508.
+        /// The comparison is signed because every processor has that one; the product is at most 508.
         [[gnu::always_inline]] static Channels multiply(const Channels& texel, const Channels& colour) {
             const auto product = bitCast<Signed>((texel * colour) >> 7);
             const Signed most = Signed{} + 255;
@@ -66,7 +65,7 @@ template <u32 count>
     return texels;
 }
 
-/// The nearest texel by truncation, as it is, whatever the texture's format.
+/// The nearest texel by truncation, as a 32-bit word whatever the texture's format.
 struct DecalSource {
     static constexpr bool constantAlpha = false;
     static constexpr u32 fewestForVectors = 16;
@@ -96,7 +95,7 @@ struct DecalSource {
         v += count * deltaV;
     }
 
-    /// From the lowest to the highest texel of the rectangle that the walk goes through.
+    /// From the lowest to the highest texel of the rectangle that the walk covers.
     WordRange reads(u32 count) const {
         const s64 lastU = static_cast<s32>(u) + s64{static_cast<s32>(deltaU)} * (count - 1);
         const s64 lastV = static_cast<s32>(v) + s64{static_cast<s32>(deltaV)} * (count - 1);
@@ -121,7 +120,7 @@ struct DecalSource {
         [[gnu::always_inline]] Words next() {
             const Words indexes = (rows + integerParts<count>(u)) % localMemoryWords;
             u += count * walk.deltaU;
-            if (walk.deltaV != 0) {  // upright rectangles, the most frequent case, stay on their texel row
+            if (walk.deltaV != 0) {  // upright rectangles, the most frequent case, stay on one texel row
                 v += count * walk.deltaV;
                 rows = walk.base + integerParts<count>(v) * walk.stride;
             }
@@ -150,7 +149,7 @@ struct ModulateSource : DecalSource {
     };
 };
 
-/// The source of sprites, a texel a pixel: always modulated, alpha too.
+/// The source of sprites, one texel per pixel. Always modulates, alpha included.
 struct TexelRowSource {
     static constexpr bool constantAlpha = false;
     static constexpr u32 fewestForVectors = 4;
@@ -160,8 +159,8 @@ struct TexelRowSource {
     u32 stride = Gs.tex0().tbw;
     u32 index = 0;
 
-    /// False for a row that starts beyond local memory: it ends the sprite. One that starts right at the end
-    /// is still drawn.
+    /// Returns false for a row that starts beyond local memory, which ends the sprite. A row that starts
+    /// exactly at the end is still drawn.
     bool startRow(s32 u, s32 v) {
         const u32 row = base + static_cast<u32>(v) * stride;
         index = row + static_cast<u32>(u);
@@ -171,7 +170,7 @@ struct TexelRowSource {
     void step() { ++index; }
     void advance(u32 count) { index += count; }
 
-    /// All of local memory for texels that wrap at its end: these are not worked out together.
+    /// All of local memory if the texels wrap at its end, so that no vectors are used.
     WordRange reads(u32 count) const {
         const bool wraps = index % localMemoryWords + count > localMemoryWords;
         return wraps ? WordRange{0, localMemoryWords} : WordRange{index, count};

@@ -11,7 +11,7 @@
 namespace tarn {
 namespace {
 
-/// Stores what the destination holds of `count` pixels beside each other from the cursor on.
+/// Stores those of `count` pixels, from the cursor to the right, that are inside the destination.
 void storeRow(const u8* data, u32 count) {
     const GsTransferBuf& buffer = Gs.dstbuf;
     if (Gs.imageY < 0 || static_cast<u32>(Gs.imageY) >= buffer.maxRows) {
@@ -29,9 +29,10 @@ void storeRow(const u8* data, u32 count) {
     }
 }
 
-/// The rule of TransferPixel for `count` pixels at once, row by row.
+/// TransferPixel for `count` pixels at once, row by row.
 void transferPixels(const u8* data, u32 count) {
-    // The rectangle's end is met exactly or not at all: a cursor beyond it goes all the way round.
+    // Intentional: the row ends only where the cursor equals its end; a cursor beyond the end wraps around
+    // first.
     const u32 endX = Gs.trxpos.dsax + Gs.imageW;
     const u32 endY = Gs.trxpos.dsay + Gs.imageH;
     while (count > 0) {
@@ -51,7 +52,7 @@ void transferPixels(const u8* data, u32 count) {
     }
 }
 
-/// A rectangle of one side of a copy; 64 bits, since the guest's sizes are any 32-bit numbers.
+/// One side of a copy. 64 bits, because the guest's sizes can be any 32-bit numbers.
 struct CopySide {
     s64 x;
     s64 y;
@@ -72,7 +73,7 @@ struct CopySide {
     }
 };
 
-/// Copies `width` words one by one, in the given direction, which decides what an overlapping copy leaves.
+/// Copies `width` words one by one in the given direction, which determines the result of overlapping copies.
 void copyRow(u32 destination, u32 source, u32 width, bool leftToRight) {
     destination %= localMemoryWords;
     source %= localMemoryWords;

@@ -1,6 +1,6 @@
-// Triangle set-up and the edge walk. A triangle is sorted by y and cut into a left and a right chain of
-// sections, listed from the bottom vertex upwards; the left edge carries the attributes, one row at a time.
-// Written once for all that any variant carries; coordinates and attributes are 16.16 unless stated.
+// Triangle set-up and edge walk. A triangle is sorted by y and split into a left and a right chain of
+// sections, listed from the bottom vertex upwards. The left edge carries the attributes from row to row. One
+// template handles all variants; coordinates and attributes are 16.16 unless stated.
 #pragma once
 
 #include "machine/machine.h"
@@ -12,13 +12,13 @@
 
 namespace tarn {
 
-/// What a variant carries along the left edge and steps per pixel.
+/// The attributes that a variant carries along the left edge and steps per pixel.
 struct TriangleVariant {
     bool texels = false;
     bool channels = false;
     bool depth = false;
 
-    /// Flat variants have no gradients but depth's, and so no lower limit on the width.
+    /// Flat variants have no gradient but depth's, and so no minimum width.
     constexpr bool flat() const { return !texels && !channels; }
 };
 
@@ -29,8 +29,7 @@ inline constexpr TriangleVariant variantFT_Z{.texels = true, .depth = true};
 inline constexpr TriangleVariant variantG{.channels = true};
 inline constexpr TriangleVariant variantGT = variantFT;  // a textured gouraud triangle carries no colour
 
-/// One vertex as the edge walk holds it. R, G and B are the colour's bits 16-23, 8-15 and 0-7, each held in
-/// bits 16-23.
+/// A vertex of the edge walk. R, G and B are the colour's bits 16-23, 8-15 and 0-7, each in bits 16-23.
 struct SectionVertex {
     s32 x;
     s32 y;  ///< an integer row
@@ -42,12 +41,12 @@ struct SectionVertex {
     s64 z;
 };
 
-/// Set-up and walk of one triangle; only what its variant carries is ever set.
+/// Set-up and walk of one triangle. Only the fields that its variant uses are set.
 struct TriangleEdges {
     std::array<SectionVertex, 3> vtx;
 
-    // The chains; element 0 is the bottom vertex. A section runs from the element at its index to the one
-    // below.
+    // The chains; element 0 is the bottom vertex. A section goes from the element at its index to the one
+    // below it.
     std::array<const SectionVertex*, 3> left_array;
     std::array<const SectionVertex*, 3> right_array;
     s32 left_section;
@@ -55,7 +54,7 @@ struct TriangleEdges {
     s32 left_section_height;  ///< rows left in the current section
     s32 right_section_height;
 
-    // The edges at the current row, and their steps a row.
+    // The edges at the current row, and their steps per row.
     s32 left_x, delta_left_x;
     s32 right_x, delta_right_x;
     s32 left_u, delta_left_u;
@@ -65,7 +64,7 @@ struct TriangleEdges {
     s32 left_B, delta_left_B;
     s64 left_z, delta_left_z;
 
-    // The steps a pixel, constant over the triangle.
+    // The steps per pixel, constant over the triangle.
     s32 delta_right_u;
     s32 delta_right_v;
     s32 delta_right_R;
@@ -77,7 +76,7 @@ struct TriangleEdges {
     s32 Ymax;  ///< the last row to draw
 };
 
-/// Where a 32-bit attribute stands in the records above.
+/// The members that hold a 32-bit attribute in the records above.
 struct TriangleAttribute {
     s32 SectionVertex::*value;
     s32 TriangleEdges::*left;
@@ -111,11 +110,11 @@ constexpr s64 shl10idiv64(s64 a, s64 b) {
     return product / b;
 }
 
-/// The same cut to 32 bits. The numerator is wide: a texel difference across a tall triangle needs more than
-/// 32 bits.
+/// The same truncated to 32 bits. The numerator has 64 because a texel difference across a tall triangle
+/// needs more than 32.
 constexpr s32 shl10idiv(s64 a, s32 b) { return wrapTo32(shl10idiv64(a, b)); }
 
-/// Starts the current section of the left chain and gives its height in rows, 0 when it is flat.
+/// Starts the current section of the left chain and returns its height in rows, 0 if it is flat.
 template <TriangleVariant variant>
 inline s32 LeftSection(TriangleEdges& edges) {
     const auto section = static_cast<std::size_t>(edges.left_section);
@@ -140,7 +139,7 @@ inline s32 LeftSection(TriangleEdges& edges) {
     return height;
 }
 
-/// The same for the right chain, which carries x alone.
+/// The same for the right chain, which carries only x.
 inline s32 RightSection(TriangleEdges& edges) {
     const auto section = static_cast<std::size_t>(edges.right_section);
     const SectionVertex& start = *edges.right_array[section];
@@ -175,7 +174,7 @@ inline SectionVertex sectionVertex(const GsVertex& vertex) {
     return result;
 }
 
-/// Starts the first section of a side that has a height, of those from `section` down. False when none has.
+/// Starts the first section of a side, from `section` down, that is not flat. Returns false if all are.
 template <typename Start>
 [[gnu::always_inline]] inline bool startSide(s32& section, Start start) {
     while (start() < 1) {
@@ -186,8 +185,8 @@ template <typename Start>
     return true;
 }
 
-/// Sets up the walk of three clipped vertices; false when the triangle is degenerate and nothing is to be
-/// drawn.
+/// Sets up the walk of three clipped vertices. Returns false if the triangle is degenerate, and nothing is to
+/// be drawn.
 template <TriangleVariant variant>
 inline bool SetupSections(TriangleEdges& edges, const GsVertex* vertices) {
     for (std::size_t i = 0; i < edges.vtx.size(); ++i) {
@@ -209,13 +208,13 @@ inline bool SetupSections(TriangleEdges& edges, const GsVertex* vertices) {
         return false;
     }
 
-    // The signed distance from the middle vertex to the long edge, at the middle vertex's row.
+    // The signed distance from the middle vertex to the long edge, in the middle vertex's row.
     const s32 frac = (middle->y - top->y) * 65536 / (bottom->y - top->y);
     s32 width = (top->x - middle->x) + ((bottom->x - top->x) >> 16) * frac;
     if (width == 0) {
         return false;
     }
-    // The middle vertex cuts the side that it lies on in two; the other is one section.
+    // The middle vertex splits its side into two sections; the other side is one section.
     const bool leftBroken = width > 0;
     const std::array straight{bottom, top, top};
     const std::array broken{bottom, middle, top};
@@ -250,7 +249,7 @@ inline bool SetupSections(TriangleEdges& edges, const GsVertex* vertices) {
     return true;
 }
 
-/// Starts the next section of a side whose current one has ended; true when there is none.
+/// Starts the next section of a side whose current one has ended. Returns true if there is none.
 template <TriangleVariant variant>
 [[gnu::noinline]] bool nextLeftSection(TriangleEdges& edges) {
     return --edges.left_section < 1 || LeftSection<variant>(edges) < 1;
@@ -259,7 +258,7 @@ template <TriangleVariant variant>
     return --edges.right_section < 1 || RightSection(edges) < 1;
 }
 
-/// Advances both edges by one row; true when the triangle is finished.
+/// Advances both edges by one row. Returns true when the triangle is finished.
 template <TriangleVariant variant>
 [[gnu::always_inline]] inline bool NextRow(TriangleEdges& edges) {
     if (--edges.left_section_height > 0) {

@@ -1,4 +1,4 @@
-// The eight triangle routines: the rows of the edge walk, filled from a colour source.
+// The eight triangle routines: fill the rows of the edge walk from a colour source.
 #include "gs/drawing.h"
 #include "gs/spans.h"
 #include "gs/texel_sources.h"

@@ -1,4 +1,4 @@
-// The vertex queue: when a primitive is complete, and what stays in the queue for the next one.
+// The vertex queue: when a primitive is complete, and which vertices stay for the next one.
 #include "base/device_codes.h"
 #include "gs/display.h"
 #include "gs/primitives.h"
@@ -8,8 +8,8 @@
 namespace tarn {
 namespace {
 
-/// Moves a vertex down one slot. Attributes that the primitive does not use stay with their slot, so a
-/// flat-shaded strip keeps no colour of its own.
+/// Moves a vertex down one slot. Attributes that the primitive does not use stay in their slot, so a
+/// flat-shaded strip does not keep a colour per vertex.
 void moveVertex(std::size_t to) {
     const GsVertex& from = Gs.gsvertex[to + 1];
     GsVertex& vertex = Gs.gsvertex[to];

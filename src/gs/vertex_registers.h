@@ -1,4 +1,4 @@
-// What the registers of a vertex do. Inline, since most of a display list writes no others.
+// Writes to the vertex registers. Inline because they are most of a display list.
 #pragma once
 
 #include "base/bits.h"
@@ -8,10 +8,10 @@
 
 namespace tarn {
 
-/// The queue's slot for the next vertex, which RGBAQ, ST and UV fill ahead of the XYZ write.
+/// The queue's slot for the next vertex, which RGBAQ, ST and UV fill before the XYZ write.
 inline GsVertex& pendingVertex() { return Gs.gsvertex[static_cast<u32>(Gs.primC)]; }
 
-// The registers' halves, bits 0-31 and 32-63, one by one.
+// Each takes the register's halves: bits 0-31 and bits 32-63.
 
 inline void writeRgbaq(u32 rgba, u32 q) {
     GsVertex& vertex = pendingVertex();
@@ -26,14 +26,14 @@ inline void writeSt(u32 s, u32 t) {
     vertex.t = std::bit_cast<f32>(t);
 }
 
-/// The texel's integer parts; the register holds 11.4 numbers.
+/// The integer parts of the texel; the register holds 11.4 numbers.
 inline void writeUv(u32 uv) {
     GsVertex& vertex = pendingVertex();
     vertex.u = static_cast<s32>(bits(uv, 4, 11));
     vertex.v = static_cast<s32>(bits(uv, 20, 11));
 }
 
-/// A position's integer parts, of 12.4 numbers, and what completes the vertex. XYZ3 and XYZF3 draw nothing.
+/// The integer parts of the position, from 12.4 numbers. Completes the vertex. XYZ3 and XYZF3 do not draw.
 inline void writeXyz(u32 xy, u32 z, bool draws) {
     GsVertex& vertex = pendingVertex();
     vertex.x = static_cast<s32>(bits(xy, 4, 12));

@@ -1,5 +1,5 @@
-// DMA, SIF and GS system calls. They reach the devices as a guest would, through the memory map, and run
-// the DMA controller at once so that a write has taken effect when the call returns.
+// DMA, SIF and GS system calls. They access devices as a guest does, through the memory map, and run the DMA
+// controller immediately, so that a write has taken effect when the call returns.
 #include "base/bits.h"
 #include "base/device_codes.h"
 #include "base/diagnostics.h"
@@ -32,7 +32,7 @@ u64 readDoubleword(u64 address) {
 
 }  // namespace
 
-/// a0: channel, a1: guest address of the handler. A channel without a slot registers nothing.
+/// a0: channel, a1: guest address of the handler. Channels that do not exist are ignored.
 void SYSCALL_AddDmacHandler() {
     if (logSyscall()) {
         printDiagnostic("|channel: %2lld, Address: 0x%8.8llx\n", static_cast<s64>(argument0()), argument1());
@@ -44,8 +44,8 @@ void SYSCALL_AddDmacHandler() {
     finishSyscall();
 }
 
-/// a0: channel. v0 is 1, or 0 when the channel's mask bit was set already. The mask bit replaces what D_STAT
-/// held; it is a 32-bit quantity, so channel 15 sign-extends and channels 16-31 have none.
+/// a0: channel. v0 is 1, or 0 if the channel's mask bit was already set. The mask bit replaces the value of
+/// D_STAT. It is a signed 32-bit value: that of channel 15 is sign-extended, and channels 16-31 have none.
 void SYSCALL__EnableDmac() {
     if (logSyscall()) {
         printDiagnostic("|Channel: %lld\n", static_cast<s64>(argument0()));
@@ -73,8 +73,8 @@ void SYSCALL_GsPutIMR() {
     finishSyscall();
 }
 
-/// a1: count of transfers; a list (a0) of one makes the DMA controller enter the guest's SIF0 handler after
-/// this instruction, once in a run. The list itself is not read.
+/// a1: number of transfers in the list at a0, which is not read. If it is 1, the DMA controller enters the
+/// guest's SIF0 handler after this instruction, once in a run.
 void SYSCALL_sceSifSetDma() {
     if (logSyscall()) {
         printDiagnostic("|A0\t= %llx, A1 = %llx \n", argument0(), argument1());
@@ -85,7 +85,8 @@ void SYSCALL_sceSifSetDma() {
     finishSyscall();
 }
 
-/// Starts channel 5 in chain mode; v0 is its control register afterwards, which also goes below the stack.
+/// Starts channel 5 in chain mode. v0 is its control register afterwards, which is also stored below the
+/// stack.
 void SYSCALL_sceSifSetDChain() {
     logSyscall();
     writeDoubleword(sif0Quadwords, 0);
@@ -99,7 +100,7 @@ void SYSCALL_sceSifSetDChain() {
     finishSyscall();
 }
 
-/// a0: the register, whatever it is.
+/// a0: the register. All read as 0.
 void SYSCALL_sceSifGetReg() {
     if (logSyscall()) {
         printDiagnostic("|a0=%llx\n", argument0());

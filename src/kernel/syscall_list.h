@@ -1,9 +1,9 @@
-// The list of system calls: number (low byte of v1), name and family. Both tables, the names in
-// the code and their declarations expand from it. Numbers that are not listed are unassigned.
+// The list of system calls: number (low byte of v1), name and family. The dispatch table, the table of names
+// and the declarations expand from it. Numbers that are not listed are unassigned.
 #pragma once
 
-// STOPS: not served, pauses the CPU. CONTINUES: has no effect. PUZZLES: has no effect and says so with a
-// second log line. WORKS: does something. The names are the kernel's own, misspellings included.
+// STOPS: not implemented, pauses the CPU. CONTINUES: has no effect. PUZZLES: has no effect, and logs a second
+// line that says so. WORKS: is implemented. The names are the kernel's own, misspellings included.
 // clang-format off
 #define TARN_SYSTEM_CALLS(STOPS, CONTINUES, PUZZLES, WORKS) \
     STOPS(0x00, RFU000_FullReset)             \

@@ -1,4 +1,4 @@
-// System calls that only log, the log lines themselves, and the heap, stack and semaphore calls.
+// System calls that only log, their log lines, and the heap, stack and semaphore calls.
 #include "kernel/syscalls.h"
 
 #include "base/diagnostics.h"
@@ -47,21 +47,21 @@ void SYSCALL_NI() {
     MipsCpu.pause = 1;
 }
 
-/// Stack set-up: the stack stays where it is.
+/// Stack set-up. Does not move the stack.
 void SYSCALL_RFU060() {
     logSyscall();
     MipsCpu.GPR[REG_V0].low = MipsCpu.GPR[REG_SP].low;
     finishSyscall();
 }
 
-/// Heap set-up: gives the end of the heap, its start (a0) plus its size (a1).
+/// Heap set-up: returns the end of the heap, its start (a0) plus its size (a1).
 void SYSCALL_RFU061() {
     logSyscall();
     MipsCpu.GPR[REG_V0].low = MipsCpu.GPR[REG_A0].low + MipsCpu.GPR[REG_A1].low;
     finishSyscall();
 }
 
-/// There is one semaphore: the first call gets 1, every later one 0. Its parameters (a0) are not read.
+/// There is one semaphore: the first call returns 1, every later one 0. The parameters (a0) are not read.
 void SYSCALL_CreateSema() {
     logSyscall();
     if (Ps2Bios.semaInUse == 0) {

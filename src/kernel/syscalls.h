@@ -1,4 +1,4 @@
-// The system calls by name, and what the families of calls that do no work have in common.
+// The system calls by name, and the handlers shared by calls that are not implemented.
 #pragma once
 
 #include "base/types.h"
@@ -8,24 +8,24 @@
 
 namespace tarn {
 
-/// Number of the call being served: the low byte of v1.
+/// Number of the current call: the low byte of v1.
 inline u8 syscallNumber() { return static_cast<u8>(MipsCpu.GPR[REG_V1].low); }
 
-/// Prints the standard log line (PC, name, number) whatever the settings say.
+/// Prints the standard log line (PC, name, number) whatever the settings are.
 void SYSCALL_PrintDebugInfo();
 
-/// Prints the standard log line when system calls are logged, and returns whether they are.
+/// Prints the standard log line if system calls are logged, and returns whether they are.
 bool logSyscall();
 
-/// Ends a call that was served: on to the next instruction.
+/// Ends a call by advancing PC.
 inline void finishSyscall() { MipsCpu.PC += 4; }
 
-/// The three handlers behind the calls that do no work.
+/// The handlers of calls that are not implemented.
 void stopAtSyscall();
 void passSyscall();
 void passPuzzlingSyscall();
 
-/// Unassigned numbers: prints its own line whatever the settings say, and pauses.
+/// The handler of unassigned numbers: prints a line whatever the settings are, and pauses.
 void SYSCALL_NI();
 
 #define TARN_STOPS(number, name) inline constexpr SyscallHandler SYSCALL_##name = stopAtSyscall;

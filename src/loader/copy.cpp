@@ -1,5 +1,5 @@
 // Reading the ELF header tables, and copying the program and the BIOS image into memory. The headers are not
-// trusted: work and memory are bounded by the files and the areas.
+// trusted: the sizes of the files and of the areas bound time and memory.
 #include "loader/copy.h"
 
 #include "base/diagnostics.h"
@@ -12,11 +12,11 @@
 namespace tarn {
 namespace {
 
-/// Sections must end before the last two bytes of main memory; segments may fill it.
+/// Intentional: sections must end before the last two bytes of main memory; segments may fill it.
 constexpr u32 segmentLimit = mainMemorySize;
 constexpr u32 sectionLimit = 0x1FFFFFE;
 
-/// Reads up to `size` bytes at the current position; returns how many there were.
+/// Reads up to `size` bytes at the current position. Returns how many it read.
 std::size_t readBytes(const FilePtr& file, void* destination, std::size_t size) {
     return file != nullptr ? std::fread(destination, 1, size, file.get()) : 0;
 }
@@ -27,7 +27,7 @@ void seek(const FilePtr& file, u32 position) {
     }
 }
 
-/// Reads one header; false, and the header as it was, when the file ends before it does.
+/// Reads a header. Returns false, and leaves the header unchanged, if the file ends within it.
 template <typename Header>
 bool readHeader(Header& header) {
     Header read;
@@ -38,7 +38,7 @@ bool readHeader(Header& header) {
     return true;
 }
 
-/// Reads a table of `count` headers at a file offset; returns how many were missing or had no room.
+/// Reads a table of `count` headers at a file offset. Returns how many were missing or did not fit.
 template <typename Header>
 u32 readTable(std::span<Header, elfTableEntries> table, u32 position, u32 count) {
     seek(Loader.ElfFile, position);
@@ -49,8 +49,8 @@ u32 readTable(std::span<Header, elfTableEntries> table, u32 position, u32 count)
     return errors;
 }
 
-/// Copies `size` bytes at a file offset to a main-memory offset; returns the number of errors. A part that
-/// would end beyond `limit` is skipped and is one error; a byte that the file does not have is one error.
+/// Copies `size` bytes at a file offset to a main-memory offset. Returns the number of errors: one for each
+/// byte that is missing from the file. A part that would end beyond `limit` is skipped and is one error.
 u64 copyPart(u32 position, u32 address, u32 size, u32 limit) {
     if (MipsMemory == nullptr || u64{address} + size > limit) {
         return 1;

@@ -1,4 +1,4 @@
-// The parts of an ELF32 file that the loader reads, little-endian as they lie in the file.
+// The parts of an ELF32 file that the loader reads, as they are in the file (little-endian).
 #pragma once
 
 #include "base/types.h"

@@ -1,4 +1,4 @@
-// Opening and closing the program's and the BIOS's file.
+// Opening and closing the files of the program and the BIOS.
 #include "loader/input_files.h"
 
 #include "base/diagnostics.h"
@@ -9,7 +9,7 @@
 namespace tarn {
 namespace {
 
-/// Length of a file in bytes, its position back at the start.
+/// The length of a file in bytes. Leaves its position at the start.
 long lengthOf(std::FILE* file) {
     std::fseek(file, 0, SEEK_END);
     const long length = std::ftell(file);

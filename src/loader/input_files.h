@@ -1,4 +1,4 @@
-// The program's and the BIOS's file, and the program's header tables.
+// The files of the program and the BIOS, and the program's header tables.
 #pragma once
 
 #include "base/file.h"
@@ -9,7 +9,7 @@
 
 namespace tarn {
 
-inline constexpr u32 elfTableEntries = 30;  ///< room in each header table; further headers are not used
+inline constexpr u32 elfTableEntries = 30;  ///< size of each header table; further headers are not used
 
 struct LoaderState {
     FilePtr ElfFile;
@@ -22,11 +22,11 @@ struct LoaderState {
 
 inline LoaderState Loader;
 
-/// Opens a file and reports its size; 1, or 0 with a message when it cannot be opened.
+/// Opens a file and reports its size. Returns 1, or 0 after a message if it cannot be opened.
 u8 ElfOpenFile(const char* path);
 u8 BiosOpenFile(const char* path);
 
-/// Close and report a file that is open; do nothing otherwise.
+/// Close a file, with a message. Do nothing if it is not open.
 void ElfCloseFile();
 void BiosCloseFile();
 

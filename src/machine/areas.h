@@ -13,7 +13,7 @@ inline constexpr u32 biosMemorySize = 0x400000;      ///< 4 MB
 inline constexpr u32 specialAreaFirst = 0x10000000;  ///< guest address
 inline constexpr u32 dmaRegisterBase = 0x8000;       ///< special-area offsets from here up are DMA registers
 
-/// The buffers, in bytes, little-endian; empty before start-up allocates them and after FreeAllMemory.
+/// The buffers, little-endian. Empty before start-up allocates them and after FreeAllMemory.
 struct MemoryAreas {
     Buffer main;
     Buffer special;

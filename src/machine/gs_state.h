@@ -220,10 +220,11 @@ struct GsDisplay {
     u32 height = 0;
 };
 
-/// All that the renderer remembers. Per-context arrays carry a leading underscore (index 0 is context 1); the
-/// function of the bare name gives the record of the current one.
+/// The state of the renderer. Arrays with an element per context have a leading underscore (index 0 is
+/// context 1); the function of the bare name returns the current context's record.
 struct GsState {
-    // Local memory, as bytes and as words; the same 4 MB. Every index into it is taken modulo its size.
+    // Local memory, as bytes and as words. All indexes are taken modulo its size. The cast is sound: nothing
+    // but words and bytes is ever stored there.
     Buffer vRam;
     u32* vRamUL() const { return reinterpret_cast<u32*>(vRam.begin()); }
 
@@ -260,7 +261,7 @@ struct GsState {
 
     // Drawing state without a context.
     std::array<GsPrim, 2> _prim{};
-    u32 currentPrim = 0;  ///< the _prim record that prac selected when it was written last
+    u32 currentPrim = 0;  ///< the _prim record selected by the last write to prac
     GsPrim& prim() { return _prim[currentPrim]; }
     u32 prac = 1;                        ///< PRMODECONT
     std::array<GsVertex, 3> gsvertex{};  ///< the queue
@@ -287,8 +288,7 @@ struct GsState {
     u32 imagePtr = 0;       ///< word index of the destination buffer, taken by the IMAGE tag
     u32 imageTransfer = 0;  ///< TRXDIR
 
-    /// Words of local memory that primitives and local moves have gone over so far. The host's own measure:
-    /// the guest cannot see it.
+    /// Words of local memory that primitives and local moves have covered so far. Not visible to the guest.
     u64 work = 0;
 
     // GIF.

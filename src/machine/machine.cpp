@@ -8,7 +8,7 @@
 namespace tarn {
 namespace {
 
-// What the guest finds in its registers. Intentional: the pointers are zero-extended.
+// Initial register values. Intentional: the pointers are zero-extended.
 constexpr u64 globalPointer = 0x81F80000;
 constexpr u64 stackPointer = 0x81F00000;
 constexpr u64 startStatus = 0x10900001;

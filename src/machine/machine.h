@@ -1,5 +1,5 @@
-// The emulated machine as one value. Everything that a run depends on is a member of it; the names by which
-// the rest of the system knows its parts are references to these members.
+// The emulated machine as one value: everything that a run depends on. The names that the code uses for its
+// parts are references to the members.
 #pragma once
 
 #include "machine/areas.h"
@@ -11,12 +11,12 @@
 
 namespace tarn {
 
-/// Counted from the start of the machine on.
+/// Totals since the machine started.
 struct MachineCounters {
-    u64 driverSteps = 0;  ///< completed ones; a step number names a moment of a run
+    u64 driverSteps = 0;  ///< completed; a step number identifies a moment of a run
     u64 verticalBlanks = 0;
     u64 dmaTransfers = 0;  ///< starts of DMA channel 2
-    u64 gifQuadwords = 0;  ///< that channel 2 has taken to the GS
+    u64 gifQuadwords = 0;  ///< that channel 2 has transferred to the GS
 };
 
 struct Machine {
@@ -26,12 +26,12 @@ struct Machine {
     MemoryAreas memory;
     MachineCounters counters;
 
-    /// The trace line of the last instruction that wrote one. Instructions that write none leave it, and it
-    /// is shown again.
+    /// The trace line of the last instruction that wrote one. It is shown again for instructions that write
+    /// none.
     std::array<char, 100> traceLine{};
 };
 
-/// The machine that runs.
+/// The running machine.
 extern Machine machine;
 
 inline MipsCpuRecord& MipsCpu = machine.cpu;
@@ -45,11 +45,11 @@ inline u64& nb_dma_transfert = machine.counters.dmaTransfers;
 inline u64& verticalBlanks = machine.counters.verticalBlanks;
 inline std::array<char, 100>& debugTempText = machine.traceLine;
 
-/// Puts every record back as at process start. Buffers stay allocated, and their contents as they are.
+/// Resets every record to its state at process start. Buffers stay allocated and keep their contents.
 void reset(Machine& target);
 
-/// Puts the registers and the vertical-blank countdown to what a program finds when it is started at `entry`,
-/// a guest address, and the counters to 0.
+/// Sets the registers and the vertical-blank countdown for the start of a program at `entry`, a guest
+/// address, and the counters to 0.
 void setStartState(Machine& target, u32 entry);
 
 }  // namespace tarn

@@ -15,7 +15,7 @@
 
 namespace tarn {
 
-/// Whether all bytes of a value of this type belong to it, so that it can be stored as it lies in memory.
+/// Whether a type has no padding, so that its bytes can be stored as they are in memory.
 template <typename T>
 inline constexpr bool hasNoPadding = std::has_unique_object_representations_v<T>;
 template <>
@@ -25,7 +25,7 @@ inline constexpr bool hasNoPadding<GsVertex> = sizeof(GsVertex) == 10 * sizeof(u
 template <typename T, std::size_t count>
 inline constexpr bool hasNoPadding<std::array<T, count>> = hasNoPadding<T>;
 
-/// Whether these fields, in this order, make up a record.
+/// Whether a record consists of these fields, in this order.
 template <typename Record, typename... Fields>
 consteval bool makeUp() {
     std::size_t end = 0;
@@ -59,8 +59,8 @@ void forEachGsField(State& gs, Visit&& visit) {
                 pmode, smode2, dspfbs, modes, currentCircuit, magh, magv, interlace);
 }
 
-/// Calls `visit` with each field of the machine: a value without padding, or a Buffer. The order is the same
-/// every time.
+/// Calls `visit` with each field of the machine, always in the same order: a value without padding, or a
+/// Buffer.
 template <typename MachineType, typename Visit>
 void forEachField(MachineType& source, Visit&& visit) {
     auto& [cpu, bios, gs, memory, counters, traceLine] = source;
@@ -115,7 +115,7 @@ struct FieldWriter {
     void operator()(const Buffer&) const {}
 };
 
-/// Sets each field that is not a buffer from the bytes that FieldWriter has made of all of them.
+/// Sets each field that is not a buffer from bytes written by FieldWriter.
 struct FieldReader {
     std::span<const u8> rest;
 

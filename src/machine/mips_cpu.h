@@ -19,10 +19,11 @@ enum class Stop : u8 {
     UnalignedAddress,
 };
 
-/// The state of the interpreted CPU. Zero at program start; start-up sets what the guest expects.
+/// The state of the CPU. Zero at process start; start-up sets what the guest expects.
 ///
-/// A register is read as its low doubleword; only LQ, LDL, SQ, SDL (general-purpose registers) and
-/// MULT1 (HI1 and LO1, the upper halves of HI and LO) touch the high one. r0 is an ordinary slot.
+/// On the described processor, instructions use the low doubleword of a register; only LQ, LDL, SQ, SDL
+/// (general-purpose registers) and MULT1 (HI1 and LO1, the upper halves of HI and LO) use the high one. r0 is
+/// an ordinary register.
 struct MipsCpuRecord {
     u32 opcode = 0;  ///< the instruction word being executed
     u8 pause = 0;    ///< 1: stopped, until F2 clears it
@@ -32,7 +33,7 @@ struct MipsCpuRecord {
     std::array<std::array<u64, 4>, 32> CP0{};  ///< by register number and select
     std::array<GuestValue, 32> FPR128{};       ///< bit images (low doubleword) of the FPU registers
     std::array<f32, 32> FPR32{};               ///< their single-precision values
-    std::array<u64, 32> FCR{};                 ///< only bit 23 of entry 31, the condition bit, is used
+    std::array<u64, 32> FCR{};                 ///< only entry 31 is used
     u32 ACC = 0;                               ///< floating-point accumulator, as a bit image (complete only)
     u64 SA = 0;                                ///< funnel shift amount in bytes (complete only)
     u64 cycle = 0;                             ///< MipsUpdateCpu calls so far, delay slots included
@@ -43,18 +44,18 @@ struct MipsCpuRecord {
     u64 stopCycle = 0;                         ///< `cycle` when an instruction stopped, because of `stop`
     Stop stop = Stop::None;
 
-    /// What the bit image of FPU register `number` is as a value.
+    /// The bit image of FPU register `number` as a value.
     f32 FPR128Ptr(u8 number) const { return std::bit_cast<f32>(static_cast<u32>(FPR128[number].low)); }
 
-    /// What the value of FPU register `number` is as a bit image. Intentional: it has eight bytes, so that
-    /// bits 32-63 are the value of the next register (0 after the last).
+    /// The value of FPU register `number` as a bit image. Intentional: it has eight bytes, so that bits 32-63
+    /// are the value of the next register (0 after the last).
     u64 FPR32Ptr(u8 number) const {
         const u64 next = number < 31 ? std::bit_cast<u32>(FPR32[number + 1U]) : 0;
         return next << 32 | std::bit_cast<u32>(FPR32[number]);
     }
 };
 
-/// Numbers of the registers that calls and messages name.
+/// Numbers of the registers that calls and messages use.
 enum RegisterNumber : u8 {
     REG_V0 = 2,
     REG_V1 = 3,

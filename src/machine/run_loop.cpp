@@ -1,4 +1,4 @@
-// The driver step and the loops over it.
+// The driver step, and loops over it.
 #include "machine/run_loop.h"
 
 #include "base/diagnostics.h"

@@ -1,4 +1,4 @@
-// Running the machine: one step, many steps, until something ends the run.
+// Running the machine: one step, many steps, or until a condition.
 #pragma once
 
 #include "base/types.h"
@@ -7,17 +7,17 @@
 
 namespace tarn {
 
-/// Whether driver steps do nothing: the CPU is paused, and the step in which that happened is over.
+/// Whether driver steps have no effect: the CPU is paused, and the step in which it paused is complete.
 bool machineRests();
 
-/// One driver step: an instruction, the DMA controller, vertical-blank pacing; nothing while the machine
-/// rests. False when the step is not over: a transfer to the GIF is too long for the time that one call may
-/// take, and the next call goes on with it.
+/// Makes a driver step: an instruction, the DMA controller, vertical-blank pacing. Does nothing while the
+/// machine rests. Returns false if a transfer to the GIF is too long for one call; the next call continues
+/// the step.
 bool driverStep();
 
-/// Up to `limit` driver steps, ending early after the one in which the CPU pauses or a pane changes, before
-/// one that runs are to end at, and within one whose transfer to the GIF goes on. Returns how many were
-/// completed.
+/// Makes up to `limit` driver steps. Stops early after one in which the CPU pauses or a pane changes, before
+/// one at which runs are to stop, and within one whose transfer to the GIF is not complete. Returns how many
+/// were completed.
 u64 runSteps(u64 limit);
 
 /// Where a run ends, as values of the machine's counters.
@@ -27,17 +27,17 @@ struct RunLimits {
 };
 
 enum class RunEnd : u8 {
-    None,  ///< nothing ends the run yet
+    None,  ///< not yet
     StepLimit,
     FrameLimit,
     Paused,       ///< the CPU paused
-    Interrupted,  ///< the caller said so
+    Interrupted,  ///< by the caller
 };
 
-/// What of the limits has been reached. When both have, the vertical blank counts.
+/// Which limit has been reached. If both have, the vertical blank takes precedence.
 RunEnd limitReached(const RunLimits& limits);
 
-/// Driver steps until a limit is reached, the CPU has paused, or `interrupted`, which is asked every few
+/// Makes driver steps until a limit is reached, the CPU pauses, or `interrupted`, which is called every few
 /// thousand steps, returns true. A machine that rests makes no step.
 RunEnd runUntil(const RunLimits& limits, bool (*interrupted)());
 

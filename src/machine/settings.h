@@ -5,7 +5,7 @@
 
 namespace tarn {
 
-/// All zero until TarnLoadConfig has run; a flag is on when it equals 1.
+/// All zero until TarnLoadConfig has run. A flag is on if it equals 1.
 struct TarnSettings {
     char ElfToExecute[256] = {};      ///< path of the guest program, zero-terminated
     u8 debug_op = 0;                  ///< 1: trace every instruction (F3 toggles it)
@@ -15,9 +15,9 @@ struct TarnSettings {
     u16 koGUI_MainScreenW = 0;        ///< width of MainScreen in pixels
     u16 koGUI_MainScreenH = 0;        ///< height of MainScreen in pixels
     u16 koGUI_MainScreenBPP = 0;      ///< bits per pixel of the window and of MainScreen
-    u16 koGUI_MainScreenStretch = 0;  ///< stored, but read by nothing: the renderer has its own copy
+    u16 koGUI_MainScreenStretch = 0;  ///< not used: the renderer has its own copy
 
-    // Opt-in keys: with 0 the program behaves as if they did not exist.
+    // Opt-in keys. 0 means that the program behaves as if the key did not exist.
     u32 stepsPerPoll = 0;  ///< "General:Steps_per_poll": more than 1 batches driver steps
     u32 frameRate = 0;     ///< "Video:Frame_rate": vertical blanks shown per second at most
     u8 console = 0;        ///< "General:Console": 1 passes on what the guest writes to its serial port

@@ -5,13 +5,13 @@
 
 namespace tarn {
 
-/// Each allocates one area, says so in the EmuOutput pane, and returns 1, or 0 when that failed.
+/// Each allocates an area, reports that in the EmuOutput pane, and returns 1, or 0 on failure.
 u8 MipsMemoryAlloc();
 u8 MipsSpecialAreaMemoryAlloc();
 u8 MipsGSAreaMemoryAlloc();
 u8 MipsBiosMemoryAlloc();
 
-/// Frees what is allocated of the four areas and says so.
+/// Frees those of the four areas that are allocated, and reports it.
 void FreeAllMemory();
 
 }  // namespace tarn

@@ -13,7 +13,7 @@
 namespace tarn {
 namespace {
 
-/// Whether an access of this width at `at` stays inside an area of `size` bytes.
+/// Whether an access of this width at offset `at` is inside an area of `size` bytes.
 bool holds(const u8* area, u32 size, u32 at, Width width) {
     return area != nullptr && at + bytesOf(width) <= size;
 }
@@ -31,7 +31,7 @@ void MipsSpecialMemWrite(u8* area, GuestValue value, Width width, u64 base, s32 
         writeToConsole(static_cast<char>(value.low));
         return;
     }
-    // The DMA controller sees every attempt, also one whose width is refused below.
+    // The DMA controller sees every attempt, including one whose width is refused below.
     if (at >= dmaRegisterBase) {
         Ps2Bios.dmaWritePending = 1;
         Ps2Bios.dmaWriteOffset = at;
@@ -52,7 +52,7 @@ void MipsSpecialMemRead(const u8* area, GuestValue* destination, Width width, u6
     } else {
         refuse("MemSpecial:Read DataType Not Handled\n");
     }
-    // A refused read is recorded too, with what the destination held.
+    // A refused read is recorded too, with the old value of the destination.
     if (at >= dmaRegisterBase) {
         Ps2Bios.dmaReadPending = 1;
         Ps2Bios.dmaReadOffset = at;
@@ -80,7 +80,7 @@ void MipsGSAreaMemWrite(u8*, GuestValue value, Width width, u64 base, s32 offset
 }
 
 void MipsGSAreaMemRead(const u8*, GuestValue* destination, Width width, u64 base, s32 offset) {
-    // The register is chosen by 32 bits of the address; the trace shows all 64.
+    // 32 bits of the address select the register; the trace shows all 64.
     const u64 address = base + static_cast<u64>(s64{offset});
     const auto trace = [&](const char* name) {
         if (Settings.debug_gs == 1) {

@@ -1,11 +1,11 @@
-// The last access that nothing served, for those who report a pause.
+// The last access that failed, for reports on a pause.
 #pragma once
 
 #include "base/types.h"
 
 namespace tarn {
 
-/// Not part of the machine: it says of a pause what the registers may no longer tell.
+/// Not part of the machine: it records what the registers may no longer show when the pause is reported.
 struct FailedAccess {
     u64 cycle = 0;  ///< MipsCpu.cycle after the instruction
     u32 pc = 0;

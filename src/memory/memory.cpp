@@ -1,4 +1,4 @@
-// Accesses outside main memory: dispatch to the other areas, and the messages of those that nothing serves.
+// Accesses outside main memory: dispatch to the other areas, and messages about unmapped addresses.
 #include "memory/memory.h"
 
 #include "base/device_codes.h"
@@ -14,13 +14,13 @@ namespace {
 
 constexpr bool isGsArea(u32 address) { return address - gsAreaFirst <= gsAreaLast - gsAreaFirst; }
 
-/// Whether an access got here for its width code alone, its address being one of main memory.
+/// Whether an access to main memory got here only because of its width code.
 template <Access access>
 bool isUnknownWidth(u32 address, Width width) {
     return bytesOf(width) == 0 && mainMemoryOffset<access>(address, 0) != notMainMemory;
 }
 
-/// After an access outside main memory: remembers it when it has paused the CPU.
+/// After an access outside main memory: remembers it if it has paused the CPU.
 void noteFailure(u32 address, Width width, bool isStore) {
     if (MipsCpu.pause != 0) {
         lastFailedAccess = {MipsCpu.cycle, static_cast<u32>(MipsCpu.PC), address, bytesOf(width), isStore};

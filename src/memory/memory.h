@@ -1,4 +1,4 @@
-// The two access functions that every load and store goes through, with the path to main memory inline.
+// The two functions that all loads and stores call, with the path to main memory inline.
 #pragma once
 
 #include "base/types.h"
@@ -9,16 +9,16 @@
 
 namespace tarn {
 
-/// The 32 bits of (base + offset) that the memory map looks at.
+/// The low 32 bits of (base + offset), which the memory map uses.
 constexpr u32 guestAddress(u64 base, s32 offset) {
     return static_cast<u32>(base + static_cast<u64>(s64{offset}));
 }
 
-/// Accesses outside main memory: devices, the BIOS image, and what is refused.
+/// Accesses outside main memory: devices, the BIOS image, and unmapped addresses.
 void writeOutsideMainMemory(GuestValue value, Width width, u64 base, s32 offset);
 void readOutsideMainMemory(GuestValue* destination, Width width, u64 base, s32 offset);
 
-/// Stores to the guest address (base + offset), low 32 bits. What cannot be served prints and pauses.
+/// Stores to the guest address (base + offset), low 32 bits. On failure prints a message and pauses.
 inline void MipsMemoryWrite(GuestValue value, Width width, u64 base, s32 offset) {
     const u32 at = mainMemoryOffset<Access::Store>(guestAddress(base, offset), bytesOf(width));
     if (at != notMainMemory && MipsMemory != nullptr && writeWidth(MipsMemory, at, value, width)) [[likely]] {
@@ -27,7 +27,8 @@ inline void MipsMemoryWrite(GuestValue value, Width width, u64 base, s32 offset)
     writeOutsideMainMemory(value, width, base, offset);
 }
 
-/// Loads from the guest address (base + offset), low 32 bits; on failure `destination` stays as it was.
+/// Loads from the guest address (base + offset), low 32 bits. On failure prints a message, pauses, and leaves
+/// `destination` unchanged.
 inline void MipsMemoryRead(GuestValue* destination, Width width, u64 base, s32 offset) {
     const u32 at = mainMemoryOffset<Access::Load>(guestAddress(base, offset), bytesOf(width));
     if (at != notMainMemory && MipsMemory != nullptr && readWidth(destination, MipsMemory, at, width))

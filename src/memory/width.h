@@ -5,7 +5,7 @@
 
 namespace tarn {
 
-/// A read of 4 bytes or less zero-extends to 64 bits; the other half of the register is left alone.
+/// A read of 4 bytes or less zero-extends to 64 bits and leaves the other half of the register unchanged.
 enum class Width : u8 {
     Quadword = 1,
     Doubleword = 2,

@@ -1,5 +1,5 @@
-// Copies between a buffer of guest memory and a guest value, one for each width. Guest and host are both
-// little-endian, and nothing is aligned. The caller checks bounds.
+// Copies between a buffer of guest memory and a guest value, for each width. Guest and host are both
+// little-endian; no alignment is needed. The caller checks bounds.
 #pragma once
 
 #include "base/types.h"
@@ -12,7 +12,7 @@ namespace tarn {
 
 static_assert(std::endian::native == std::endian::little, "guest memory is copied without swapping bytes");
 
-/// One value of type T at `buffer + offset`.
+/// Loads a value of type T from `buffer + offset`.
 template <typename T>
 T loadFrom(const u8* buffer, u32 offset) {
     T value;
@@ -48,7 +48,7 @@ inline void MipsMemoryReadB(GuestValue* destination, const u8* buffer, u32 offse
     destination->low = loadFrom<u8>(buffer, offset);
 }
 
-/// Stores the part of `value` that the width selects; false, and nothing stored, for an invalid code.
+/// Stores the part of `value` that the width selects. Returns false, and stores nothing, for an invalid code.
 inline bool writeWidth(u8* buffer, u32 offset, GuestValue value, Width width) {
     switch (width) {
     case Width::Quadword:
@@ -74,7 +74,7 @@ inline bool writeWidth(u8* buffer, u32 offset, GuestValue value, Width width) {
     return false;
 }
 
-/// Loads what the width selects into `destination`; false, and nothing changed, for an invalid code.
+/// Loads what the width selects into `destination`. Returns false, and changes nothing, for an invalid code.
 inline bool readWidth(GuestValue* destination, const u8* buffer, u32 offset, Width width) {
     switch (width) {
     case Width::Quadword:
