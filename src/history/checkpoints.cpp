@@ -129,8 +129,8 @@ std::size_t Checkpoints::bytesUsed() const {
     return bytes;
 }
 
-/// Removes checkpoints until the budget holds: each time the one whose gap is smallest for its distance from
-/// the last. The first and the last stay, so every step stays reachable.
+/// Removes checkpoints until the rest fit in the budget, each time the one with the smallest gap relative to
+/// its distance from the last. The first and the last stay, so every step can still be reached.
 void Checkpoints::thin() {
     while (list.size() > 2 && bytesUsed() > budget) {
         const u64 last = list.back().step;

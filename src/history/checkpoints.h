@@ -1,4 +1,4 @@
-// Checkpoints of the machine in memory. Pages that are equal in neighbouring checkpoints are stored once.
+// Checkpoints of the machine in memory. Pages that do not change between checkpoints are stored once.
 #pragma once
 
 #include "base/types.h"
@@ -10,7 +10,7 @@
 
 namespace tarn::history {
 
-/// Pages of 4 KB, counted by their users. Page 0 is all zeros and always there.
+/// Reference-counted pages of 4 KB. Page 0 is all zeros and never freed.
 class PagePool {
   public:
     static constexpr std::size_t pageBytes = 4096;
@@ -18,7 +18,7 @@ class PagePool {
 
     PagePool();
 
-    /// A copy of up to a page of bytes.
+    /// Adds a copy of up to a page of bytes.
     Number add(std::span<const u8> bytes);
     void share(Number page) { ++pages[page].users; }
     void release(Number page);
@@ -34,25 +34,25 @@ class PagePool {
     std::vector<Number> unused;
 };
 
-/// The checkpoints of one run, in the order of their steps: at least one, except before the first take().
+/// The checkpoints of a run, in the order of their steps. Not empty after the first take().
 class Checkpoints {
   public:
-    /// `bytes` bounds the memory taken, except for two checkpoints that are always kept. `shown`
-    /// is host memory, the picture, that is kept with the machine.
+    /// `bytes` bounds the memory used, but two checkpoints are always kept. `shown` is host memory, the
+    /// picture, that is saved with the machine.
     Checkpoints(std::size_t bytes, std::span<u8> shown) : budget(bytes), picture(shown) {}
 
     void clear();
     bool empty() const { return list.empty(); }
     u64 firstStep() const { return list.front().step; }
 
-    /// Adds a checkpoint of the machine as it is, unless there is one of this step.
+    /// Adds a checkpoint of the machine, unless there is one for this step.
     void take();
 
-    /// Puts the machine back to the last checkpoint at or before `step`, which must not be before the first,
-    /// and returns its step.
+    /// Restores the last checkpoint at or before `step`, which must not be before the first, and returns its
+    /// step.
     u64 restore(u64 step);
 
-    /// Puts it back to the last checkpoint before the `number`th vertical blank, or to the first.
+    /// Restores the last checkpoint before the `number`th vertical blank, or the first.
     void restoreBeforeBlank(u64 number);
 
     std::size_t bytesUsed() const;

@@ -7,7 +7,7 @@
 namespace tarn::history {
 namespace {
 
-/// Whether a run can lead to these records.
+/// Whether these are the records of a machine that some run leads to.
 bool isReachable(const Machine& machine) {
     const MipsCpuRecord& cpu = machine.cpu;
     const u64 gifEnd = machine.bios.gifAddress + u64{16} * machine.bios.gifQuadwords;

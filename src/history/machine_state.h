@@ -1,4 +1,4 @@
-// The machine's state as bytes: its records, and its buffers.
+// The machine's state as bytes: records and buffers.
 #pragma once
 
 #include "machine/machine.h"
@@ -8,21 +8,20 @@
 
 namespace tarn::history {
 
-/// The bytes of all records, without the buffers and without padding. Two machines with the same records have
-/// the same bytes.
+/// The bytes of all records, without buffers and padding. Equal for equal records.
 std::vector<u8> saveRecords(const Machine& source);
 
-/// How many that is.
+/// The number of these bytes.
 std::size_t recordBytes();
 
-/// Puts the records back; `bytes` are recordBytes() bytes that saveRecords has made.
+/// Restores records from recordBytes() bytes that saveRecords has made.
 void restoreRecords(Machine& target, std::span<const u8> bytes);
 
-/// The same for bytes of any origin. False, with the machine as it was, when no run can lead to what they
-/// say.
+/// The same for untrusted bytes. Returns false, and leaves the machine unchanged, if no run leads to these
+/// records.
 bool restoreForeignRecords(Machine& target, std::span<const u8> bytes);
 
-/// The machine's buffers; their contents are the rest of its state.
+/// The machine's buffers, whose contents are the rest of its state.
 std::vector<std::span<u8>> buffersOf(Machine& source);
 
 }  // namespace tarn::history

@@ -16,15 +16,15 @@ struct MemoryAccess {
 
 /// The load or store that the next driver step of a machine with this CPU makes.
 ///
-/// A step executes at most one: a taken branch or a jump runs its delay slot inside the same step, so the
-/// slot is looked at in its place. What system calls and the DMA controller do to memory is not foreseen.
+/// A step makes at most one: that of its instruction, or, if it is a taken branch or a jump, of its delay
+/// slot. Accesses by system calls and the DMA controller are not predicted.
 std::optional<MemoryAccess> nextMemoryAccess(const MipsCpuRecord& cpu);
 
-/// Where a load from `address`, or a store to it, ends up: the same for all views of one byte of the machine.
+/// Translates `address` to one that is the same for all views of a byte.
 u32 placeOf(u32 address, Access access);
 
-/// The aligned word that a byte lies in. The areas begin and end on words, and the memory map, which tests
-/// the start of an access, takes every word of main memory, but not every byte.
+/// The aligned word around a byte. Areas begin and end at words, and the memory map, which tests the start of
+/// an access, maps every word of main memory, but not every byte.
 constexpr u32 wordOf(u32 address) { return address & ~3U; }
 
 inline constexpr u32 biosFirst = 0x1FC00000;

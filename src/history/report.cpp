@@ -1,4 +1,4 @@
-// What single steps changed, and who wrote to an address.
+// Reports on what steps changed, and on what wrote to an address.
 #include "history/report.h"
 
 #include "base/diagnostics.h"
@@ -26,7 +26,7 @@ std::string format(const char* form, Values... values) {
     return text;
 }
 
-/// Traces steps into a text, and nowhere else, while it lives.
+/// Traces steps to a text only, while it exists.
 class TracedQuietly {
   public:
     TracedQuietly() {
@@ -44,7 +44,7 @@ class TracedQuietly {
     u8 former = Settings.debug_op;
 };
 
-/// The host's bytes behind a place, or none.
+/// The bytes at a place; empty outside main memory and the special area.
 std::span<const u8> bytesAt(u32 place, u32 length) {
     if (MipsMemory != nullptr && u64{place} + length <= mainMemorySize) {
         return {MipsMemory + place, length};
@@ -56,7 +56,7 @@ std::span<const u8> bytesAt(u32 place, u32 length) {
     return {};
 }
 
-/// Watched bytes, and what they held when they were looked at last.
+/// Watched bytes, and their values when last noted.
 class WatchedBytes {
   public:
     WatchedBytes(u32 address, u32 bytes)
@@ -64,12 +64,12 @@ class WatchedBytes {
         points.addWatchpoint({WatchKind::Write, address, bytes});
     }
 
-    /// The stores to them, as stops.
+    /// Stop points at stores to them.
     const StopPoints& stores() const { return points; }
     bool changed() const { return !std::equal(now.begin(), now.end(), before.begin()); }
     void note() { before.assign(now.begin(), now.end()); }
 
-    /// As a number, when it is short enough.
+    /// The bytes as a number, if there are few enough.
     std::string value() const {
         if (now.empty() || now.size() > 16) {
             return "(not shown)";
@@ -87,8 +87,8 @@ class WatchedBytes {
     std::vector<u8> before;
 };
 
-/// The last step before `end` that changes the bytes without a store instruction: the DMA controller's and
-/// the kernel's stores show in the values only.
+/// The last step before `end` that changes the bytes. Finds writes by the DMA controller and the kernel,
+/// which are not stores.
 std::optional<u64> lastChange(WatchedBytes& watched, u64 end) {
     std::optional<u64> last;
     const u64& now = machine.counters.driverSteps;
@@ -102,12 +102,12 @@ std::optional<u64> lastChange(WatchedBytes& watched, u64 end) {
     return last;
 }
 
-/// The last step before `end` that stores to the bytes, from the machine's position on.
+/// The last step from the machine's position to `end` that stores to the bytes.
 std::optional<u64> lastStore(Timeline& timeline, u32 address, u32 bytes, u64 end) {
     constexpr u64 stretch = 1 << 16;
     const u64& now = machine.counters.driverSteps;
     std::optional<u64> last;
-    std::optional<std::pair<u64, u64>> silent;  ///< a stretch behind `last` in which the bytes changed
+    std::optional<std::pair<u64, u64>> silent;  ///< an interval after `last` in which the bytes changed
     WatchedBytes watched(address, bytes);
     {
         const ActiveStops active(watched.stores());
@@ -134,7 +134,7 @@ std::optional<u64> lastStore(Timeline& timeline, u32 address, u32 bytes, u64 end
     return last;
 }
 
-/// What made a step that stored without a store instruction.
+/// What wrote in a step that is not a store.
 std::string writerName(u32 word) {
     if (r5900::majorOpcode(word) == 0 && r5900::functionCode(word) == 12) {
         return std::string("the kernel call ") + debug_syscall[MipsCpu.GPR[REG_V1].low & 0xFF];
@@ -177,7 +177,7 @@ std::string describeSteps(Timeline& timeline, u64 count, const symbols::SymbolTa
             const std::string place = symbols.describe(pc);
             text += format("%llu  ", machine.counters.driverSteps) + place + (place.empty() ? "" : "  ");
             makeStep();
-            // A refused fetch is traced by nobody.
+            // A failed fetch has no trace line.
             const std::string_view done = traced.text.finish();
             text += done.empty() ? format("%8.8llx (paused)", pc) : std::string(done);
             text += '\n';

@@ -1,4 +1,4 @@
-// What steps of the past changed, in words.
+// Reports on past steps.
 #pragma once
 
 #include "history/timeline.h"
@@ -10,20 +10,19 @@
 
 namespace tarn::history {
 
-/// The last `count` steps before the machine's position, a line each: step, place, what the instructions
-/// were, and what changed. The machine is left where it is.
+/// The last `count` steps before the machine's position, one per line: step, place, instructions, and
+/// changes. The machine is unchanged afterwards.
 std::string describeSteps(Timeline& timeline, u64 count, const symbols::SymbolTable& symbols);
 
-/// The address that a person means by a symbol, by a symbol and a distance ("table+0x20"), or by a
-/// hexadecimal number.
+/// Parses an address given as a symbol, a symbol plus an offset ("table+0x20"), or a hexadecimal number.
 std::optional<u32> addressNamed(std::string_view text, const symbols::SymbolTable& symbols);
 
 /// The step, the place and the values of the last store to `bytes` bytes from `address` on. The machine is
-/// left where it is.
+/// unchanged afterwards.
 std::string describeLastWrite(Timeline& timeline, u32 address, u32 bytes,
                               const symbols::SymbolTable& symbols);
 
-/// The step, the vertical blanks and the place that the machine is at.
+/// The machine's position: step, number of vertical blanks, and place.
 std::string describePosition(const symbols::SymbolTable& symbols);
 
 }  // namespace tarn::history

@@ -1,4 +1,4 @@
-// State files: a header, and the records and buffers compressed behind it.
+// State files: a header, then the compressed records and buffers.
 #include "history/state_file.h"
 
 #include "base/checksum.h"
@@ -19,7 +19,7 @@ namespace tarn::history {
 namespace {
 
 constexpr std::array<char, 8> magicWord = {'T', 'A', 'R', 'N', 'S', 'T', 'A', 'T'};
-constexpr u32 version = 1;  ///< to be raised whenever the list of fields changes
+constexpr u32 version = 1;  ///< increase it when the list of fields changes
 constexpr int compressionLevel = 1;
 constexpr std::size_t largestPicture = 256U << 20;
 constexpr std::size_t largestFile = 512U << 20;
@@ -41,7 +41,7 @@ std::size_t bufferBytes() {
     return bytes;
 }
 
-/// What is wrong with a header, or nothing.
+/// What is wrong with a header, or null.
 const char* complaintAbout(const Header& header, u64 program) {
     if (header.magic != magicWord) {
         return "it is not a saved state";
@@ -102,7 +102,7 @@ std::vector<u8> packState(u64 program, std::span<const u8> picture) {
     std::memcpy(bytes.data(), &header, sizeof header);
     const std::unique_ptr<ZSTD_CCtx, std::size_t (*)(ZSTD_CCtx*)> context(ZSTD_createCCtx(), ZSTD_freeCCtx);
     ZSTD_CCtx_setParameter(context.get(), ZSTD_c_compressionLevel, compressionLevel);
-    ZSTD_CCtx_setParameter(context.get(), ZSTD_c_checksumFlag, 1);  // which reading checks by itself
+    ZSTD_CCtx_setParameter(context.get(), ZSTD_c_checksumFlag, 1);  // checked by ZSTD_decompress
     std::vector<u8> block(ZSTD_CStreamOutSize());
     for (const std::span<const u8>& part : parts) {
         const ZSTD_EndDirective end = &part == &parts.back() ? ZSTD_e_end : ZSTD_e_continue;
@@ -132,7 +132,7 @@ std::optional<std::string> unpackState(std::span<const u8> bytes, u64 program, s
     bytes = bytes.subspan(sizeof header);
     const std::size_t expected = header.records + bufferBytes() + header.picture;
     const std::unique_ptr<u8[]> content = std::make_unique_for_overwrite<u8[]>(expected);
-    // A frame that holds more than fits is refused by the library.
+    // The library refuses a frame whose contents do not fit.
     const std::size_t size = ZSTD_decompress(content.get(), expected, bytes.data(), bytes.size());
     if (ZSTD_isError(size) != 0 || size != expected) {
         return "it is damaged";

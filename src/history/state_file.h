@@ -1,4 +1,4 @@
-// The machine's state in a file.
+// State files.
 #pragma once
 
 #include "base/types.h"
@@ -10,17 +10,17 @@
 
 namespace tarn::history {
 
-/// Stands for the program of a file: a checksum of its bytes; 0 when it cannot be read.
+/// Identifies the program in a file: a checksum of its bytes, or 0 if it cannot be read.
 u64 programIdentity(const char* path);
 
-/// The machine and `picture` as a file's bytes; none when the host has no memory for compressing them.
+/// The bytes of a state file of the machine and `picture`. Empty if there is no memory to compress them.
 std::vector<u8> packState(u64 program, std::span<const u8> picture);
 
-/// Makes the machine what the bytes of a file say; a picture of another size is left as it is. Returns what
-/// is wrong with the bytes, and changes nothing then.
+/// Restores the machine, and the picture if it has the same size, from the bytes of a state file. On failure
+/// returns what is wrong with the bytes, and changes nothing.
 std::optional<std::string> unpackState(std::span<const u8> bytes, u64 program, std::span<u8> picture);
 
-/// The bytes of a file of at most a sensible size, or the reason why there are none.
+/// Reads a file of limited size. Returns an error message on failure.
 std::optional<std::string> readStateFile(const char* path, std::vector<u8>& bytes);
 
 }  // namespace tarn::history

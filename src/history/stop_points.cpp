@@ -10,7 +10,7 @@
 namespace tarn::history {
 namespace {
 
-constexpr std::size_t pointLimit = 256;  ///< of each sort; each stop looks at every one of them
+constexpr std::size_t pointLimit = 256;  ///< of each kind; each stop tests all of them
 
 const StopPoints* activePoints = nullptr;
 
@@ -56,8 +56,7 @@ std::optional<WatchHit> StopPoints::watchHit(const MemoryAccess& access) const {
         const u64 first = placeOf(watchpoint.address, access.kind);
         const u64 end = first + watchpoint.length;
         if (accessFirst < end && first < accessEnd) {
-            // The debugger knows the watchpoint by the address it gave, not by the mirror that the guest
-            // used.
+            // Reported in the view in which the watchpoint was set, not in that of the access.
             const u64 touched = std::max(first, accessFirst) - first;
             return WatchHit{watchpoint.kind, static_cast<u32>(watchpoint.address + touched)};
         }

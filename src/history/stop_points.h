@@ -1,4 +1,4 @@
-// Breakpoints and watchpoints: what runs stop at, forwards and backwards.
+// Breakpoints and watchpoints, at which runs stop.
 #pragma once
 
 #include "base/types.h"
@@ -20,24 +20,24 @@ struct Watchpoint {
     friend bool operator==(const Watchpoint&, const Watchpoint&) = default;
 };
 
-/// A watchpoint and the watched byte that an access touches first.
+/// A watchpoint, and the first watched byte that an access touches.
 struct WatchHit {
     WatchKind kind = WatchKind::Write;
     u32 address = 0;
 };
 
-/// The points at which the machine is to stop. Bounded: a point too many is refused.
+/// The points at which the machine stops. Their number is limited.
 ///
-/// A breakpoint stops the machine before the driver step that begins at its address. The delay slot of a
-/// taken branch belongs to the branch's step, so a breakpoint on it is passed over unless the slot is reached
-/// by itself. A watchpoint stops it before the step that makes the access.
+/// A breakpoint stops the machine before a driver step that begins at its address. The delay slot of a taken
+/// branch is part of the branch's step, so a breakpoint on it has no effect unless the slot is reached by
+/// itself. A watchpoint stops before the step that makes the access.
 class StopPoints {
   public:
-    /// Adds a point; adding it again changes nothing. False when there are too many already.
+    /// Add a point; adding it again has no effect. Return false if there are too many.
     bool addBreakpoint(u32 address);
     bool addWatchpoint(const Watchpoint& watchpoint);
 
-    /// Removes a point; harmless when it is not there.
+    /// Remove a point, if it is there.
     void removeBreakpoint(u32 address);
     void removeWatchpoint(const Watchpoint& watchpoint);
 
@@ -46,13 +46,13 @@ class StopPoints {
     bool empty() const { return breakpoints.empty() && watchpoints.empty(); }
     bool breaksAt(u64 pc) const;
 
-    /// The watchpoint that the access touches, through whichever mirror of the memory it goes.
+    /// The watchpoint that an access touches, whichever views of memory they use.
     std::optional<WatchHit> watchHit(const MemoryAccess& access) const;
 
     /// The watchpoint that the next step hits.
     std::optional<WatchHit> nextWatchHit() const;
 
-    /// Whether the next step is one to stop at.
+    /// Whether to stop before the next step.
     bool stopHere() const { return breaksAt(MipsCpu.PC) || nextWatchHit(); }
 
   private:
@@ -62,7 +62,7 @@ class StopPoints {
     std::vector<Watchpoint> watchpoints;
 };
 
-/// While one lives, runs end at these points, which must not change. One at a time.
+/// While it exists, runs stop at these points, which must not change. Only one at a time.
 class ActiveStops {
   public:
     explicit ActiveStops(const StopPoints& points);
@@ -75,11 +75,11 @@ class ActiveStops {
     r5900::RunStops stops;
 };
 
-/// Runs the machine to `step`, or to before a step that runs end at. Pauses are lifted, as by a debugger that
+/// Runs the machine to `step`, or until before a step at which runs stop. Clears pauses, as a debugger that
 /// continues.
 void runTo(u64 step);
 
-/// Makes one step, whatever stops there are.
+/// Makes a step, ignoring stop points.
 void makeStep();
 
 }  // namespace tarn::history

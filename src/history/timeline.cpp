@@ -1,4 +1,4 @@
-// Running again from checkpoints.
+// Moving to any step of a run by running again from checkpoints.
 #include "history/timeline.h"
 
 #include "base/diagnostics.h"
@@ -17,7 +17,8 @@ using namespace std::chrono_literals;
 constexpr auto shortestInterval = 100ms;  ///< between two checkpoints
 constexpr int costFraction = 30;          ///< a checkpoint may take this fraction of the interval
 
-/// A way of more steps leaves a checkpoint so many before its end: going back one more is quick then.
+/// Going further than this takes a checkpoint `approach` steps before the end, so that the next step back is
+/// quick.
 constexpr u64 longWay = 1'000'000;
 constexpr u64 approach = 2'000;
 
@@ -30,12 +31,12 @@ constexpr u64 largestWindow = 1 << 26;
 void Timeline::begin() {
     checkpoints.clear();
     reached = 0;
-    checkpoints.take();  // which copies everything, and says nothing about the cost of the next ones
+    checkpoints.take();  // copies everything, so its cost is no measure for the next ones
     due = Clock::now() + shortestInterval;
 }
 
 void Timeline::takeTimed() {
-    const std::clock_t before = std::clock();  // processor time: other programs must not make gaps
+    const std::clock_t before = std::clock();  // processor time, so that other programs do not cause gaps
     checkpoints.take();
     const std::chrono::duration<double> cost(static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC);
     due = Clock::now() +
@@ -70,7 +71,7 @@ bool Timeline::goToBlank(u64 number) {
     checkpoints.restoreBeforeBlank(number);
     const bool within = blanks < number;
     while (blanks < number && now < reached) {
-        // No blank comes before the countdown is over.
+        // There is no blank before the countdown is over.
         runTo(std::min(reached, now + 1 + quietSteps()));
     }
     if (!within || blanks != number) {

@@ -1,4 +1,4 @@
-// Moving through a run: the machine at any step that it has passed, by running again from a checkpoint.
+// Moving the machine to any step of its run, by running again from a checkpoint.
 #pragma once
 
 #include "history/checkpoints.h"
@@ -11,35 +11,34 @@ namespace tarn::history {
 
 inline constexpr std::size_t defaultBudget = 512U << 20;  ///< bytes
 
-/// The history of a run. Positions are numbers of driver steps; the machine stands before the step of that
-/// number.
+/// The history of a run. A position is a number of driver steps made.
 class Timeline {
   public:
     /// `budget` is in bytes; see Checkpoints.
     Timeline(std::size_t budget, std::span<u8> picture) : checkpoints(budget, picture) {}
 
-    /// Forgets what was, and has history begin with the machine as it is.
+    /// Starts a new history at the machine's current state.
     void begin();
     bool begun() const { return !checkpoints.empty(); }
 
-    /// To be called from time to time while the machine runs: takes a checkpoint when one is due.
+    /// Takes a checkpoint if one is due. Call it from time to time while the machine runs.
     void look();
 
     u64 first() const { return checkpoints.firstStep(); }
 
-    /// The furthest step that the run has reached. What the machine says before that has been heard already.
+    /// The furthest step that the run has reached. Diagnostics of steps before it have already been printed.
     u64 furthest() const;
 
-    /// Puts the machine to a step from first() to furthest(), without a sound.
+    /// Moves the machine to a step from first() to furthest(), with diagnostics muted.
     void goTo(u64 step);
 
-    /// Puts the machine behind the step in which the `number`th vertical blank came. False, with the machine
-    /// where it was, when that is not in the history.
+    /// Moves the machine to after the step of the `number`th vertical blank. Returns false, and leaves the
+    /// machine where it was, if that is not in the history.
     bool goToBlank(u64 number);
 
-    /// The position that `scan` finds last, from first() to the machine's: `scan(end)` runs the machine to
-    /// `end` and returns the last position that it is looking for, if there is one. The machine is left
-    /// anywhere.
+    /// Searches from the machine's position back to first(). `scan(end)` runs the machine to `end` and
+    /// returns the last position of interest on the way, if any; so does searchBack. The machine's position
+    /// is undefined afterwards.
     std::optional<u64> searchBack(const std::function<std::optional<u64>(u64 end)>& scan);
 
     std::size_t count() const { return checkpoints.count(); }

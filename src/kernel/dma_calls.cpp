@@ -100,7 +100,7 @@ void SYSCALL_sceSifSetDChain() {
     finishSyscall();
 }
 
-/// a0: the register. All read as 0.
+/// a0: the register. All have the same value.
 void SYSCALL_sceSifGetReg() {
     if (logSyscall()) {
         printDiagnostic("|a0=%llx\n", argument0());

@@ -33,7 +33,7 @@ struct MipsCpuRecord {
     std::array<std::array<u64, 4>, 32> CP0{};  ///< by register number and select
     std::array<GuestValue, 32> FPR128{};       ///< bit images (low doubleword) of the FPU registers
     std::array<f32, 32> FPR32{};               ///< their single-precision values
-    std::array<u64, 32> FCR{};                 ///< only entry 31 is used
+    std::array<u64, 32> FCR{};                 ///< FCR0 and FCR31
     u32 ACC = 0;                               ///< floating-point accumulator, as a bit image (complete only)
     u64 SA = 0;                                ///< funnel shift amount in bytes (complete only)
     u64 cycle = 0;                             ///< MipsUpdateCpu calls so far, delay slots included

@@ -1,4 +1,4 @@
-// Pictures of the buffers that a command works with.
+// Pictures of the buffers that a command uses.
 #include "recording/buffer_picture.h"
 
 #include "gs/local_memory.h"
@@ -11,7 +11,7 @@
 namespace tarn::recording {
 namespace {
 
-/// A picture whose pixels are the words that colourOf(x, y) gives.
+/// A picture whose pixels are given by colourOf(x, y).
 template <typename ColourOf>
 Picture paint(u32 width, u32 height, ColourOf colourOf) {
     Picture picture{width, height, {}};

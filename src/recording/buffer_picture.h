@@ -1,4 +1,4 @@
-// Pictures of the buffers that a command works with.
+// Pictures of the buffers that a command uses.
 #pragma once
 
 #include "recording/command.h"
@@ -17,17 +17,16 @@ struct Picture {
 
 enum class BufferKind : u8 { Frame, Depth, Texture };
 
-/// How many rows of a frame buffer of the current context are shown: those that its scissor, or the display,
-/// lets be seen, and no more than local memory holds.
+/// How many rows of a frame buffer of the current context to show: those inside its scissor or on the
+/// display, and at most those that local memory holds.
 u32 shownRows();
 
 /// The frame buffer of the current context, its depth buffer in greys from the smallest to the largest depth
-/// in it, or the texture of the current context as a primitive of the command's kind takes it. Empty when
-/// there is none.
+/// in it, or its texture as a primitive of the command's kind uses it. Empty if there is none.
 Picture pictureOf(const Command& command, BufferKind buffer);
 
-/// The picture after the last command, or after command `at`. Returns why there is none, a sentence, or
-/// nothing.
+/// The picture after the last command, or after command `at`. Returns an error message, or an empty string on
+/// success.
 std::string takePicture(Reader& recording, std::optional<u64> at, BufferKind buffer, Picture& picture);
 
 }  // namespace tarn::recording

@@ -1,4 +1,4 @@
-// Values as bytes, one after another: appended to a vector, and taken off a span with every length checked.
+// Appending values to a vector of bytes, and taking them from a span of bytes with every length checked.
 #pragma once
 
 #include "base/types.h"
@@ -25,7 +25,7 @@ class ByteWriter {
         std::memcpy(raw.data(), &number, sizeof number);
         data(raw);
     }
-    /// Seven bits a byte, the lowest first; the last byte is below 0x80.
+    /// Seven bits per byte, lowest first; the last byte is below 0x80.
     void number(u64 rest) {
         for (; rest >= 0x80; rest >>= 7) {
             bytes.push_back(static_cast<u8>(rest | 0x80));
@@ -42,7 +42,7 @@ class ByteWriter {
     std::vector<u8>& bytes;
 };
 
-/// Once a value is not there as a whole, it and all later ones are 0 or empty, and the reader has failed.
+/// Once a value is incomplete, it and all later ones are 0 or empty, and the reader has failed.
 class ByteReader {
   public:
     explicit ByteReader(std::span<const u8> source) : rest(source) {}

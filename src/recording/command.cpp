@@ -1,4 +1,4 @@
-// What commands do, and where.
+// What commands change.
 #include "recording/command.h"
 
 #include "gs/gs.h"
@@ -38,7 +38,7 @@ Rectangle touchedArea(const Command& command) {
     for (GsVertex& vertex : vertices) {
         vertex.x -= static_cast<s32>(Gs.xyoffset().ofx);
         vertex.y -= static_cast<s32>(Gs.xyoffset().ofy);
-        // Only the vertices of textured surfaces may lie below row 1023.
+        // Only vertices of textured surfaces can be below row 1023.
         if (Gs.prim().tme == 1 &&
             (command.kind == CommandKind::Triangle || command.kind == CommandKind::Sprite)) {
             clipVertexT(vertex);
@@ -81,7 +81,7 @@ Rectangle transferArea(const Command& command) {
     Rectangle area{static_cast<s32>(Gs.trxpos.dsax), static_cast<s32>(Gs.trxpos.dsay), limited(Gs.imageW),
                    limited(Gs.imageH)};
     if (command.kind == CommandKind::Upload) {
-        // From the cursor's row on, as many rows as the pixels fill; the cursor may be anywhere.
+        // As many rows from the cursor's on as the pixels fill. The cursor may be anywhere.
         const u64 pixels = Gs.dstbuf.psm == 1 ? command.data.size() / 3 : command.data.size() / 4;
         const u32 width = std::max(Gs.imageW, u32{1});
         const u64 rows = (static_cast<u32>(Gs.imageX) - Gs.trxpos.dsax + pixels + width - 1) / width;

@@ -1,4 +1,4 @@
-// A command: one thing that happened to the GS, as replaying a recording finds it.
+// A command: something that happened to the GS, as seen when replaying a recording.
 #pragma once
 
 #include "machine/gs_state.h"
@@ -25,25 +25,25 @@ enum class CommandKind : u8 {
     VerticalBlank,
 };
 
-/// By CommandKind, as it is written in lists and on the command line.
+/// By CommandKind, as in lists and on the command line.
 inline constexpr std::array<std::string_view, 11> commandKindNames = {
     "point", "line",     "triangle", "sprite", "reserved", "upload",
     "move",  "register", "display",  "field",  "blank"};
 
 struct Command {
     u64 number = 0;  ///< from 1
-    u64 frame = 0;   ///< that it belongs to
+    u64 frame = 0;   ///< to which it belongs
     CommandKind kind = CommandKind::Reserved;
     u64 step = 0;
     const Place* place = nullptr;
     u32 address = 0;                     ///< of register accesses
     u64 value = 0;                       ///< of register writes
-    std::array<GsVertex, 3> vertices{};  ///< of primitives, as they were queued, so with the drawing offset
+    std::array<GsVertex, 3> vertices{};  ///< of primitives, as queued: with the drawing offset
     u32 vertexCount = 0;
     std::span<const u8> data{};  ///< of uploads
 
     bool isPrimitive() const { return kind <= CommandKind::Reserved; }
-    /// Whether it may change local memory.
+    /// Whether the command can change local memory.
     bool draws() const { return kind <= CommandKind::Move; }
     std::string_view kindName() const { return commandKindNames[static_cast<std::size_t>(kind)]; }
 };
@@ -60,7 +60,7 @@ struct Rectangle {
     }
 };
 
-/// What a buffer of pixels is in local memory.
+/// A buffer of pixels in local memory.
 struct PixelBuffer {
     u32 base = 0;   ///< word index
     u32 width = 0;  ///< words a row
@@ -68,24 +68,25 @@ struct PixelBuffer {
     friend bool operator==(const PixelBuffer&, const PixelBuffer&) = default;
 };
 
-// What follows is about a command that is about to be executed, with the GS as it finds it.
+// The following functions must be called before the command is executed.
 
-/// Does once more what the command does to the GS, of which some may have been changed before.
+/// Executes the command, possibly on a GS that has been modified.
 void executeAgain(const Command& command);
 
-/// The pixels of frame and depth buffer that a primitive may change.
+/// The pixels of the frame and depth buffer that a primitive can change.
 Rectangle touchedArea(const Command& command);
 
-/// Gives the current context the widest scissor that there is; the frame buffer's own size still counts.
+/// Sets the largest possible scissor in the current context. The frame buffer's size still limits drawing.
 void openScissor();
 
-/// The pixels that a primitive might change if its scissor were open, with those that it may change as it is.
+/// The pixels that a primitive could change with the largest scissor, including those that it can change with
+/// its own.
 Rectangle reachableArea(const Command& command);
 
-/// Where pixels of a command go: a primitive's frame buffer, the destination of an upload or a move.
+/// The buffer that a command draws to: a primitive's frame buffer, or the destination of an upload or a move.
 PixelBuffer targetOf(const Command& command);
 
-/// The part of its target that an upload or a move may change.
+/// The part of its target that an upload or a move can change.
 Rectangle transferArea(const Command& command);
 
 }  // namespace tarn::recording

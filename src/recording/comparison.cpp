@@ -1,5 +1,4 @@
-// Comparing two recordings: a checksum of each command of the one, and of what it changed, and then the
-// other.
+// Comparing two recordings, by checksums of each command and of what it changed.
 #include "recording/comparison.h"
 
 #include "base/checksum.h"
@@ -21,14 +20,14 @@ namespace {
 constexpr std::size_t shownPixels = 8;
 
 struct CommandSums {
-    u64 command = 0;  ///< of what the command is
-    u64 pixels = 0;   ///< of the pixels that it may have changed
+    u64 command = 0;  ///< of the command itself
+    u64 pixels = 0;   ///< of the pixels that it can have changed
 };
 
 u64 sumOf(const std::vector<u32>& words) { return checksumOf(bytesOfElements(words)); }
 
 void addArea(std::vector<u32>& words, const PixelBuffer& buffer, const Rectangle& area) {
-    // No area is larger than local memory, which every index is taken modulo of.
+    // Limited to the size of local memory, as indexes are taken modulo that.
     s64 left = localMemoryWords;
     for (s32 y = area.y; y < area.y + area.height && left > 0; ++y, left -= area.width) {
         for (s32 x = area.x; x < area.x + area.width; ++x) {
@@ -38,7 +37,7 @@ void addArea(std::vector<u32>& words, const PixelBuffer& buffer, const Rectangle
     }
 }
 
-/// Works out the sums of each command as it goes by.
+/// Computes the checksums of each command.
 class Summing : public Visitor {
   public:
     void before(const Command& command) override {
@@ -81,7 +80,7 @@ class Collecting : public Summing {
     std::vector<CommandSums> all;
 };
 
-/// Compares with what was collected, until the pixels differ.
+/// Compares with the collected checksums, until the pixels differ.
 class Comparing : public Summing {
   public:
     explicit Comparing(const std::vector<CommandSums>& other) : expected(other) {}
@@ -118,7 +117,7 @@ class Comparing : public Summing {
     const std::vector<CommandSums>& expected;
 };
 
-/// Goes to a command, and keeps lines of the list on the way.
+/// Replays to a command, keeping the last lines of the list.
 class Approach : public Visitor {
   public:
     Approach(std::optional<u64> mention, std::optional<u64> last) : wanted(mention), end(last) {}

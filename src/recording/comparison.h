@@ -1,4 +1,4 @@
-// Comparing two recordings of one program.
+// Comparing two recordings of a program.
 #pragma once
 
 #include "recording/recording_reader.h"
@@ -8,12 +8,12 @@
 namespace tarn::recording {
 
 struct Comparison {
-    std::string failure;  ///< what keeps one of them from being replayed, a sentence, or nothing
+    std::string failure;  ///< why one of them cannot be replayed, or empty
     bool same = false;
 };
 
-/// Prints the first command of which there is another in `second`, and the first one after which the pixels
-/// differ, with these. Driver steps and places in the program do not count.
+/// Prints the first command that differs in `second`, and the first one after which pixels differ, with these
+/// pixels. Driver steps and places in the program are not compared.
 Comparison compareRecordings(Reader& first, Reader& second, std::FILE* output);
 
 }  // namespace tarn::recording

@@ -1,4 +1,4 @@
-// A stream of bytes, compressed and then written as text.
+// A compressed stream of bytes, in base 64.
 #include "recording/deflated.h"
 
 #include <array>
@@ -14,7 +14,7 @@ void Deflated::StreamEnd::operator()(z_stream_s* ended) const {
 Deflated::Deflated() : stream(new z_stream{}) { deflateInit(stream.get(), Z_BEST_COMPRESSION); }
 
 void Deflated::deflate(std::span<const u8> bytes, bool last) {
-    // The library takes no constants, and does not write to them either.
+    // zlib's type is not const, but it does not write there.
     stream->next_in = const_cast<u8*>(bytes.data());
     stream->avail_in = static_cast<uInt>(bytes.size());
     int result = Z_OK;

@@ -1,4 +1,4 @@
-// A stream of bytes, compressed and then written as text.
+// A compressed stream of bytes, in base 64.
 #pragma once
 
 #include "base/object_bytes.h"
@@ -14,7 +14,7 @@ struct z_stream_s;
 
 namespace tarn::recording {
 
-/// Compresses what is added to it in zlib's format.
+/// Compresses in zlib's format.
 class Deflated {
   public:
     Deflated();
@@ -22,10 +22,10 @@ class Deflated {
     void add(std::span<const u8> bytes) { deflate(bytes, false); }
     void add(std::string_view text) { add(bytesOfElements(text)); }
 
-    /// The bytes so far; the last few may still be missing.
+    /// The number of bytes so far, possibly without the last few.
     std::size_t size() const { return compressed.size(); }
 
-    /// All of it in base 64.
+    /// The whole stream in base 64.
     std::string finish();
 
   private:

@@ -1,4 +1,4 @@
-// Commands in words.
+// Descriptions of commands.
 #include "recording/description.h"
 
 #include "gs/palette.h"

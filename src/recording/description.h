@@ -1,4 +1,4 @@
-// Commands in words.
+// Descriptions of commands.
 #pragma once
 
 #include "recording/command.h"
@@ -7,24 +7,24 @@
 
 namespace tarn::recording {
 
-// All are about the command that has just been executed, or is about to be.
+// The command must have just been executed, or be about to be.
 
-/// What the command is, with its vertices and the state that matters to it.
+/// The command with its vertices and the state that it uses.
 std::string describe(const Command& command);
 
-/// "drawSprites+0x44 (main.c:52) < main", as much as is known of where it was started.
+/// Where the command was started, "drawSprites+0x44 (main.c:52) < main", as far as known.
 std::string describePlace(const Command& command);
 
-/// The command with its number, step and place in front: a line of a list.
+/// A line of a list: number, step, place, and the command.
 std::string listLine(const Command& command);
 
-/// Lines with every field of the registers that matter to the command, each behind four blanks.
+/// Lines with all fields of the registers that the command uses, each indented by four spaces.
 std::string fullState(const Command& command);
 
-/// The command as a JSON object; with `full`, with the fields of these registers.
+/// The command as a JSON object, with the fields of these registers if `full`.
 std::string describeAsJson(const Command& command, bool full);
 
-/// The bits of a pixel in a format (PSM); 0 for one that there is not.
+/// Bits per pixel of a format (PSM); 0 if there is no such format.
 constexpr u32 formatBits(u32 psm) {
     switch (psm) {
     case 0x00:
@@ -50,7 +50,7 @@ constexpr u32 formatBits(u32 psm) {
     }
 }
 
-/// That as a text, or the number of an unknown format.
+/// The name of a format, or the number of an unknown one.
 std::string formatName(u32 psm);
 
 }  // namespace tarn::recording

@@ -1,9 +1,9 @@
-// The page on which one frame of a recording can be looked at.
+// The HTML page that shows a frame of a recording.
 //
-// Its data are two streams, compressed as browsers can decompress. One is the list of commands as JSON. The
-// other has the picture before the frame, a word a pixel, and then for each command with a picture: the
-// rectangle that it may reach, what becomes of each pixel there, as runs, and the new word of each that is
-// written. So the page knows all pictures, and the history of every pixel.
+// Its data are two streams, compressed in a format that browsers can decompress. One is the list of commands
+// as JSON. The other has the picture before the frame, one word per pixel, and then for each command that
+// draws: the rectangle that it can reach, the outcome of each pixel there, as runs, and the new word of each
+// written pixel. From these the page has all pictures, and the history of every pixel.
 #include "recording/frame_report.h"
 
 #include "base/object_bytes.h"
@@ -24,7 +24,7 @@ namespace tarn::recording {
 namespace {
 
 constexpr std::size_t largestPictures = 3 << 20;  ///< bytes, compressed
-constexpr std::size_t mostPixels = 64 << 20;      ///< that outcomes are kept of
+constexpr std::size_t mostPixels = 64 << 20;      ///< whose outcomes are kept
 constexpr u64 mostCommands = 20'000;
 
 /// The part of a frame buffer that the page shows.
@@ -51,7 +51,7 @@ struct Canvas {
     }
 };
 
-/// Finds the frame to show, and in it the frame buffer that most primitives go to.
+/// Finds the frame to show, and the frame buffer in it to which most primitives are drawn.
 class FrameChoice : public Visitor {
   public:
     explicit FrameChoice(std::optional<u64> asked) : wanted(asked) {}
@@ -159,7 +159,7 @@ class Collector : public Visitor {
 
     u64 listed = 0;
     u64 withPictures = 0;
-    u64 left = 0;  ///< commands that are not listed
+    u64 left = 0;  ///< number of commands that are not listed
 
   private:
     static bool isListed(const Command& command) {
@@ -217,7 +217,7 @@ class Collector : public Visitor {
         pictures.add(bytes);
     }
 
-    /// The rectangle of the canvas in which the pixels are not what they were.
+    /// The bounding rectangle of the changed pixels of the canvas.
     Rectangle changedArea() const {
         s32 left_ = static_cast<s32>(canvas.width);
         s32 top = static_cast<s32>(canvas.height);
@@ -237,7 +237,7 @@ class Collector : public Visitor {
         return {left_, top, right - left_, bottom - top};
     }
 
-    /// n number, k kind, t text, w where, s state, v vertices when they lie on the canvas.
+    /// n number, k kind, t text, w where, s state, v vertices if they are on the canvas.
     void addText(const Command& command) {
         std::string text = listed == 0 ? "[" : ",";
         text += format("{\"n\":%llu,\"step\":%llu,\"k\":", command.number, command.step) +

@@ -1,4 +1,4 @@
-// The page on which one frame of a recording can be looked at.
+// The HTML page that shows a frame of a recording.
 #pragma once
 
 #include "recording/recording_reader.h"
@@ -8,8 +8,8 @@
 
 namespace tarn::recording {
 
-/// Writes an HTML page about a frame, or about the last one that draws primitives. Returns why there is none,
-/// a sentence, or nothing.
+/// Writes the page of a frame, or of the last one that draws primitives. Returns an error message, or an
+/// empty string on success.
 std::string writeReport(Reader& recording, std::optional<u64> frame, std::FILE* output);
 
 }  // namespace tarn::recording

@@ -1,4 +1,4 @@
-// The list of what is not done, and how a command shows that it asks for it.
+// The list of unsupported features, and how to recognise commands that use them.
 #include "recording/ignored_features.h"
 
 #include "base/bits.h"
@@ -38,7 +38,7 @@ bool leavesTexture(const Command& command) {
 
 constexpr bool isWholeWord(u32 psm) { return formatBits(psm) >= 24; }
 
-/// Of primitives.
+/// Features of primitives.
 constexpr Feature ofPrimitives[] = {
     {"fog (FGE) has no effect", [](const Command&) { return Gs.prim().fge == 1; }},
     {"anti-aliasing (AA1) has no effect", [](const Command&) { return Gs.prim().aa1 == 1; }},
@@ -113,7 +113,7 @@ constexpr Feature ofPrimitives[] = {
      [](const Command& c) { return c.kind == CommandKind::Reserved; }},
 };
 
-/// Of other commands.
+/// Features of other commands.
 constexpr Feature ofOthers[] = {
     {"a palette is read where TEX0 says when it is used: TEX2 has no effect",
      [](const Command& c) { return c.address == gs_register::TEX2_1 || c.address == gs_register::TEX2_2; }},
@@ -121,7 +121,7 @@ constexpr Feature ofOthers[] = {
      [](const Command& c) { return c.address == gs_register::TRXDIR && bits(c.value, 0, 2) == 1; }},
     {"there is no such register as the one written to",
      [](const Command& c) {
-         constexpr u32 textureFlush = 0x3F;  // nothing is cached that would have to be flushed
+         constexpr u32 textureFlush = 0x3F;  // there is no texture cache to flush
          return c.kind == CommandKind::Register && layoutOf(c.address) == nullptr &&
                 c.address != textureFlush;
      }},

@@ -1,4 +1,4 @@
-// What a program asks of the GS that the GS here does not do.
+// Features of the GS that a program uses and that are not emulated.
 #pragma once
 
 #include "recording/command.h"
@@ -9,13 +9,13 @@
 
 namespace tarn::recording {
 
-/// Looks at commands one after another, and tells of each feature once.
+/// Collects the features that commands use.
 class IgnoredFeatures {
   public:
-    /// To be called when the command has been executed.
+    /// Call it after the command has been executed.
     void look(const Command& command);
 
-    /// A sentence for each, with the first command that asks for it, in the order of these.
+    /// A sentence for each feature with the first command that uses it, in the order of these commands.
     const std::vector<std::string>& warnings() const { return sentences; }
 
   private:

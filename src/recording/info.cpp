@@ -1,4 +1,4 @@
-// What a recording contains, as a whole.
+// A summary of a recording.
 #include "recording/info.h"
 
 #include "gs/gs.h"
@@ -19,7 +19,7 @@
 namespace tarn::recording {
 namespace {
 
-/// Pixels are counted while one lives.
+/// Counts pixels while it exists.
 class CountedPixels {
   public:
     CountedPixels() { countPixels(true); }
@@ -36,7 +36,7 @@ class CountedPixels {
 using Texture = std::tuple<u32, u32, u32, u32, u32>;  // TBP0, TBW, PSM, width, height
 using PaletteKey = std::tuple<u32, u32, u32>;         // CBP, CPSM, CSM
 
-/// Prints the items that most primitives have used, and how many there are besides.
+/// Prints the items that most primitives use, and how many others there are.
 template <typename Key, typename Describe>
 void printMostUsed(const std::map<Key, u64>& uses, std::FILE* output, Describe describeKey) {
     constexpr std::size_t shown = 12;

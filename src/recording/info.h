@@ -1,4 +1,4 @@
-// What a recording contains, as a whole.
+// A summary of a recording.
 #pragma once
 
 #include "recording/recording_reader.h"
@@ -7,7 +7,7 @@
 
 namespace tarn::recording {
 
-/// Prints it. Returns what keeps the recording from being replayed, a sentence, or nothing.
+/// Prints the summary. Returns why the recording cannot be replayed, or an empty string.
 std::string printInfo(Reader& recording, std::FILE* output);
 
 }  // namespace tarn::recording

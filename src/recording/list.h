@@ -12,13 +12,13 @@ namespace tarn::recording {
 
 struct ListOptions {
     std::optional<u64> frame;
-    std::set<CommandKind> kinds;  ///< all but writes to registers and reads of the field when empty
+    std::set<CommandKind> kinds;  ///< empty: all but register writes and reads of the field
     bool full = false;            ///< with every field of the registers
     bool json = false;
 };
 
-/// Prints the commands, a line each or as a JSON array. Returns what keeps the recording from being replayed,
-/// a sentence, or nothing; damage is left to the reader.
+/// Prints the commands, one per line or as a JSON array. Returns why the recording cannot be replayed, or an
+/// empty string. Damage is reported by the reader, not here.
 std::string printList(Reader& recording, const ListOptions& options, std::FILE* output);
 
 }  // namespace tarn::recording

@@ -1,4 +1,4 @@
-// The GS at a moment, to go back to.
+// Saving and restoring parts of the GS.
 #include "recording/moment.h"
 
 #include "gs/local_memory.h"
@@ -12,7 +12,7 @@ namespace {
 
 constexpr Stretch allOfMemory{0, localMemoryWords};
 
-/// Copies the GS's records, for which local memory does not count.
+/// Copies the GS's state without local memory.
 void copyRecords(GsState& to, const GsState& from) {
     Buffer memory = std::move(Gs.vRam);
     to = from;
@@ -26,7 +26,7 @@ std::vector<Stretch> stretchesOf(const Command& command, const Rectangle& area) 
     if (!command.isPrimitive()) {
         return {allOfMemory};
     }
-    // Wider than the rows by a pixel at both ends: a vertex may be clipped to column -1.
+    // One pixel more at both ends, because a vertex may be clipped to column -1.
     const u64 count = u64{buffer.width} * static_cast<u32>(area.height) + 2;
     if (area.height <= 0 || count >= localMemoryWords) {
         return {allOfMemory};

@@ -1,4 +1,4 @@
-// The GS at a moment, to go back to.
+// Saving and restoring parts of the GS.
 #pragma once
 
 #include "machine/gs_state.h"
@@ -9,7 +9,7 @@
 
 namespace tarn::recording {
 
-/// A stretch of local memory, which may go on at its beginning.
+/// A range of local memory, which may wrap.
 struct Stretch {
     u32 first = 0;
     u32 count = 0;
@@ -17,19 +17,19 @@ struct Stretch {
     bool contains(u32 index) const { return (index - first) % localMemoryWords < count; }
 };
 
-/// The stretches of local memory that a command may change: the rows of frame and depth buffer that `area`
-/// goes over, or all of it.
+/// The ranges of local memory that a command can change: the rows of the frame and depth buffer in `area`, or
+/// everything.
 std::vector<Stretch> stretchesOf(const Command& command, const Rectangle& area);
 
 class Moment {
   public:
-    /// Keeps the registers of the GS as they are, and stretches of local memory.
+    /// Saves the GS's registers, and ranges of local memory.
     void take(std::span<const Stretch> stretches);
 
-    /// Puts that back.
+    /// Restores them.
     void restore() const;
 
-    /// A word of the stretches as it was.
+    /// The saved value of a word in these ranges.
     u32 word(u32 index) const;
 
   private:

@@ -1,4 +1,4 @@
-// What becomes of each pixel that a command may reach.
+// The outcome of each pixel that a command can reach.
 #include "recording/outcomes.h"
 
 #include "gs/local_memory.h"
@@ -28,7 +28,7 @@ std::vector<u32> wordsOf(const PixelBuffer& buffer, const Rectangle& area) {
     return words;
 }
 
-/// Whether a primitive's depth words lie among the pixels of an area.
+/// Whether the depth words of a primitive are among the pixels of an area.
 bool depthIsAmong(const PixelBuffer& buffer, const Rectangle& area) {
     const u32 distance = Gs.zbuf().zbp - buffer.base;
     const u32 extent = buffer.width * static_cast<u32>(area.height + 1);
@@ -55,12 +55,12 @@ std::vector<Outcome> OutcomeProbe::outcomes(const Command& command, const Rectan
     }
     Moment now;
     now.take(stretches);
-    // What is not kept is not reached either.
+    // Words that were not saved cannot be reached.
     const auto isKept = [this](u32 word) {
         return std::ranges::any_of(stretches,
                                    [word](const Stretch& stretch) { return stretch.contains(word); });
     };
-    // A pixel that is the complement of what it was is still that after the command unless it is written.
+    // The pixels are complemented before the command is executed again: those that stay so are not written.
     const auto tryWith = [&](void (*change)(), Outcome outcome) {
         if (std::ranges::find(result, Outcome::NotReached) == result.end()) {
             return;

@@ -1,4 +1,4 @@
-// What becomes of each pixel that a command may reach, and why.
+// The outcome of each pixel that a command can reach.
 #pragma once
 
 #include "recording/command.h"
@@ -10,31 +10,30 @@
 namespace tarn::recording {
 
 enum class Outcome : u8 {
-    NotReached,  ///< the command has no such pixel
+    NotReached,  ///< not a pixel of the command
     Written,
-    DepthTest,  ///< it would be written but for this
+    DepthTest,  ///< would be written without the test
     AlphaTest,
-    Scissor,  ///< also where clipping has moved the vertices so that the pixel is left out
+    Scissor,  ///< or left out because clipping has moved the vertices
 };
 
 inline constexpr std::array<std::string_view, 5> outcomeNames = {"not reached", "written", "depth test",
                                                                  "alpha test", "scissor"};
 
-/// Finds out by executing a command again with other settings; nothing in the renderer knows of it.
+/// Determines outcomes by executing a command again with different state, without support by the renderer.
 class OutcomeProbe {
   public:
-    /// To be called before the command is executed.
+    /// Call it before the command is executed.
     void before(const Command& command);
 
-    /// To be called after that: the outcome of each pixel of `area` of the command's target, row by row. The
-    /// GS stays as it is.
+    /// Call it after the command: the outcome of each pixel of `area` in the command's target, row by row.
+    /// Does not change the GS.
     std::vector<Outcome> outcomes(const Command& command, const Rectangle& area);
 
     /// The GS before the command.
     const Moment& former() const { return moment; }
 
-    /// Where the command's pixels go, and the pixels that it may reach: those of a primitive as if there were
-    /// no scissor.
+    /// The command's target, and the pixels that it can reach, for a primitive without a scissor.
     const PixelBuffer& target() const { return buffer; }
     const Rectangle& reach() const { return rectangle; }
 

@@ -11,7 +11,7 @@
 namespace tarn::recording {
 namespace {
 
-/// Finds the frame buffer that the last primitive draws to.
+/// Finds the frame buffer of the last primitive.
 class LastTarget : public Visitor {
   public:
     explicit LastTarget(const PixelQuestion& asked) : question(asked) {}

@@ -1,4 +1,4 @@
-// The history of a pixel: every command that wrote it, or would have.
+// The history of a pixel: all commands that wrote to it, or tried to.
 #pragma once
 
 #include "recording/recording_reader.h"
@@ -11,12 +11,11 @@ namespace tarn::recording {
 struct PixelQuestion {
     u32 x = 0;
     u32 y = 0;
-    std::optional<u64> lastCommand;  ///< the history ends with it
+    std::optional<u64> lastCommand;  ///< where the history ends
 };
 
-/// Prints the history of a pixel of the frame buffer that the last command draws to, or, if that draws no
-/// primitive, the last one before it that does; the newest command comes last. Returns what keeps the
-/// recording from being replayed, a sentence, or nothing.
+/// Prints the history of a pixel, newest command last, in the frame buffer of the last command, or of the
+/// last primitive before it. Returns why the recording cannot be replayed, or an empty string.
 std::string printPixelHistory(Reader& recording, const PixelQuestion& question, std::FILE* output);
 
 }  // namespace tarn::recording

@@ -1,4 +1,5 @@
-// Replaying: the stream is handed to the GIF quadword by quadword, and what each does is seen from outside.
+// Replaying: the stream is passed to the GIF quadword by quadword, and commands are recognised by their
+// effects.
 #include "recording/player.h"
 
 #include "base/bits.h"
@@ -15,7 +16,7 @@
 namespace tarn::recording {
 namespace {
 
-/// Words of local memory that are gone over before a replay is given up: some minutes, an hour of a run.
+/// Words of local memory covered before a replay is aborted: some minutes of replaying, an hour of the run.
 constexpr u64 longestReplay = u64{1} << 37;
 
 Player* player = nullptr;
@@ -24,7 +25,7 @@ constexpr std::array<CommandKind, 8> primitiveKinds = {
     CommandKind::Point,    CommandKind::Line,     CommandKind::Line,   CommandKind::Triangle,
     CommandKind::Triangle, CommandKind::Triangle, CommandKind::Sprite, CommandKind::Reserved};
 
-/// Whether writes belong to a vertex, and come up with the primitive that it completes.
+/// Whether a register belongs to a vertex, so that writes are shown as part of the primitive.
 constexpr bool isOfVertex(u32 address) {
     using namespace gs_register;
     return (address >= RGBAQ && address <= XYZ2) || address == XYZF3 || address == XYZ3;
@@ -94,8 +95,7 @@ void Player::begin(CommandKind kind) {
 
 void Player::show() { stopped = !visitor->after(current) || stopped; }
 
-/// Whether the GS has not gone over more words than the machine lets it; `more` quadwords of a transfer
-/// follow.
+/// Whether the GS is within the limit on words covered. `more` quadwords of a transfer follow.
 bool Player::mayGoOn(u64 workAllowed, bool more) {
     const std::string where = " in the block at byte " + std::to_string(reader.offset());
     if (more && Gs.work >= workAllowed) {
@@ -192,7 +192,8 @@ void Player::feedPacked(const u8* quadword) {
     const u64 low = loadFrom<u64>(quadword, 0);
     const u32 address = descriptor == 0xE ? loadFrom<u8>(quadword, 8) : descriptor;
     const bool moves = address == gs_register::TRXDIR && bits(low, 0, 2) == 2;
-    // Of the other descriptors only PRIM has a register that is not a vertex's; the rest do nothing.
+    // Of the other descriptors only PRIM writes a register that does not belong to a vertex; the rest have no
+    // effect.
     const bool shows = (descriptor == 0 || descriptor == 0xE) && !isOfVertex(address);
     if (shows && moves) {
         begin(CommandKind::Move);
@@ -221,8 +222,8 @@ void Player::feedReglist(const u8* quadword) {
     }
 }
 
-/// Hands over what belongs to the image; a 24-bit one is in groups of three quadwords, and a group that is
-/// not complete is read as tags.
+/// Passes on the data of the image. A 24-bit image is in groups of three quadwords; an incomplete group is
+/// read as tags.
 std::size_t Player::feedImage(std::span<const u8> data) {
     std::size_t quadwords = std::min<std::size_t>(data.size() / quadwordBytes, Gs.gtag.nloop);
     if (Gs.dstbuf.psm == 1) {

@@ -10,7 +10,7 @@
 
 namespace tarn::recording {
 
-/// Is shown the commands of a replay. The GS is the machine's.
+/// Receives the commands of a replay, which uses the machine's GS.
 class Visitor {
   public:
     Visitor() = default;
@@ -18,28 +18,28 @@ class Visitor {
     Visitor(const Visitor&) = delete;
     Visitor& operator=(const Visitor&) = delete;
 
-    /// Before a command that may draw is executed.
+    /// Called before a command that can draw is executed.
     virtual void before(const Command& /*command*/) {}
-    /// After each command. False ends the replay.
+    /// Called after each command. Returns false to end the replay.
     virtual bool after(const Command& command) = 0;
 };
 
-/// Replays one recording. There must be no other player, and nothing else may use the GS, while one lives.
+/// Replays a recording. While it exists, there must be no other player, and nothing else may use the GS.
 class Player {
   public:
-    /// Puts the GS in the state that the recording begins with.
+    /// Sets the GS to the recording's initial state.
     explicit Player(Reader& recording);
     ~Player();
     Player(const Player&) = delete;
     Player& operator=(const Player&) = delete;
 
-    /// What keeps the recording from being replayed, a sentence, or nothing.
+    /// Why the recording cannot be replayed, or an empty string.
     const std::string& error() const { return failure; }
 
-    /// Replays to the end of the recording, or to its damage.
+    /// Replays to the end of the recording, or to where it is damaged.
     void play(Visitor& visitor);
 
-    /// The same without commands, just as the machine did it.
+    /// The same without commands, exactly as the machine did.
     void play();
 
     u64 commandCount() const { return current.number; }
@@ -71,7 +71,7 @@ class Player {
     Visitor* visitor = nullptr;
     std::string failure;
     Command current;
-    std::optional<RegisterWrite> earlier;  ///< of the same quadword, and not yet shown
+    std::optional<RegisterWrite> earlier;  ///< of the same quadword, not yet shown
     u64 frame;
     u64 workAtStart = 0;
     bool stopped = false;

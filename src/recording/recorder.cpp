@@ -1,4 +1,4 @@
-// Recording: functions in front of those by which the devices reach the GS.
+// Recording, by wrapping the functions through which the devices reach the GS.
 #include "recording/recorder.h"
 
 #include "gs/gs_port.h"
@@ -21,7 +21,7 @@
 namespace tarn::recording {
 namespace {
 
-/// A place that the program's calls have led to: what it follows from, and its number in the recording.
+/// A place with its calls: the return addresses it was derived from, and its number in the recording.
 struct KnownPlace {
     struct Saved {
         u32 address;  ///< on the stack
@@ -39,17 +39,17 @@ struct Recorder {
     FrameRange frames;
     const symbols::SymbolTable& table;
     std::string emulator;
-    GsPort port = gsPort;  ///< what was there before
+    GsPort port = gsPort;  ///< the wrapped functions
     std::optional<Writer> writer{};
     bool begun = false;
-    std::unordered_map<u64, u32> places{};  ///< without calls, by PC: their numbers
+    std::unordered_map<u64, u32> places{};  ///< numbers of places without calls, by PC
     std::array<KnownPlace, 64> calledPlaces{};
 };
 
 std::unique_ptr<Recorder> recorder;
 
-/// The driver step that is being made: it has begun its instruction, or goes on with a transfer. The
-/// machine's counter is not up to date in the middle of a run.
+/// The current driver step, which executes its instruction or continues a transfer. The machine's counter is
+/// not up to date during a run.
 u64 currentStep() { return MipsCpu.cycle - MipsCpu.delaySlots - 1; }
 
 std::string namesOf(const std::vector<u32>& callers) {
@@ -65,8 +65,8 @@ u32 wordAt(u32 address) {
     return u64{address} + sizeof(u32) <= mainMemorySize ? loadFrom<u32>(MipsMemory, address) : 0;
 }
 
-/// The number of the place at `pc` with the calls that the program is in. Working these out takes longer than
-/// most transfers do, so it is done again only when a return address on the stack is another one.
+/// The number of the place at `pc`, with the program's active calls. Finding those takes longer than most
+/// transfers, so it is done again only if a return address on the stack has changed.
 u32 calledPlace(u64 pc) {
     const u64 stackPointer = MipsCpu.GPR[REG_SP].low;
     const u64 returnAddress = MipsCpu.GPR[REG_RA].low;
@@ -90,7 +90,7 @@ u32 calledPlace(u64 pc) {
     return known.number;
 }
 
-/// The number of a place that happened to be the program's when the machine did something.
+/// The number of the place of an event that the program did not cause.
 u32 place(u64 pc) {
     const auto [entry, isNew] = recorder->places.try_emplace(pc, 0);
     if (isNew) {
@@ -151,7 +151,7 @@ void observeAll() {
     gsPort = {recordTransfer, recordWrite32, recordWrite64, recordRead64, recordVerticalBlank};
 }
 
-/// Ends the recording, and leaves the machine as if there were none.
+/// Stops recording and removes the wrappers.
 void endRecording(u64 step) {
     gsPort = recorder->port;
     if (recorder->writer) {
@@ -160,7 +160,7 @@ void endRecording(u64 step) {
     }
 }
 
-/// The number of this blank, and so of the frame that it ends, is one more than there have been.
+/// This blank, and the frame that it ends, have the next number.
 void recordVerticalBlank() {
     recorder->port.vsync();
     add({.kind = EventKind::VerticalBlank, .step = currentStep()}, place(MipsCpu.PC));

@@ -15,13 +15,12 @@ struct FrameRange {
     u64 last = ~u64{0};
 };
 
-/// Has everything that reaches the GS from now on recorded to `stream`, in the frames of the range. The
-/// stream and the table must live until stopRecording.
+/// Starts to record everything that reaches the GS to `stream`, in the frames of the range. The stream and
+/// the table must exist until stopRecording.
 void startRecording(std::FILE* stream, const FrameRange& frames, const symbols::SymbolTable& table,
                     const std::string& emulator);
 
-/// Completes the recording. False when the run never came to the first frame; harmless when nothing is
-/// recorded.
+/// Completes the recording, if there is one. Returns false if the run did not reach the first frame.
 bool stopRecording();
 
 }  // namespace tarn::recording

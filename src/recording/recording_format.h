@@ -1,9 +1,9 @@
-// What a recording consists of.
+// The format of recordings.
 //
-// A file is a header and blocks. A block is the length of its contents as they are stored, four bytes, and
-// the contents as a zstd frame with a checksum. The first byte of the contents is the block's kind. A
-// recording has one Start block, any number of Events blocks, and, unless it was cut short, one End block. A
-// block can be read when all before it could be.
+// A file is a header and blocks. A block is the compressed length of its contents, four bytes, and the
+// contents as a zstd frame with a checksum. The first byte of the contents is the block's kind. A recording
+// has one Start block, any number of Events blocks, and, unless it is truncated, one End block. Reading a
+// block requires all blocks before it.
 #pragma once
 
 #include "base/types.h"
@@ -16,7 +16,7 @@
 namespace tarn::recording {
 
 inline constexpr std::array<char, 8> magicWord = {'T', 'A', 'R', 'N', 'G', 'S', 'R', 'C'};
-inline constexpr u32 formatVersion = 1;  ///< to be raised with every change, also of the GS's fields
+inline constexpr u32 formatVersion = 1;  ///< increase it with every change, also of the GS's fields
 
 enum class BlockKind : u8 { Start = 1, Events = 2, End = 3 };
 
@@ -26,9 +26,9 @@ struct Start {
     u64 step = 0;   ///< driver step
     bool blends = false;
     std::string program;              ///< path of the ELF file
-    std::string emulator;             ///< that recorded
+    std::string emulator;             ///< version that recorded
     std::vector<u8> records;          ///< see saveGsRecords
-    std::span<const u8> localMemory;  ///< of the GS, or of what holds the recording
+    std::span<const u8> localMemory;  ///< points into the GS or the recording
 };
 
 /// The GS when recording ended.
@@ -40,7 +40,7 @@ struct End {
 };
 
 enum class EventKind : u8 {
-    Place = 0,  ///< adds to the list of places, and is no event of the GS
+    Place = 0,  ///< not an event: adds to the list of places
     Transfer = 1,
     Write32 = 2,
     Write64 = 3,
@@ -48,15 +48,15 @@ enum class EventKind : u8 {
     VerticalBlank = 5,
 };
 
-// More places are told as the first one; longer texts are cut.
+// Further places are replaced by the first; longer texts are truncated.
 inline constexpr std::size_t mostPlaces = 1 << 18;
 inline constexpr std::size_t longestName = 400;
 
-/// Where in the program something was started.
+/// A place in the program.
 struct Place {
     u32 pc = 0;
     std::string name;     ///< "function+0x1c (file.c:42)", or empty
-    std::string callers;  ///< functions, innermost first, as far as they are known: "draw < main"
+    std::string callers;  ///< functions, innermost first, as far as known: "draw < main"
 };
 
 struct Event {

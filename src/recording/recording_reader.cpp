@@ -13,7 +13,7 @@
 namespace tarn::recording {
 namespace {
 
-// Larger ones are refused: a few bytes of a file can stand for very many.
+// Larger sizes are refused: a few compressed bytes can stand for very many.
 constexpr u64 largestBlock = 2 * u64{mainMemorySize};
 constexpr u64 largestRecording = u64{16} << 30;
 

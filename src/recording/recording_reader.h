@@ -1,4 +1,4 @@
-// Reading recordings, also damaged ones, up to the damage.
+// Reading recordings; damaged ones up to the damage.
 #pragma once
 
 #include "base/file.h"
@@ -14,39 +14,39 @@ namespace tarn::recording {
 
 class Reader {
   public:
-    /// Opens the file and reads its Start block. What is wrong with it is an error: a sentence with the byte
-    /// of the file at which that shows.
+    /// Opens the file and reads its Start block. An error message names the byte of the file where the
+    /// problem is.
     explicit Reader(const std::string& path);
 
-    /// Nothing can be done with a file that has an error.
+    /// A file with an error cannot be used.
     const std::string& error() const { return failure; }
 
     const Start& start() const { return begin; }
 
-    /// The next event, valid until the one after it is read; nothing at the end. Then damage() says what has
-    /// kept the reader from going on, and end() is there if nothing has.
+    /// The next event, valid until the next call. Null at the end; then damage() says why the reader stopped,
+    /// or end() is set.
     std::optional<Event> next();
     const std::string& damage() const { return broken; }
     const std::optional<End>& end() const { return finished; }
 
-    // Of the events so far.
+    // Position of the last event.
     u64 transfers() const { return transferCount; }
     u64 quadwords() const { return quadwordCount; }
 
-    /// Where the block begins that the last event came from.
+    /// File offset of the block with the last event.
     u64 offset() const { return blockOffset; }
 
     /// Goes back to the first event.
     void rewind();
 
-    /// Ends reading: the events do not mean what they seem to.
+    /// Ends reading because the events are not valid.
     void reject(const std::string& reason);
 
   private:
     std::string readStart(const std::string& path);
     bool readBlock();
     void readEnd();
-    bool findEvent();  ///< false when there is none any more
+    bool findEvent();  ///< false if there is none
     bool readPlace();
     std::optional<Event> readEvent(EventKind kind);
 

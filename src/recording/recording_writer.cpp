@@ -12,7 +12,7 @@ namespace tarn::recording {
 namespace {
 
 constexpr std::size_t fullBlock = 1 << 18;
-constexpr int compressionLevel = -3;  // a third of the time of level 1, for a sixth more bytes
+constexpr int compressionLevel = -3;  // a third of level 1's time, for a sixth more bytes
 
 }  // namespace
 
@@ -45,7 +45,7 @@ void Writer::beginBlock(BlockKind kind) {
 void Writer::writeBlock(std::span<const u8> more) {
     const std::size_t total = contents.size() + more.size();
     if (const std::size_t bound = ZSTD_compressBound(total); bound > packedBytes) {
-        packed = std::make_unique_for_overwrite<u8[]>(bound);  // most of it is never touched
+        packed = std::make_unique_for_overwrite<u8[]>(bound);  // most of it is never used
         packedBytes = bound;
     }
     ZSTD_outBuffer output{packed.get(), packedBytes, 0};

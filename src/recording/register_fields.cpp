@@ -111,10 +111,10 @@ constexpr RegisterLayout layouts[] = {
     {gs_privileged::DISPLAY2, "DISPLAY2", false, display},
 };
 
-/// A field's value at its place.
+/// The value of a field that starts at bit `first`.
 constexpr u64 at(unsigned first, u64 value) { return value << first; }
 
-/// The exponent of a texture's size, which is 0 until TEX0 is written.
+/// The exponent of a texture's size; 0 until TEX0 is written.
 constexpr u64 exponent(u32 size) { return size == 0 ? 0 : static_cast<u64>(std::countr_zero(size)); }
 
 u64 attributes(const GsPrim& p) {

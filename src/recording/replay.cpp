@@ -1,4 +1,4 @@
-// Checking that a recording gives what it ended with.
+// Checking that replaying a recording leads to its final state.
 #include "recording/replay.h"
 
 #include "base/checksum.h"

@@ -1,4 +1,4 @@
-// Checking that a recording gives what it ended with.
+// Checking that replaying a recording leads to its final state.
 #pragma once
 
 #include "recording/recording_reader.h"
@@ -9,11 +9,11 @@ namespace tarn::recording {
 
 enum class ReplayResult : u8 {
     Same,
-    Different,  ///< local memory or registers are not what they were
-    Unknown,    ///< the recording has no end, or cannot be replayed to it
+    Different,  ///< in local memory or registers
+    Unknown,    ///< the recording has no end, or cannot be replayed up to it
 };
 
-/// Replays the recording and says on `output` what came of it.
+/// Replays the recording and prints the result.
 ReplayResult checkReplay(Reader& recording, std::FILE* output);
 
 }  // namespace tarn::recording

@@ -1,4 +1,4 @@
-// The HTML page of a report, put together from its parts, which the build makes constants of.
+// The HTML page of a report. The build turns its parts into constants.
 #include "recording/report_page.h"
 
 #include "recording/report_parts.h"

@@ -6,7 +6,7 @@
 
 namespace tarn::recording {
 
-/// The page's data; what is compressed is in base 64.
+/// The data of the page. Compressed data are in base 64.
 struct ReportData {
     std::string about;     ///< JSON
     std::string commands;  ///< compressed JSON

@@ -1,4 +1,4 @@
-// Putting texts together.
+// Text formatting.
 #pragma once
 
 #include <array>
@@ -9,7 +9,7 @@
 
 namespace tarn::recording {
 
-/// A printf-style text, cut at 500 characters.
+/// A printf-style text, truncated to 500 characters.
 [[gnu::format(printf, 1, 2)]] inline std::string format(const char* form, ...) {
     std::array<char, 501> text{};
     std::va_list arguments;
@@ -19,7 +19,7 @@ namespace tarn::recording {
     return text.data();
 }
 
-/// The text as a JSON string that can stand in HTML. Control characters and what is not ASCII are replaced.
+/// The text as a JSON string that is safe in HTML. Replaces control characters and everything outside ASCII.
 inline std::string quoted(std::string_view text) {
     std::string result = "\"";
     for (const char c : text) {

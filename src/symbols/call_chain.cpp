@@ -8,7 +8,7 @@ namespace tarn::symbols {
 namespace {
 
 constexpr std::size_t longestChain = 32;
-constexpr u32 longestPrologue = 4096;  // bytes of a function that are searched for what saves its caller
+constexpr u32 longestPrologue = 4096;  // bytes searched for the instruction that saves the return address
 
 enum Opcode : u32 { opSpecial = 0, opJal = 3, opAddiu = 9, opDaddiu = 25, opSw = 43, opSd = 63 };
 enum Register : u32 { sp = 29, ra = 31 };
@@ -20,7 +20,7 @@ class Reader {
     bool holds(u32 address) const { return u64{address} + 4 <= memory.size(); }
     u32 word(u32 address) const { return loadFrom<u32>(memory.data(), address); }
 
-    /// The call in front of a return address, whose delay slot is between them.
+    /// The call before a return address; its delay slot is between them.
     std::optional<u32> callBefore(u32 address) const {
         const u32 site = address - 8;
         if (address % 4 != 0 || address < 8 || !holds(site)) {
@@ -31,7 +31,7 @@ class Reader {
         return bits(code, 26, 6) == opJal || isJalr ? std::optional(site) : std::nullopt;
     }
 
-    /// Whether a call may lead to `function`: the target of JALR is anyone's guess.
+    /// Whether a call can lead to `function`. The target of JALR is unknown.
     bool mayCall(u32 site, u32 function) const {
         const u32 code = word(site);
         return bits(code, 26, 6) != opJal || foldAddress(bits(code, 0, 26) * 4) == function;
@@ -41,7 +41,7 @@ class Reader {
     std::span<const u8> memory;
 };
 
-/// What a function has done to the stack before it reaches an address.
+/// The stack frame of a function at some address.
 struct Frame {
     u32 size = 0;                ///< bytes
     std::optional<u32> savedAt;  ///< offset of the return address from the stack pointer
@@ -85,7 +85,7 @@ std::vector<u32> callersOf(const SymbolTable& table, std::span<const u8> mainMem
                 savedAt->push_back(slot);
             }
             site = memory.holds(slot) ? memory.callBefore(foldAddress(memory.word(slot))) : std::nullopt;
-        } else if (callers.empty()) {  // its callers have long used the register for their own calls
+        } else if (callers.empty()) {  // its callers have since used the register for other calls
             site = memory.callBefore(foldAddress(returnAddress));
             site = site && memory.mayCall(*site, function->first) ? site : std::nullopt;
         }

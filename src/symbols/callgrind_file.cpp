@@ -7,9 +7,9 @@
 namespace tarn::symbols {
 namespace {
 
-constexpr const char* unknown = "???";  // which callgrind's own tools know
+constexpr const char* unknown = "???";  // as callgrind's own tools write
 
-/// A name, written out the first time and as its number later.
+/// Writes a name in full the first time, later as its number.
 class NameList {
   public:
     void write(std::FILE* file, const char* key, const std::string& name) {
@@ -21,7 +21,7 @@ class NameList {
     std::map<std::string, std::size_t> numbers;
 };
 
-/// A line of the source; of none and the first file where the program does not say.
+/// A source line; line 0 of the first file if it is unknown.
 struct Line {
     const std::string* file;
     u32 number;
@@ -31,7 +31,7 @@ struct Line {
     }
 };
 
-/// What was counted for one function.
+/// The counts of one function.
 struct FunctionCosts {
     std::map<Line, Costs> lines;
     std::vector<const Call*> calls;
@@ -65,7 +65,7 @@ class Writer {
     }
 
   private:
-    /// What stands for a function: where it begins. All addresses without a symbol are one.
+    /// A function is identified by its start. All addresses without a symbol count as one function.
     u32 startOf(u32 address) const {
         const Symbol* symbol = table.symbolAt(address);
         return symbol != nullptr ? symbol->first : 0;

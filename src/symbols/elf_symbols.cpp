@@ -21,7 +21,7 @@
 namespace tarn::symbols {
 namespace {
 
-// More than any program of 32 MB has.
+// More than any 32 MB program has.
 constexpr std::size_t symbolLimit = 1'000'000;
 constexpr std::size_t lineLimit = 4'000'000;
 constexpr std::size_t nameLimit = 1000;  // characters of a name
@@ -35,7 +35,7 @@ struct Section {
     bool isCode = false;
 };
 
-/// The sections that are in guest memory, by their index; the others are empty.
+/// The sections that are loaded into guest memory, by index; others are empty.
 std::vector<Section> sectionsOf(Elf* elf) {
     std::vector<Section> sections;
     std::size_t count = 0;
@@ -55,7 +55,7 @@ std::vector<Section> sectionsOf(Elf* elf) {
 
 struct Candidate {
     Symbol symbol;
-    u32 rank;  ///< the lower, the better it stands for its address
+    u32 rank;  ///< lower is preferred
     bool isSized;
 };
 
@@ -71,7 +71,7 @@ u32 rankOf(const GElf_Sym& symbol) {
     }
 }
 
-/// What a symbol names in guest memory; nothing for the compiler's own labels and for numbers.
+/// What a symbol names in guest memory; nothing for the compiler's own labels and absolute values.
 std::optional<Candidate> candidateFor(const GElf_Sym& symbol, std::span<const char> names,
                                       std::span<const Section> sections) {
     const int type = GELF_ST_TYPE(symbol.st_info);
@@ -120,10 +120,9 @@ std::vector<Candidate> candidatesIn(Elf* elf, std::span<const Section> sections)
     return candidates;
 }
 
-/// One symbol for each address: of several in one place the best, and of what stands inside a function, the
-/// function.
+/// Keeps one symbol for each address: the best of several, and a function rather than symbols inside it.
 void takeSymbols(SymbolTable& table, const std::vector<Candidate>& candidates) {
-    u32 covered = 0;  // up to here by a symbol that has a size
+    u32 covered = 0;  // the end of the last symbol with a size
     for (const Candidate& candidate : candidates) {
         const Symbol& symbol = candidate.symbol;
         table.byName.emplace_back(symbol.name, symbol.first);
@@ -142,7 +141,7 @@ void takeSymbols(SymbolTable& table, const std::vector<Candidate>& candidates) {
 
 // Lines.
 
-/// Makes ranges of the rows of one line table.
+/// Turns the rows of a line table into ranges.
 class LineCollector {
   public:
     LineCollector(SymbolTable& destination, std::span<const Section> allSections)
@@ -170,7 +169,7 @@ class LineCollector {
     }
 
   private:
-    /// Code that the linker dropped keeps its lines, at address 0.
+    /// The lines of code that the linker has removed stay, at address 0.
     bool isCode(u32 address) const {
         return std::ranges::any_of(sections, [&](const Section& section) {
             return section.isCode && address >= section.first && address < section.end;
@@ -289,7 +288,7 @@ class Unpacker {
     std::span<const u8> bytes;
 };
 
-/// What of a table goes through a packer or comes out of an unpacker.
+/// The parts of a table that are packed and unpacked.
 template <typename Transfer, typename Table>
 void transfer(Transfer& lists, Table& table) {
     lists.list(table.symbols, [](Transfer& each, auto& symbol) {

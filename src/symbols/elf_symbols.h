@@ -5,8 +5,8 @@
 
 namespace tarn::symbols {
 
-/// The table is empty for a file that is stripped, for another processor or not ELF, and, with a warning on
-/// standard error, for one that libelf or libdw cannot read.
+/// The table is empty if the file is stripped, for another processor, or not ELF. It is also empty, with a
+/// warning on standard error, if libelf or libdw cannot read the file.
 SymbolTable readSymbols(const std::string& path);
 
 }  // namespace tarn::symbols

@@ -1,4 +1,4 @@
-// Exact counts of what a program executes: instructions by address, and the calls with what they cost.
+// Exact counts of what a program executes: instructions by address, and calls with their costs.
 #include "symbols/execution_counts.h"
 
 #include "base/bits.h"
@@ -8,13 +8,13 @@
 namespace tarn::symbols {
 namespace {
 
-// Real programs stay far below these; one that is made to use the host's memory up does not.
+// Limits that real programs stay far below. They bound the memory that a hostile one can use.
 constexpr std::size_t deepestFrame = 1 << 20;
 constexpr std::size_t mostCalls = 1 << 20;
 constexpr u32 mostTargets = 256;  // of one instruction
 
-constexpr std::size_t framesSearched = 256;  // for where a return goes to
-constexpr u32 returnDistance = 8;            // from a call to where it returns
+constexpr std::size_t framesSearched = 256;  // for the target of a return
+constexpr u32 returnDistance = 8;            // from a call to its return address
 
 enum class BranchKind { Call, Return, Jump, Inside };
 
@@ -28,7 +28,7 @@ BranchKind kindOf(u32 word) {
         }
         return function == jalr ? BranchKind::Call : BranchKind::Inside;
     case regimm:
-        return bit(word, 20) != 0 ? BranchKind::Call : BranchKind::Inside;  // BGEZAL and its kin
+        return bit(word, 20) != 0 ? BranchKind::Call : BranchKind::Inside;  // BGEZAL and the like
     case j:
         return BranchKind::Jump;
     case jal:
@@ -51,7 +51,7 @@ void ExecutionCounts::branch(u32 word, u64 pc, u64 target, const Costs& now) {
         returnTo(to, now);
         break;
     case BranchKind::Jump:
-        // To its own beginning a function may well loop.
+        // A jump to the start of the same function is a loop.
         if (entry[target] && !frames.empty() && allCalls[frames.back().call].target != to) {
             enter(site, to, frames.back().returnAddress, true, now);
         }
@@ -78,7 +78,7 @@ std::optional<u32> ExecutionCounts::callNumber(u32 site, u32 target) {
     return static_cast<u32>(allCalls.size() - 1);
 }
 
-/// A call for which there is no room is ignored until it returns, with the calls in it.
+/// Without room for a call, it and the calls that it makes are ignored until it returns.
 void ExecutionCounts::enter(u32 site, u32 target, u32 returnAddress, bool isJump, const Costs& now) {
     const bool hasRoom = ignoredFrames == 0 && frames.size() < deepestFrame;
     const std::optional<u32> call = hasRoom ? callNumber(site, target) : std::nullopt;
@@ -100,7 +100,7 @@ void ExecutionCounts::leave(const Costs& now) {
     frames.pop_back();
 }
 
-/// Leaves the calls that a return ends: those of the frame with this return address, and above it.
+/// Ends the calls that a return ends: that of the frame with this return address, and those it has made.
 void ExecutionCounts::returnTo(u32 target, const Costs& now) {
     if (ignoredFrames > 0) {
         --ignoredFrames;

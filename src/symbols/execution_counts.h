@@ -1,4 +1,4 @@
-// Exact counts of what a program executes: instructions by address, and the calls with what they cost.
+// Exact counts of what a program executes: instructions by address, and calls with their costs.
 #pragma once
 
 #include "base/types.h"
@@ -13,11 +13,11 @@
 
 namespace tarn::symbols {
 
-/// What is counted, as running totals or as what a part of the run took.
+/// Costs, as running totals or of a part of the run.
 struct Costs {
     u64 instructions = 0;
     u64 pixels = 0;  ///< that the GS wrote
-    u64 words = 0;   ///< of 32 bits that DMA took to the GS
+    u64 words = 0;   ///< 32-bit words transferred to the GS by DMA
 
     friend constexpr Costs operator-(const Costs& a, const Costs& b) {
         return {a.instructions - b.instructions, a.pixels - b.pixels, a.words - b.words};
@@ -36,7 +36,7 @@ struct Call {
     u32 site = 0;
     u32 target = 0;
     u64 count = 0;
-    Costs inclusive;  ///< what the function took, without its calls to itself
+    Costs inclusive;  ///< costs of the function without its calls to itself
 };
 
 struct AddressCosts {
@@ -44,7 +44,7 @@ struct AddressCosts {
     Costs costs;
 };
 
-/// An array with an item for each word of main memory. The host provides only what is touched.
+/// An array with an element for each word of main memory. Only pages in use take host memory.
 template <typename Item>
 class PerWord {
   public:
@@ -62,28 +62,28 @@ class PerWord {
 
 class ExecutionCounts {
   public:
-    /// False when the host has no memory for the counts, and nothing else may be called.
+    /// False if there is no memory for the counts; then no other function may be called.
     bool exist() const { return balance.exists() && firstCall.exists() && active.exists() && entry.exists(); }
 
-    /// A jump to this address, where a function begins, counts as a call; the call that it is made in ends
-    /// along with it.
+    /// Declares that a function begins at this address. A jump to it counts as a tail call, which ends
+    /// together with the current call.
     void noteFunction(u32 address) { entry[address] = true; }
 
-    // The program runs in straight lines, each from one address up to, but not including, another.
+    // Straight-line code from one address up to, but not including, another.
     void begin(u64 pc) { balance[pc] += 1; }
     void end(u64 pc) { balance[pc] -= 1; }
 
-    /// The branch or jump `word` at `pc` has led to `target`. `now` are the costs until then, its delay slot
-    /// included.
+    /// The branch or jump `word` at `pc` has been taken to `target`. `now` are the costs so far, including
+    /// its delay slot.
     void branch(u32 word, u64 pc, u64 target, const Costs& now);
 
-    /// Adds what the GS did for the instruction at `pc`.
+    /// Adds the work of the GS caused by the instruction at `pc`.
     void transfer(u64 pc, u64 pixels, u64 words);
 
-    /// Ends all active calls. Nothing may be counted after that.
+    /// Ends all active calls. Nothing may be counted afterwards.
     void finish(const Costs& now);
 
-    /// The costs of each executed word, by ascending address.
+    /// The costs of each executed word, in order of address.
     std::vector<AddressCosts> byAddress() const;
     const std::vector<Call>& calls() const { return allCalls; }
 
@@ -98,12 +98,12 @@ class ExecutionCounts {
     void enter(u32 site, u32 target, u32 returnAddress, bool isJump, const Costs& now);
     void leave(const Costs& now);
     void returnTo(u32 target, const Costs& now);
-    /// The index of a call in allCalls; nothing when there is no room for a new one.
+    /// The index of a call in allCalls; nothing if there is no room for a new one.
     std::optional<u32> callNumber(u32 site, u32 target);
 
     PerWord<s64> balance;    ///< lines that begin here, less those that end
     PerWord<u32> firstCall;  ///< from here: 1 + index in allCalls, or 0
-    PerWord<u32> active;     ///< how many frames there are of the function that begins here
+    PerWord<u32> active;     ///< number of frames of the function that begins here
     PerWord<bool> entry;     ///< whether a function begins here
     std::vector<Call> allCalls;
     std::vector<u32> nextCall;  ///< from the same instruction, as in firstCall

@@ -12,7 +12,7 @@ struct FileCoverage {
     std::vector<const Symbol*> functions;
 };
 
-/// The most often that an instruction of a range ran.
+/// The highest count of an instruction in a range.
 u64 countIn(const std::vector<AddressCosts>& costs, u32 first, u32 end) {
     u64 most = 0;
     for (auto at = std::ranges::lower_bound(costs, first & ~3U, {}, &AddressCosts::address);

@@ -8,7 +8,7 @@
 
 namespace tarn::symbols {
 
-/// Writes a record for each source file that the symbol table knows, with what did not run too.
+/// Writes a record for each source file in the symbol table, including code that did not run.
 void writeLcov(std::FILE* file, const ExecutionCounts& counts, const SymbolTable& table);
 
 }  // namespace tarn::symbols

@@ -1,4 +1,4 @@
-// The report on a paused CPU: where in the program, through which calls, and what is wrong.
+// The report on a paused CPU: the place in the program, the calls, and the reason.
 #include "symbols/pause_report.h"
 
 #include "base/device_codes.h"
@@ -55,7 +55,7 @@ u32 distance(const Area& area, u32 address) {
     return address > area.last ? address - area.last : 0;
 }
 
-/// The access that has paused the CPU, if one has.
+/// The access that has paused the CPU, if any.
 const FailedAccess* failedAccess() {
     return MipsCpu.pause != 0 && lastFailedAccess.cycle == MipsCpu.cycle ? &lastFailedAccess : nullptr;
 }
@@ -98,7 +98,7 @@ std::string adviceForCall() {
                   argument(1), argument(2), argument(3));
 }
 
-/// Whether compilers have the instruction in front of a division, to stop at a divisor of 0. Its code is 7.
+/// Whether the instruction is the trap or BREAK with code 7 that compilers emit for a divisor of 0.
 bool checksDivisor(u32 word) {
     constexpr u32 trapIfEqual = 0x34 | 7 << 6, breakpoint = 0x0D | 7 << 16;
     return (word & 0xFC00FFFF) == trapIfEqual || word == breakpoint;

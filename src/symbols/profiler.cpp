@@ -20,8 +20,8 @@ struct Branch {
     u64 cycle = 0;
 };
 
-/// The counts and the current position. A branch is only counted at the next event, because what the GS does
-/// for its delay slot belongs to it.
+/// The counts and the current position. A branch is counted at the next event, because the GS's work for its
+/// delay slot belongs to it.
 struct Profiler {
     ExecutionCounts counts;
     u64 lineStart = 0;
@@ -29,7 +29,7 @@ struct Profiler {
     Branch waiting;
     bool waits = false;
     u64 cycleAtStart = 0;
-    Costs gs;  ///< what has been counted of the GS
+    Costs gs;  ///< work of the GS counted so far
 
     void count(u64 end, u64 next) {
         counts.begin(lineStart);
@@ -60,7 +60,7 @@ struct Profiler {
 
 std::unique_ptr<Profiler> profiler;
 
-/// False for the conditional branches of which loops are made, which stay in their function.
+/// False for conditional branches, which stay inside their function.
 bool mayEnterOrLeave(u32 word) {
     constexpr u32 lastWithCalls = 3;  // SPECIAL, REGIMM, J and JAL are the first major opcodes
     return word >> 26 <= lastWithCalls;
@@ -87,12 +87,12 @@ void slotSkipped(u64 pc) { profiler->count(pc + 4, pc + 8); }
 void runEnds(const r5900::LastStep& step) {
     profiler->lastStep = step.pc;
     if (step.pc > mainMemorySize - 4) {
-        return;  // there was nothing to execute
+        return;  // nothing was executed
     }
     const u64 executed = MipsCpu.cycle - step.cycle;
     const u64 end = step.pc + executed * 4;
     if (step.branchWasSeen) {
-        profiler->lineStart = step.pc + 8;  // delay slots of a branch in the delay slot
+        profiler->lineStart = step.pc + 8;  // after the delay slot of a branch in the delay slot
         profiler->count(end, MipsCpu.PC);
         return;
     }
@@ -132,7 +132,7 @@ std::optional<ExecutionCounts> stopCounting() {
     }
     r5900::observeBranches(nullptr);
     countPixels(false);
-    runBegins(MipsCpu.PC);  // for what waits
+    runBegins(MipsCpu.PC);  // counts the pending branch
     profiler->counts.finish(
         {MipsCpu.cycle - profiler->cycleAtStart, profiler->gs.pixels, profiler->gs.words});
     return std::move(std::exchange(profiler, nullptr)->counts);

@@ -9,7 +9,7 @@ namespace tarn::symbols {
 /// Starts counting. Returns false when the host has no memory for the counts.
 bool startCounting(const SymbolTable& table);
 
-/// Stops counting and returns the counts; nothing when counting was not started.
+/// Stops counting and returns the counts; null if counting was not started.
 std::optional<ExecutionCounts> stopCounting();
 
 }  // namespace tarn::symbols

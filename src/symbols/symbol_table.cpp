@@ -9,7 +9,7 @@
 namespace tarn::symbols {
 namespace {
 
-/// The range that holds an address, of ranges by rising address without overlaps.
+/// The range that contains an address. The ranges are sorted and do not overlap.
 template <typename Range>
 const Range* rangeAt(const std::vector<Range>& ranges, u32 address) {
     const auto behind = std::ranges::upper_bound(ranges, address, {}, &Range::first);

@@ -10,8 +10,7 @@
 
 namespace tarn::symbols {
 
-/// The offset in main memory that a guest address stands for in any of its views; other addresses as they
-/// are.
+/// The offset in main memory of a guest address, in any of its views. Other addresses are returned unchanged.
 u32 foldAddress(u64 address);
 
 /// A function, a label, or an object.
@@ -22,7 +21,7 @@ struct Symbol {
     std::string name;
 };
 
-/// Code that was made from one line.
+/// Code generated from one source line.
 struct LineRange {
     u32 first = 0;
     u32 end = 0;
@@ -31,19 +30,19 @@ struct LineRange {
 };
 
 struct SymbolTable {
-    std::vector<Symbol> symbols;                      ///< by rising address, without overlaps
+    std::vector<Symbol> symbols;                      ///< sorted by address, without overlaps
     std::vector<LineRange> lines;                     ///< the same
-    std::vector<std::string> files;                   ///< as the compiler was given them
-    std::vector<std::pair<std::string, u32>> byName;  ///< every name, in order, with its address
+    std::vector<std::string> files;                   ///< as given to the compiler
+    std::vector<std::pair<std::string, u32>> byName;  ///< all names, sorted, with their addresses
 
-    /// Null where none is known.
+    /// Null if there is none.
     const Symbol* symbolAt(u64 address) const;
     const LineRange* lineAt(u64 address) const;
 
-    /// Where a function, label or object begins.
+    /// The address of a function, label or object.
     std::optional<u32> addressOf(std::string_view name) const;
 
-    /// "function+0x1c (file.c:42)", as much of it as is known of an address, or nothing.
+    /// A description like "function+0x1c (file.c:42)", as far as known; empty for an unknown address.
     std::string describe(u64 address) const;
 };
 
