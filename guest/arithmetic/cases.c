@@ -1,4 +1,4 @@
-// What each operation must give: boundaries, dirty upper halves, and where this processor is unlike others.
+// Expected results: boundary values, dirty upper halves, and differences from other processors.
 #include "operations.h"
 
 enum { UNTOUCHED = 99, TAKEN = 1, NOT_TAKEN = 3, SKIPPED = 2 };
@@ -17,7 +17,7 @@ const Case integerCases[] = {
     {"AND", opAnd, 0xFF00FF00FF00FF00, 0x0FF00FF00FF00FF0, 0x0F000F000F000F00},
     {"OR", opOr, 0xFF00000000000000, 0x00000000000000FF, 0xFF000000000000FF},
     {"XOR", opXor, 0xFFFFFFFFFFFFFFFF, 0x0123456789ABCDEF, 0xFEDCBA9876543210},
-    // SLT looks at the low words only, its relatives at all 64 bits.
+    // SLT compares low words only, SLTI and the unsigned forms all 64 bits.
     {"SLT", opSlt, NEGATIVE(1), 0, 1},
     {"SLT", opSlt, 0x100000000, 0, 0},
     {"SLT", opSlt, 0x0000000080000000, 0, 1},
@@ -170,7 +170,7 @@ const Case floatCases[] = {
     {"MOV.S", opMovS, PATTERN(MINUS_2_7), 0, PATTERN(MINUS_2_7)},
     {"NEG.S", opNegS, ONE, 0, PATTERN(MINUS_ONE)},
     {"NEG.S", opNegS, 0, 0, minimum32},
-    // CVT.W.S leaves a whole number in floating-point form; what fits no word becomes the lowest.
+    // CVT.W.S gives an integer in floating-point form; values that do not fit a word become the lowest.
     {"CVT.W.S", opCvtWS, PATTERN(MINUS_2_7), 0, PATTERN(0xC0000000)},
     {"CVT.W.S", opCvtWS, THREE_BILLION, 0, PATTERN(0xCF000000)},
     {"CVT.W.S", opCvtWS, NO_NUMBER, 0, PATTERN(0xCF000000)},
@@ -179,7 +179,7 @@ const Case floatCases[] = {
     {"CVT.S", opCvtS, 5, 0, 0x40A00000},
     {"CVT.S", opCvtS, 0xFFFFFFFF, 0, 0x4F800000},
     {"CVT.S", opCvtS, NEGATIVE(1), 0, 0x5F800000},
-    // MFC1 converts: a pattern does not come back as it went in.
+    // MFC1 converts, so a bit pattern does not come back unchanged.
     {"MFC1", opMtc1Mfc1, 0x4079999A, 0, 3},
     {"MFC1", opMtc1Mfc1, 5, 0, 0},
     {"MFC1", opMtc1Mfc1, NO_NUMBER, 0, 0},

@@ -43,7 +43,7 @@ static u64 ordered(u64 a, u64 b) {
     return (u64)(lessThan(x, y) * 4 + (smaller(x, y) == x) * 2 + (larger(x, y) == x));
 }
 
-/// Copies and fills of every alignment keep to their bounds: the sum of all bytes tells.
+/// Copies and fills of every alignment stay within their bounds, checked by the sum of all bytes.
 static u64 copied(u64 a, u64 b) {
     static u8 from[64];
     static u8 to[64];

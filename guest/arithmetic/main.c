@@ -9,7 +9,7 @@ static u32 tried;
 static u32 failures;
 static const char* failedNames[shownNames];
 
-/// The block that loads and stores work on, as it is before each of them.
+/// The initial contents of the block for loads and stores.
 static const Quadword pattern[2] = {{0x8786858483828180, 0x7F7E7D7C8B8A8988}, {0, 0}};
 static Quadword block[2];
 

@@ -1,4 +1,4 @@
-// One function an operation: operands in a0 and a1, result in v0.
+// A function for each operation: operands in a0 and a1, result in v0.
     .set noreorder
     .set noat
     .set nomacro

@@ -6,7 +6,7 @@
 
 typedef u64 Operation(u64 a, u64 b);
 
-/// A name that can be shown, operands, and the result that a working processor gives.
+/// A name to show, operands, and the expected result.
 typedef struct {
     const char* name;
     Operation* operation;
@@ -15,7 +15,7 @@ typedef struct {
     u64 expected;
 } Case;
 
-/// The tables of cases, each closed by a case without a name.
+/// The tables of cases, each terminated by a case without a name.
 extern const Case integerCases[];
 extern const Case branchCases[];
 extern const Case memoryCases[];  ///< operand a is replaced by the address of a patterned block
@@ -40,6 +40,6 @@ extern Operation opJ, opJal, opJalr, opJr;
 extern Operation opLb, opLbu, opLh, opLhu, opLw, opLwu, opLd, opLdl, opLdr, opLq, opLwl, opLwr;
 extern Operation opSb, opSh, opSw, opSd, opSdl, opSdr, opSwl, opSwr, opLwc1;
 
-// a and b are bit patterns of floats, results too unless they are flags or integers.
+// a and b are bit patterns of floats, as are results unless they are flags or integers.
 extern Operation opAddS, opSubS, opMulS, opDivS, opMovS, opNegS, opCvtWS, opToInteger, opCvtS, opMtc1Mfc1;
 extern Operation opCEqS, opCOltS, opBc1f, opBc1t, opBc1tl;

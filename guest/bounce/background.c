@@ -1,5 +1,5 @@
-// What does not move: an evening sky with stars and a setting sun, mountains, and the floor's lines that
-// lead to the horizon.
+// The background: an evening sky with stars and a setting sun, mountains, and the floor's lines that lead to
+// the horizon.
 #include "bounce.h"
 
 static Quadword memory[256];
@@ -12,13 +12,13 @@ static void addColour(Packet* packet, u32 colour) {
     packetColour(packet, colour & 0xFF, colour >> 8 & 0xFF, colour >> 16 & 0xFF, 0x80);
 }
 
-/// The next primitives: their type, and tags with a colour before each `vertices` vertices.
+/// Starts primitives of a type, with a colour before each `vertices` vertices.
 static void begin(Packet* packet, u32 primitive, u32 vertices) {
     packetRegister(packet, GS_PRIM, primitive);
     packetOpen(packet, 0x55551, 1 + vertices);
 }
 
-/// From the top of the screen down, colours run into each other.
+/// A gradient of colours from the top of the screen down.
 static void drawSky(Packet* packet) {
     static const struct {
         s32 y;
@@ -64,7 +64,7 @@ static void drawSun(Packet* packet) {
     }
 }
 
-/// Each with a side in the light of the sun, the other in the dark.
+/// Mountains, each with a sunlit and a dark side.
 static void drawMountains(Packet* packet) {
     static const struct {
         s16 left, peak, right, height;
@@ -87,8 +87,8 @@ static void drawMountains(Packet* packet) {
     }
 }
 
-/// Lines from the bottom to the vanishing point, in pieces that darken with the distance. Vertices beyond
-/// the edge of the screen would be moved onto it, so the lines end there.
+/// Lines from the bottom to the vanishing point, in pieces that get darker with distance. They end at the
+/// edge of the screen, because vertices beyond it would be clamped to it.
 static void drawFloor(Packet* packet) {
     enum { rows = screenHeight - horizon, spacing = 56, half = screenWidth / 2, piece = 8, first = 8 };
     begin(packet, PRIM_LINE, 2);

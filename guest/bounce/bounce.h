@@ -1,11 +1,11 @@
-// Where everything is in local memory, and what the parts of the program share.
+// The layout of local memory, and declarations shared by the parts of the program.
 #pragma once
 
 #include "tarn_guest.h"
 
 enum { screenWidth = 320, screenHeight = 240, horizon = 140 };
 
-/// Two buffers to draw into by turns, and the background that each frame starts from. Stretched
+/// Two frame buffers, used alternately, and the background that each frame starts from. Stretched
 /// presentation shows columns 1 to 320.
 enum { frameWidth64 = 6, framePages = 45, backgroundPage = 2 * framePages };
 
@@ -17,7 +17,7 @@ enum { layerCount = 3, ballColours = 5 };
 extern const u32 ballSizes[layerCount];
 static inline u32 shadowHeight(u32 ballSize) { return ballSize / 4; }
 
-/// A spin has this many steps.
+/// Steps of a spin.
 enum { spinSteps = 16 };
 
 enum { letterWidth = 12, letterHeight = 16, logoWidth = 32, logoHeight = 48 };
@@ -30,7 +30,7 @@ static inline u32 floorColour(u32 rows) {
 /// Draws the sky, the mountains and the floor into the background.
 void drawBackground(void);
 
-/// Puts all textures and palettes into local memory.
+/// Uploads all textures and palettes to local memory.
 void uploadTextures(void);
 
 /// TEX0 values; texel (0, 0) is the top left one of a ball or a shadow.

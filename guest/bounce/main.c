@@ -1,14 +1,14 @@
-// Bouncing balls over an evening landscape, and a line of text that waves past: all that moves is a
-// sprite, flat for the floor and with a palette texture for everything else.
+// Bouncing balls over an evening landscape, and a wavy line of scrolling text. Everything that moves is a
+// sprite: flat for the floor, otherwise with a palette texture.
 //
-// The packet of a frame is built once. From frame to frame only positions, texture coordinates, palettes and
-// the floor's colours are written into it, and it goes out in one transfer.
+// The packet of a frame is built once. Each frame only changes positions, texture coordinates, palettes and
+// the floor's colours in it, and sends it in one transfer.
 #include "bounce.h"
 
 enum { ballCount = 24, floorLines = 12, logoLetters = 4, textLetters = screenWidth / letterWidth + 2 };
 enum { spriteCount = 2 * ballCount + logoLetters + textLetters };
 
-/// Steps that an update takes on average; they vary little.
+/// Average number of steps of an update; it varies little.
 enum { stepsPerUpdate = 5283 };
 
 static const char text[] =
@@ -81,7 +81,7 @@ static inline void setTexels(Sprite* sprite, u32 u, u32 v, u32 width, u32 height
     sprite->texelTo.low = (u64)((v + height) << 4) << 32 | (u + width) << 4;
 }
 
-/// Adds quadwords for sprites or lines and says where they are.
+/// Adds quadwords for sprites or lines and returns their place.
 static Quadword* reserve(Packet* packet, u32 quadwords) {
     Quadword* first = packet->memory + packet->count;
     for (u32 i = 0; i < quadwords; i++)
@@ -98,7 +98,7 @@ static Sprite* reserveSprites(Packet* packet, u32 count, u64 texture, u32 width,
     return sprites;
 }
 
-/// A layer's shadows lie below its balls, and both above all layers behind.
+/// The shadows of a layer are drawn before its balls, and layers from back to front.
 static void addBalls(Packet* packet) {
     u32 random = 2024;
     Ball* ball = balls;
@@ -153,7 +153,7 @@ static void fillWave(void) {
         wave[i] = (s8)toInteger(64.5f * sine(3.14159265f / 128.0f * toRealUnsigned(i)));
 }
 
-/// The floor comes nearer: its rows lie at equal distances, one row on every 32 frames.
+/// The floor moves towards the viewer: its rows are evenly spaced, and move by a row every 32 frames.
 static void moveFloor(u32 time) {
     enum { rows = screenHeight - horizon, unit = 32 };
     for (u32 i = 0; i < floorLines; i++) {
@@ -186,8 +186,7 @@ static void moveBall(Ball* ball) {
     s32 floor = layers[layer].floor;
     ball->sprite->texture.low = ballTexture(layer, ball->colour, ball->spin >> 8 & (spinSteps - 1));
     place(ball->sprite, x, floor - (s32)size - (ball->height >> 8), size, size);
-    // The shadow keeps to even columns: its texels then stay where they are on the screen, and do not
-    // flicker.
+    // Shadows stay in even columns so that their texels do not move on the screen and flicker.
     place(ball->shadow, (x & -2) + (s32)(size / 8 & -2u), floor - (s32)shadowHeight(size) / 2, size,
           shadowHeight(size));
 }
@@ -213,7 +212,7 @@ static void moveLogo(u32 time) {
               logoWidth, logoHeight);
 }
 
-/// What stays the same in every frame.
+/// The parts that are the same in every frame.
 static void setUpDrawing(void) {
     Packet packet = packetIn(memory, sizeof memory / sizeof memory[0]);
     packetRegister(&packet, GS_PRMODECONT, 1);
@@ -233,7 +232,7 @@ int main(void) {
     fillWave();
     Packet packet = packetIn(memory, sizeof memory / sizeof memory[0]);
     buildPacket(&packet);
-    packetSend(&packet);  // draws nothing yet, but closes the last tag
+    packetSend(&packet);  // draws nothing visible, but closes the last tag
 
     u32 page = 0;
     for (u32 time = 0;; time++) {

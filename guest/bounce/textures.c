@@ -1,14 +1,14 @@
-// The textures, all computed: balls with 8 bits a texel, shadows, font and logo with 4.
+// The textures, all computed: balls with 8 bits per texel; shadows, font and logo with 4.
 //
-// A ball spins although its texels never change. A texel holds its longitude (16 steps from one white
-// patch to the next) and its shade (16 steps); the palette gives patches of longitudes a colour, and starts
-// a longitude later from one step of the spin to the next. So a palette is a window onto a longer table.
+// A ball spins although its texels never change. A texel holds a longitude (16 steps from one white patch to
+// the next) and a shade (16 steps). The palette colours patches of longitudes, and starts one longitude later
+// with each step of the spin, so it is a window into a longer table.
 #include "bounce.h"
 
 const u32 ballSizes[layerCount] = {22, 38, 60};
 const char logo[] = "TARN";
 
-// In blocks of 64 words. All textures are 64 texels wide, which makes rows of 64 or 32 bytes.
+// In blocks of 64 words. All textures are 64 texels wide: rows of 64 or 32 bytes.
 enum {
     textureBlock = 4480,
     ballBlocks = 16,
@@ -30,7 +30,7 @@ enum { OPAQUE = 0x80000000, shadowInk = 15 };
 
 static u32 mix(u32 a, u32 b) { return ((a & 0xFEFEFE) + (b & 0xFEFEFE)) / 2; }
 
-/// A colour in a shade: 0 is transparent, above 12 lies the highlight.
+/// A colour in a shade: 0 is transparent, the highlight is above 12.
 static u32 shaded(u32 colour, u32 shade) {
     if (shade == 0)
         return 0;
@@ -54,7 +54,7 @@ static void uploadBallPalettes(void) {
             patches[1][shade] = shaded(colours[colour], shade);
             patches[2][shade] = shaded(mix(0xF8F8F8, colours[colour]), shade);
         }
-        // White and coloured patches of 7 longitudes, between them one of both.
+        // White and coloured patches of 7 longitudes, with one mixed longitude between them.
         for (u32 i = 0; i < 2 * spinSteps; i++)
             memcpy(table[i], patches[i % 8 == 0 ? 2 : i / 8 % 2], sizeof table[i]);
         for (u32 ahead = 0; ahead < longitudesPerBlock; ahead++)
@@ -141,7 +141,7 @@ static void uploadNibbles(u32 block, u32 rows) {
     memset(nibbles, 0, sizeof nibbles);
 }
 
-/// Ellipses of every other texel, which lets the floor through.
+/// Ellipses of every other texel, so that the floor shows through.
 static void uploadShadow(u32 layer) {
     s32 width = (s32)ballSizes[layer];
     s32 height = (s32)shadowHeight(ballSizes[layer]);
@@ -160,7 +160,7 @@ u64 shadowTexture(u32 layer) {
            gsTex0Palette(shadowPaletteBase, PSM_32, 0);
 }
 
-/// A character with its shadow. From top to bottom its texels run from 1 to 14.
+/// A character with its shadow. Its texels are 1 at the top to 14 at the bottom.
 static void drawLetter(u32 left, u32 top, u32 scale, char character) {
     const u8* rows = glyphOf(character);
     u32 drop = (scale + 2) / 4;

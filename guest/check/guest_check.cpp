@@ -80,7 +80,7 @@ constexpr u32 function(u32 word) { return bits(word, 0, 6); }
 
 constexpr bool isSpecial(u32 word, u32 code) { return major(word) == 0 && function(word) == code; }
 
-/// A 32-bit product that names no destination: MULT, DMULTU, MULT1.
+/// A product without a destination: MULT, DMULTU, MULT1.
 constexpr bool isProductIntoR0(u32 word) {
     const bool product =
         isSpecial(word, 24) || isSpecial(word, 29) || (major(word) == 28 && function(word) == 24);
@@ -91,7 +91,7 @@ constexpr bool isMfc1(u32 word) { return major(word) == 17 && rs(word) == 0; }
 constexpr bool isMtc1(u32 word) { return major(word) == 17 && rs(word) == 4; }
 constexpr bool isCvtS(u32 word) { return major(word) == 17 && rs(word) == 20 && function(word) == 32; }
 
-/// How the instruction at an index would surprise a compiler, or null.
+/// How the instruction at an index differs from what compilers expect, or null.
 const char* surpriseIn(const std::vector<u32>& words, std::size_t index) {
     const u32 word = words[index];
     const auto around = [&](std::size_t distanceBack) {

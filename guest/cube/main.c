@@ -1,8 +1,8 @@
-// A textured cube turns over a plain at dusk, two moons around it: 320 x 240, double-buffered.
+// A textured cube turns over a plain at dusk, with two moons around it: 320 x 240, double-buffered.
 //
-// The cube's faces are strips of small triangles with S, T and Q coordinates, because texels are
-// interpolated linearly between vertices; each face is modulated by its colour in the light. The moons are
-// flat triangles. Depth tells what hides what.
+// The cube's faces are strips of small triangles with S, T and Q coordinates, because texels are interpolated
+// linearly between vertices; each face is modulated by its colour in the light. The moons are flat triangles.
+// Visibility is by the depth test.
 #include "tarn_guest.h"
 
 enum { width = 320, height = 240, width64 = 6, framePages = 45 };
@@ -125,7 +125,7 @@ static void drawBackground(void) {
 /// One face of the cube: its outward normal, and its texture's directions to the right and down.
 static void drawFace(const Vector* normal, const Vector* right, const Vector* down, u32 colour) {
     if (!lessThan(normal->z * eyeDistance, -1.0f))
-        return;  // it looks away
+        return;  // faces away from the eye
     Projected points[corners][corners];
     for (s32 i = 0; i < corners; i++)
         for (s32 j = 0; j < corners; j++) {

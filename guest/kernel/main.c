@@ -1,5 +1,5 @@
-// Walks through every kernel call that works, checks what each one answers, and ends on Exit, which stops
-// the processor with the number of wrong answers in a0. Run it with General:Debug_syscall = 1.
+// Makes every kernel call that works, checks the results, and ends with Exit, which stops the processor with
+// the number of wrong results in a0. Run it with General:Debug_syscall = 1.
 #include "tarn_guest.h"
 
 enum { SIF0_CHANNEL = 5, D5_MADR = 0x1000C010 };
@@ -7,7 +7,7 @@ enum { SIF0_CHANNEL = 5, D5_MADR = 0x1000C010 };
 static s32 failures;
 static s32 handlerEntered;
 
-/// What sceSifSetDma would send; nobody looks at it.
+/// What sceSifSetDma would send; it is not read.
 static Quadword transfers[2];
 
 static void expect(u64 answer, u64 expected) {
@@ -15,7 +15,7 @@ static void expect(u64 answer, u64 expected) {
         failures++;
 }
 
-/// Entered in the middle of sceSifSetDma; its return is the return of that call.
+/// Called in the middle of sceSifSetDma: returning from it returns from that call.
 static s32 onSif0(s32 channel) {
     (void)channel;
     handlerEntered++;

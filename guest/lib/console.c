@@ -1,4 +1,4 @@
-// Text on the serial port.
+// Text output to the serial port.
 #include "console.h"
 
 enum { SIO_TXFIFO = 0x1000F180 };

@@ -1,4 +1,4 @@
-// The Graphics Synthesizer's registers: numbers, and values built from their fields.
+// The Graphics Synthesizer's registers: numbers, and functions that build values from fields.
 //
 // Local memory is 4 MB, one 32-bit word per pixel in every format. Frame and depth buffers start at pages
 // of 2048 words, textures, palettes and transfers at blocks of 64 words; widths are in units of 64 pixels.
@@ -22,7 +22,7 @@ enum GsRegister {
     GS_FOG = 0x0A,
     GS_XYZF3 = 0x0C,
     GS_XYZ3 = 0x0D,
-    GS_AD = 0x0E,  ///< packed format: the register is named in the data
+    GS_AD = 0x0E,  ///< packed format: the data name the register
     GS_TEX1_1 = 0x14,
     GS_TEX1_2 = 0x15,
     GS_XYOFFSET_1 = 0x18,

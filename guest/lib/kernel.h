@@ -1,4 +1,4 @@
-// The kernel calls that work. All others stop the processor on their SYSCALL instruction.
+// The implemented kernel calls. All others stop the processor at their SYSCALL instruction.
 #pragma once
 
 #include "types.h"
@@ -26,17 +26,18 @@ void Exit(s32 status) __attribute__((noreturn));        ///< 0x04: stops the pro
 // The first sceSifSetDma with a count of 1 continues in the handler registered for channel 5, with the
 // registers as they are: the handler's return is the return of sceSifSetDma. Later ones do nothing.
 
-/// Room from the heap, a multiple of 16 bytes and aligned to 16; null when there is none left. Never freed.
+/// Allocates heap memory, rounded up to and aligned to 16 bytes. Returns null if there is none left. Cannot
+/// be freed.
 void* allocate(u32 bytes);
 
-/// Spends a number of driver steps, each one instruction (a taken branch takes its delay slot along).
+/// Waits for a number of driver steps. Each is an instruction, or a taken branch with its delay slot.
 void waitSteps(u32 steps);
 
 /// Steps from one vertical blank to the next.
 enum { stepsPerFrame = 28659 };
 
 #ifdef TARN_COMPLETE_CPU
-/// The number of the driver step that asks, modulo 2^32.
+/// The number of the driver step that reads it, modulo 2^32.
 static inline u32 stepCount(void) {
     u32 count;
     __asm__ volatile("mfc0 %0, $9" : "=r"(count));

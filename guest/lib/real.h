@@ -1,10 +1,9 @@
-// Single-precision arithmetic within what the floating-point unit here can do.
+// Single-precision arithmetic for the described processor's floating-point unit.
 //
-// It adds, subtracts, multiplies, divides, negates, and compares with == and <. What the compiler would do
-// otherwise either stops the processor (<= and >=, fabsf, square roots) or goes wrong without a word (casts
-// between integers and floats, looking at the bits of a float): use these functions instead. The build
-// refuses a program that contains such instructions. For the complete processor, which computes as the
-// compiler thinks, each is what C has for it.
+// It adds, subtracts, multiplies, divides, negates, and compares with == and <. Other operations either stop
+// the processor (<= and >=, fabsf, square roots) or silently give wrong results (casts between integers and
+// floats, reading the bits of a float): use these functions instead. The build refuses programs with such
+// instructions. On the complete processor, each function is the plain C operation.
 #pragma once
 
 #include "types.h"
@@ -43,8 +42,8 @@ static inline s32 lessThan(f32 a, f32 b) {
     return result;
 }
 
-/// The integer part, towards zero. MFC1 converts, and leaves bits 32 to 63 clear whatever the sign: the
-/// shift by 0 extends it.
+/// Truncates to an integer. MFC1 converts, and clears bits 32 to 63 whatever the sign; the shift by 0
+/// sign-extends.
 static inline s32 toInteger(f32 value) {
     f32 whole;
     s32 result;
@@ -109,5 +108,5 @@ f32 cosine(f32 angle);
 
 static inline f32 square(f32 value) { return value * value; }
 
-/// Square root by Newton's method; 0 for what is not positive.
+/// Square root by Newton's method; 0 for numbers that are not positive.
 f32 squareRoot(f32 value);

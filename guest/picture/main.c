@@ -1,7 +1,7 @@
 // A test card, 320 x 240: drawn into main memory and shown by one image transfer.
 //
-// Castellations around the edge show what is cut off, the grid shows geometry, the disc roundness; within
-// the disc colour bars, a grey staircase, ramps of the three primaries, and gratings of 1 to 4 pixels.
+// Castellations around the edge show cropping, the grid shows geometry, the disc roundness. In the disc there
+// are colour bars, a grey staircase, ramps of the three primaries, and gratings of 1 to 4 pixels.
 #include "tarn_guest.h"
 
 enum { width = 320, height = 240, cell = 20, border = 8 };
@@ -19,7 +19,7 @@ enum Colour {
 static const u32 barColours[8] = {0x80C0C0C0, 0x8000C0C0, 0x80C0C000, 0x8000C000,
                                   0x80C000C0, 0x800000C0, 0x80C00000, 0x80000000};
 
-/// What a band of the disc shows, and from which row on.
+/// What a band of the disc shows, and its first row.
 typedef struct {
     u32 top;
     enum { PLAIN, BARS, GREYS, RED_RAMP, GREEN_RAMP, BLUE_RAMP, GRATINGS } content;
@@ -53,7 +53,7 @@ static void drawGround(const Canvas* card) {
     for (u32 y = 0; y < height; y++) {
         u32* row = canvasRow(card, y);
         u32 inCell = y % cell;
-        // Rows differ from the one above only where a cell or the border begins or a grid line ends.
+        // A row differs from the one above only where a cell or the border begins or a grid line ends.
         if (inCell > 1 && y != border && y != height - border) {
             memcpy(row, canvasRow(card, y - 1), width * sizeof(u32));
             continue;
@@ -69,8 +69,8 @@ static void drawGround(const Canvas* card) {
     }
 }
 
-/// Columns from the centre line to the edge of a disc of the given radius in row y. Distances count from
-/// pixel centres, in half pixels: the centre lies between columns 159 and 160 and rows 119 and 120.
+/// Columns from the centre line to the edge of a disc of the given radius in row y. Distances are between
+/// pixel centres, in half pixels: the centre is between columns 159 and 160 and rows 119 and 120.
 static u32 halfWidth(u32 y, s32 discRadius) {
     s32 dy = 2 * (s32)y - (height - 1);
     s32 room = 4 * discRadius * discRadius - dy * dy;

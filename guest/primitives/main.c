@@ -30,7 +30,7 @@ static Quadword memory[256];
 static Packet packet;
 static Font font;
 
-/// Opens packets of vertices with what `registers` names.
+/// Starts vertices that consist of `registers`.
 static void beginPrimitive(u32 type, u64 registers, u32 registerCount) {
     packetRegister(&packet, GS_PRIM, type);
     packetOpen(&packet, registers, registerCount);
@@ -40,16 +40,16 @@ static void addColour(u32 colour) {
     packetColour(&packet, colour & 0xFF, colour >> 8 & 0xFF, colour >> 16 & 0xFF, colour >> 24);
 }
 
-// Coordinates are pixels of a cell; each cell's drawing offset takes 2048 off and its place in.
+// Coordinates are pixels of a cell; the drawing offset of each cell subtracts 2048 and adds its place.
 static void addVertex(s32 x, s32 y, u32 z) { packetXyz2(&packet, (2048 + x) * 16, (2048 + y) * 16, z); }
 static void addUv(u32 u, u32 v) { packetUv(&packet, u * 16, v * 16); }
 
-/// A point on a circle about the cell's centre.
+/// A point on a circle around the centre of the cell.
 static void addOnCircle(f32 angle, f32 radius) {
     addVertex(centreX + toInteger(radius * cosine(angle)), centreY + toInteger(radius * sine(angle)), 0);
 }
 
-/// A colour of the rainbow, 0 and 1 red.
+/// A hue; 0 and 1 are red.
 static u32 hue(f32 position) {
     u32 channels[3];
     for (u32 i = 0; i < 3; i++)
@@ -95,7 +95,7 @@ static void drawTriangles(void) {
         addColour(hue(toReal(i + 1) / 8.0f));
         addOnCircle(angle + 0.4f, 6.0f);
     }
-    beginPrimitive(7, COLOUR_XYZ2, 2);  // the reserved type: nothing may come of it
+    beginPrimitive(7, COLOUR_XYZ2, 2);  // the reserved type, which must not draw
     addColour(0xFFFFFFFF);
     addVertex(centreX, centreY, 0);
 }
@@ -111,7 +111,7 @@ static void drawTriangleStrip(void) {
     }
 }
 
-/// A wheel of colours about the cell's centre. `attributes` is added to the type.
+/// A colour wheel around the centre of the cell. `attributes` is added to the type.
 static void drawWheel(u32 attributes) {
     beginPrimitive(PRIM_TRIANGLE_FAN | PRIM_GOURAUD | attributes, COLOUR_XYZ2, 2);
     addColour(0x80FFFFFF);
@@ -124,7 +124,7 @@ static void drawWheel(u32 attributes) {
 
 static void drawTriangleFan(void) { drawWheel(0); }
 
-/// A sprite of the current texture's top left corner.
+/// A sprite with the top left corner of the current texture.
 static void addSprite(s32 x, s32 y, u32 w, u32 h) {
     beginPrimitive(PRIM_SPRITE | PRIM_TEXTURE | PRIM_UV, UV_XYZ2, 2);
     addUv(0, 0);
@@ -133,7 +133,7 @@ static void addSprite(s32 x, s32 y, u32 w, u32 h) {
     addVertex(x + w, y + h, 0);
 }
 
-/// The ball in 32-bit greys, in 8-bit and in 4-bit indexes: the same rows of words, 64 words each.
+/// The ball in 32-bit greys, and as 8-bit and 4-bit indexes, all with rows of 64 words.
 static void makeBalls(void) {
     Canvas balls[3] = {newCanvas(64, ballSize), newCanvas(64, ballSize), newCanvas(64, ballSize)};
     for (u32 i = 0; i < 3; i++)
@@ -149,8 +149,8 @@ static void makeBalls(void) {
         uploadImage(balls[i].pixels, 64, ballSize, ballBlock + i * 64, 1, 0, 0);
 }
 
-/// Palettes from dark to a bright colour; entry 0 is transparent. In 256 entries of 32 bits, those whose
-/// index has bit 3 and not bit 4 set change places with those that have bit 4 and not bit 3.
+/// Palettes from dark to a bright colour; entry 0 is transparent. In 256 entries of 32 bits, bits 3 and 4 of
+/// the index are exchanged.
 static void makePalettes(void) {
     Canvas ramp32 = newCanvas(64, 4);
     Canvas ramp16 = newCanvas(64, 2);
@@ -186,7 +186,7 @@ static void drawSprites(void) {
     addSprite(44, 48, ballSize, ballSize);
 }
 
-/// A chessboard with a sheen, and stripes whose alpha grows from 0 at the left to 0xF8.
+/// A shaded chessboard, and stripes whose alpha increases from 0 at the left to 0xF8.
 static void makeTextures(void) {
     Canvas board = newCanvas(64, 64);
     Canvas stripes = newCanvas(64, 16);
@@ -232,7 +232,7 @@ static void drawTextures(void) {
     }
 }
 
-/// The stripes through every method, against an alpha of 0x80.
+/// The stripes with every method of the alpha test, against 0x80.
 static void drawAlphaTests(void) {
     packetRegister(&packet, GS_TEX0_1, gsTex0(stripesBlock, 1, PSM_32, 6, 4, 1, TFX_MODULATE));
     packetRegister(&packet, GS_RGBAQ, gsRgbaq(UNITY, 0));
@@ -242,7 +242,7 @@ static void drawAlphaTests(void) {
     }
 }
 
-/// Two triangles that lean through each other, and a bar at one depth through both.
+/// Two intersecting triangles, and a bar of constant depth through both.
 static void drawDepthTests(void) {
     packetRegister(&packet, GS_TEST_1, gsTestDepth(ZTST_ALWAYS));
     beginPrimitive(PRIM_SPRITE, COLOUR_XYZ2, 2);
@@ -269,13 +269,14 @@ static void drawDepthTests(void) {
     addVertex(6, 34, 0);
     addColour(0x80E0C040);
     addVertex(74, 40, 750);
-    packetRegister(&packet, GS_TEST_1, gsTestDepth(ZTST_NEVER));  // hides all of this one
+    packetRegister(&packet, GS_TEST_1, gsTestDepth(ZTST_NEVER));  // draws nothing
     beginPrimitive(PRIM_SPRITE, COLOUR_XYZ2, 2);
     addVertex(0, 0, 0);
     addVertex(80, 80, 0xFFFFFFFF);
 }
 
-/// Four windows of the second context, each moved outwards from the wheel's quarter that it shows.
+/// Four scissor windows of the second context, each moved outwards from the quarter of the wheel that it
+/// shows.
 static void drawContexts(void) {
     const u32 left = 3 * cell + 1;
     const u32 top = cell * 2;
@@ -291,7 +292,7 @@ static void drawContexts(void) {
     }
 }
 
-/// The wheel from the fan's cell in slices, pushed to either side in turn.
+/// The wheel from the fan's cell in slices, moved alternately to either side.
 static void moveSlices(void) {
     packetSend(&packet);
     for (u32 slice = 0; slice < 11; slice++) {
@@ -311,7 +312,7 @@ static const struct {
     {"DEPTH TEST", drawDepthTests}, {"LOCAL MOVE", moveSlices},   {"CONTEXT 2", drawContexts},
 };
 
-/// A flat panel with a light edge, its title, and what it shows.
+/// A flat panel with a light edge, a title, and its contents.
 static void drawCell(u32 i) {
     u32 left = i % columns * cell + 1;
     u32 top = i / columns * cell;

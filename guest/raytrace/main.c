@@ -1,5 +1,5 @@
-// Ray tracing: spheres over a chequered floor, with shadows and reflections. The picture comes in squares
-// that get smaller, and then its edges are smoothed.
+// Ray tracing: spheres over a chequered floor, with shadows and reflections. The picture is drawn in squares
+// of decreasing size, then its edges are smoothed.
 //
 // Plain C with ordinary operators on floats, so it needs the complete processor (tarn-guest-build
 // --complete-cpu, Complete_cpu = 1 in tarn.ini).
@@ -11,7 +11,7 @@
 
 enum { width = 320, height = 240, coarsest = 8, samples = 4, contrast = 24 };
 
-/// A channel of a colour, brightened for the eye.
+/// A channel of a colour, gamma-corrected.
 static u32 channel(float light) {
     float shown = sqrtf(light < 0.0f ? 0.0f : light > 1.0f ? 1.0f : light);
     return (u32)(shown * 255.0f + 0.5f);
@@ -28,7 +28,7 @@ static Vector lightAt(float x, float y) {
     return lightAlong(right, up);
 }
 
-/// Traces a ray for each square that the squares of twice the size have not had one for.
+/// Traces a ray for each square, except for those already traced at twice the size.
 static void drawSquares(const Canvas* canvas, u32 size) {
     for (u32 y = 0; y < height; y += size)
         for (u32 x = 0; x < width; x += size) {
@@ -47,7 +47,7 @@ static bool differ(u32 a, u32 b) {
     return false;
 }
 
-/// Gives the pixels that differ from a neighbour the mean of several rays.
+/// Replaces pixels that differ from a neighbour by the mean of several rays.
 static void smooth(const Canvas* canvas) {
     Canvas sharp = newCanvas(width, height);
     memcpy(sharp.pixels, canvas->pixels, width * height * sizeof(u32));
@@ -78,6 +78,6 @@ int main(void) {
     }
     smooth(&canvas);
     showCanvas(&canvas);
-    waitFrame();  // shown, before the processor stops
+    waitFrame();  // so that the picture is shown before the processor stops
     return 0;
 }

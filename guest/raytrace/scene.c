@@ -1,4 +1,4 @@
-// Spheres and a floor: what a ray meets, and how bright that is.
+// Spheres and a floor: intersection with rays, and shading.
 #include "scene.h"
 
 #include <stdbool.h>
@@ -8,7 +8,7 @@ typedef struct {
     Vector centre;
     float radius;
     Vector colour;
-    float mirror;  ///< the share of reflected light
+    float mirror;  ///< fraction of light that is reflected
 } Sphere;
 
 static const Sphere spheres[] = {
@@ -30,7 +30,7 @@ static const Vector zenith = {0.10f, 0.25f, 0.60f};
 static const float farAway = 1e6f;
 static const float near = 1e-3f;
 
-/// How far along the ray its first point on the sphere is, or farAway. The direction is of length 1.
+/// The distance along the ray to its first point on the sphere, or farAway. The direction has length 1.
 static float meetSphere(const Sphere* sphere, Vector from, Vector direction) {
     Vector between = subtract(sphere->centre, from);
     float along = dot(between, direction);
@@ -42,7 +42,7 @@ static float meetSphere(const Sphere* sphere, Vector from, Vector direction) {
     return distance > near ? distance : farAway;
 }
 
-/// The nearest sphere on the ray, or null, and how far it is.
+/// The nearest sphere on the ray, or null, and its distance.
 static const Sphere* nearestSphere(Vector from, Vector direction, float* distance) {
     const Sphere* nearest = NULL;
     *distance = farAway;
@@ -71,7 +71,7 @@ static Vector sky(Vector direction) {
     return towards > 0.995f ? add(light, sunlight) : light;
 }
 
-/// Squares of two greys, which become one in the distance.
+/// Squares of two greys, which blend in the distance.
 static Vector floorColour(Vector point, float distance) {
     int odd = ((int)floorf(point.x) ^ (int)floorf(point.z)) & 1;
     float grey = odd ? 0.16f : 0.72f;
@@ -99,7 +99,7 @@ Vector lightAlong(float right, float up) {
         Vector colour = onFloor ? floorColour(point, down) : sphere->colour;
         float mirror = onFloor ? 0.12f : sphere->mirror;
 
-        // The sky lights everything a little, the sun what it sees.
+        // The sky lights everything a little, the sun only what it reaches.
         float slope = dot(normal, sun);
         Vector light = scale(horizon, 0.18f + 0.12f * normal.y);
         float shine = 0.0f;

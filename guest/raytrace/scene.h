@@ -1,4 +1,4 @@
-// The scene and the light that comes from it.
+// The scene.
 #pragma once
 
 #include <math.h>
@@ -19,6 +19,6 @@ static inline Vector mix(Vector a, Vector b, float share) {
     return add(scale(a, 1.0f - share), scale(b, share));
 }
 
-/// The light (red, green, blue; 1 is full) through a point of the picture: its middle is (0, 0), its upper
-/// edge at up = 1.
+/// The colour (red, green, blue; 1 is full) of a point of the picture. The centre is (0, 0), the upper edge
+/// is at up = 1.
 Vector lightAlong(float right, float up);

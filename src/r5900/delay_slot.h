@@ -31,7 +31,8 @@ inline void executeDelaySlot() {
 
 /// Executes the delay slot and jumps, after the trace line of the branch has been written. That line is shown
 /// at once, because the delay slot replaces it; the line of the delay slot is shown twice, by its own step
-/// and by that of the branch. PC becomes the target whatever the delay slot did to it, unless that stopped.
+/// and by that of the branch. PC becomes the target whatever the delay slot did to it, unless the slot
+/// stopped.
 inline void jumpTo(u64 target) {
     if (tracing()) [[unlikely]] {
         showTakenBranch();

@@ -1,4 +1,4 @@
-// Runs that end before certain steps.
+// Runs that stop before certain steps.
 #include "r5900/run_stops.h"
 
 #include "r5900/interpreter.h"
@@ -19,8 +19,8 @@ bool mayTouch(const Operation& operation, u32 word) {
     return operation.accessesMemory() && runStops->watched->mayHold(operation.address(word, MipsCpu));
 }
 
-/// Whether a step may access watched memory: the instruction, or its delay slot. A slot whose address may
-/// depend on the branch itself is left to the exact question.
+/// Whether a step may access watched memory, in its instruction or its delay slot. True for a slot whose
+/// address may depend on the branch: stopsHere decides.
 bool mayTouch(u64 words) {
     const Operation& first = operationOf(firstWord(words));
     if (!first.hasDelaySlot()) {
@@ -31,7 +31,7 @@ bool mayTouch(u64 words) {
            mayTouch(second, secondWord(words));
 }
 
-/// Whether any step of these words can do that.
+/// Whether a step of these words can access memory.
 bool accessesMemory(u64 words) {
     const Operation& first = operationOf(firstWord(words));
     const Operation& second = operationOf(secondWord(words));

@@ -1,5 +1,5 @@
-// Runs that end before certain steps, for breakpoints and watchpoints. Those steps' decoded instructions have
-// routines of their own, so that all others have nothing to ask.
+// Runs that stop before certain steps, for breakpoints and watchpoints. The decoded instructions of these
+// steps get special routines, so that all others run at full speed.
 #pragma once
 
 #include "r5900/decode_cache.h"
@@ -8,10 +8,10 @@
 
 namespace tarn::r5900 {
 
-/// Places in memory, coarsely: all views of a byte have the same bit.
+/// A coarse set of memory addresses. All views of a byte share a bit.
 class WatchedLines {
   public:
-    /// Adds `bytes` bytes, and what an access may begin with before them.
+    /// Adds `bytes` bytes, and the addresses before them at which an access that reaches them may start.
     void add(u32 address, u32 bytes);
     void clear() { bits.fill(0); }
     bool mayHold(u32 address) const {
@@ -27,25 +27,25 @@ class WatchedLines {
     std::array<u64, lines / 64> bits{};
 };
 
-/// Before which steps runs end.
+/// The steps before which runs stop.
 struct RunStops {
-    /// Whether steps at an address, in main memory, are among them.
+    /// Whether to stop before every step at an address in main memory.
     bool (*breaksAt)(u32 pc);
 
-    /// The memory whose accesses are, or null.
+    /// The memory whose accesses stop runs, or null.
     const WatchedLines* watched;
 
-    /// Whether the next step is, with the registers as they are.
+    /// Whether to stop before the next step, given the current registers.
     bool (*stopsHere)();
 };
 
-/// Has runs end before these steps; by null, before none. For the time between runs.
+/// Makes runs stop before these steps; null removes the stops. Not to be called during a run.
 void stopRuns(const RunStops* stops);
 
-/// Who has runs end, or null.
+/// The current stops, or null.
 extern const RunStops* runStops;
 
-/// Gives the instruction at `pc` the routine that it needs to end runs.
+/// Sets the routine of the instruction at `pc` so that runs stop where they must.
 void placeStop(DecodedInstruction& instruction, u64 pc);
 
 }  // namespace tarn::r5900

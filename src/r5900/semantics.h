@@ -2,8 +2,7 @@
 //
 // The semantics of an instruction is a function of its decoded operands. It does not use the instruction word
 // or PC, so that both ways of execution can call it: single steps (step_handlers.h) and runs of many steps
-// (threaded_interpreter.h). The lists (instruction_list.h) assign semantics to
-// instructions.
+// (threaded_interpreter.h). The lists (instruction_list.h) assign semantics to instructions.
 #pragma once
 
 #include "r5900/fields.h"

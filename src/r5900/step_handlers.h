@@ -11,7 +11,7 @@
 
 namespace tarn::r5900 {
 
-/// Executes the instruction in MipsCpu.opcode and advances PC, or pauses and leaves PC.
+/// Executes the instruction in MipsCpu.opcode and advances PC, or pauses without changing PC.
 using Handler = void (*)();
 
 /// The handler of everything that is not implemented: it only pauses.

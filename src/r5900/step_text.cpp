@@ -1,4 +1,4 @@
-// The text of single steps.
+// Describing single steps as text.
 #include "r5900/step_text.h"
 
 #include "base/hex_text.h"
@@ -42,7 +42,7 @@ void appendName(std::string& text, const char* name) {
     text += '=';
 }
 
-/// Whether a part of the registers has changed, which is then noted.
+/// Whether a value has changed. If so, updates `before`.
 template <typename Value>
 bool changes(Value& before, const Value& now) {
     if (std::memcmp(&before, &now, sizeof now) == 0) [[likely]] {
@@ -52,7 +52,7 @@ bool changes(Value& before, const Value& now) {
     return true;
 }
 
-/// The same for registers by number, each that has changed by a call.
+/// Calls `call` for each register that has changed, and updates `before`.
 template <typename Values, typename Call>
 void eachChange(Values& before, const Values& now, Call call) {
     if (std::memcmp(&before, &now, sizeof now) == 0) {
@@ -71,15 +71,14 @@ std::string nameOfCp0(std::size_t number, std::size_t select) {
     return select == 0 ? found : found + "." + std::to_string(select);
 }
 
-/// The register that a store outside main memory takes its value from; false where the value is not that of
-/// one register.
+/// The value of a store outside main memory. Returns false if it is not that of a single register.
 bool storedRegister(u32 word, GuestValue& value) {
     const std::string_view name = mnemonicOf(word);
     value = name == "SWC1" ? MipsCpu.FPR128[bits16To20(word)] : MipsCpu.GPR[bits16To20(word)];
     return name == "SW" || name == "SD" || name == "SWC1";
 }
 
-/// What a store has left at its address.
+/// Appends the address of a store, and the value it has stored.
 void appendStore(std::string& text, u32 word, const Operation& operation) {
     const u32 address = operation.address(word, MipsCpu);
     const u32 bytes = bytesOf(operation.width);
@@ -146,11 +145,11 @@ void StepText::branchTaken() {
 }
 
 void StepText::executed(u64 pc, u32 word) {
-    // Behind the innermost instruction the branches come back, which have been seen.
+    // After the innermost instruction the enclosing branches are reported again.
     if (std::exchange(innermostIsDone, true) || pc == lastBranch) {
         return;
     }
-    const bool isUnaligned = processor->isComplete && pc % 4 != 0;  // and stops before anything else
+    const bool isUnaligned = processor->isComplete && pc % 4 != 0;  // it has stopped first
     if (!isUnaligned && traceLineOf(word).format != nullptr) {
         appendLine(debugTempText.data());
     } else {

@@ -1,4 +1,4 @@
-// What single steps do, as text: the trace lines, and what changed.
+// Describing single steps as text: trace lines and changes.
 #pragma once
 
 #include "base/diagnostics.h"
@@ -8,31 +8,31 @@
 
 namespace tarn::r5900 {
 
-/// The registers as they were, to find those that change.
+/// A copy of the registers, to find those that change.
 class RegisterChanges {
   public:
-    /// Appends " name=value" for each register that is not as it was at the last call, or at construction.
+    /// Appends " name=value" for each register that has changed since the last call, or since construction.
     void appendTo(std::string& text);
 
   private:
     MipsCpuRecord before = MipsCpu;
 };
 
-/// Makes a text of each traced step:
+/// Describes each traced step:
 ///
 ///     00100010: bne t0,r0,100000 | 00100014: sw t1,   4(a0) t1=5 [00108004]=5
 ///
-/// The instructions, those in delay slots behind their branches; the registers that changed, in hexadecimal,
-/// or, those of the FPU, in decimal; the address and the value of a store; "(paused)". An instruction that
-/// writes no trace line appears by its name.
+/// The instructions, with delay slots after their branches; the changed registers, in hexadecimal, those of
+/// the FPU in decimal; the address and value of a store; "(paused)". An instruction without a trace line
+/// appears by its name.
 class StepText : public TraceObserver {
   public:
     void stepBegins() override;
     void branchTaken() override;
     void executed(u64 pc, u32 word) override;
 
-    /// The text of what has been traced since the last call, once the step is over, so that it has what the
-    /// DMA controller did to the registers; empty if there is nothing. It lasts until more is traced.
+    /// The text of what has been traced since the last call, or an empty text. To be called after the step,
+    /// so that it includes changes by the DMA controller. Valid until more is traced.
     std::string_view finish();
 
   private:
@@ -42,7 +42,7 @@ class StepText : public TraceObserver {
     std::string store;
     RegisterChanges changes;
     bool isPending = false;        ///< the text is not finished
-    bool innermostIsDone = false;  ///< the instruction behind all branches of the step
+    bool innermostIsDone = false;  ///< the instruction after all branches of the step
     u64 lastBranch = 0;            ///< address of the last of these
 };
 

@@ -7,7 +7,7 @@
 
 namespace tarn::r5900 {
 
-/// Names a place in the program for the line that a stop prints; gives nothing if it is not known.
+/// Returns the name of a place in the program for the line that a stop prints; empty if unknown.
 inline std::string (*describePlace)(u32 address) = [](u32) { return std::string(); };
 
 /// Pauses with PC on the instruction, and prints the reason in the EmuOutput pane.

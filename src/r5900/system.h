@@ -22,7 +22,7 @@ inline u64& status() { return MipsCpu.CP0[cp0_register::Status][0]; }
 inline void EI(NoFields) { status() |= statusEnableMask; }
 inline void DI(NoFields) { status() &= 0xFFFFFFFF & ~statusEnableMask; }
 
-/// The kernel's handler advances PC, or leaves it and pauses.
+/// The kernel's handler advances PC, or pauses without changing PC.
 inline void SYSCALL() { syscall_fct[static_cast<u8>(MipsCpu.GPR[REG_V1].low)](); }
 
 // Intentional: these write their trace line even without tracing; a later instruction may show it again.

@@ -53,7 +53,7 @@ constexpr u32 secondWord(u64 words) { return static_cast<u32>(words >> 32); }
 [[gnu::noinline]] void endBefore(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots,
                                  const u8* memory);
 
-/// What a run ends with whose budget is spent, or that leaves the code: chosen before a run.
+/// The routine that ends a run when its budget is used up or it leaves the code. Selected before a run.
 inline Routine endOfBudget = stepPlainly;
 
 // Transitions from one instruction to the next.

@@ -14,7 +14,7 @@ namespace tarn::r5900 {
 
 namespace {
 
-/// PC and a colon; where the text goes on.
+/// Writes PC and a colon. Returns the end.
 char* beginLine() {
     char* at = writeHex(debugTempText.data(), MipsCpu.PC, 8);
     *at++ = ':';
@@ -29,8 +29,8 @@ char* copy(const char* text, char* at) {
     return at;
 }
 
-/// Writes an operand as printf does by the conversion at `format`, which is moved behind it. Of those that
-/// printf has, the formats use few.
+/// Writes an operand by the printf conversion at `format`, and moves `format` to after it. Handles the
+/// conversions that occur in formats.
 char* convert(const char*& format, Operand operand, u32 word, char* at) {
     unsigned width = 0;
     char filling = ' ';

@@ -1,4 +1,4 @@
-// The instruction trace: the line of each instruction, and to whom it is shown.
+// The instruction trace: the line of each instruction, and its output.
 #pragma once
 
 #include "base/types.h"
@@ -18,7 +18,7 @@ namespace r5900 {
 /// Whether instructions are traced.
 inline bool tracing() { return Settings.debug_op == 1; }
 
-/// What a conversion of a trace line's format shows of an instruction word.
+/// What a conversion of a trace line's format prints.
 enum class Operand : u8 {
     // Names of registers.
     Rs,
@@ -56,7 +56,7 @@ constexpr char conversionOf(Operand operand) {
     return operand < Operand::Sa ? 's' : operand < Operand::Immediate ? 'd' : 'l';
 }
 
-/// A format that has the conversions of its operands; no constant can be made of another.
+/// A format and its operands. A constant whose conversions do not match its operands does not compile.
 struct TraceLine {
     const char* format = nullptr;  ///< null: the instruction writes no line
     std::array<Operand, 4> operands{};
@@ -79,21 +79,22 @@ struct TraceLine {
     }
 };
 
-/// The line of an instruction word on the processor that runs, as the list of instructions has it.
+/// The trace line of an instruction word on the current processor, from the list of instructions.
 const TraceLine& traceLineOf(u32 word);
 
-/// The operand of an instruction word, as the machine is now: the name of a register, or a number.
+/// An operand of an instruction word, with the current state of the machine: the name of a register, or a
+/// number.
 const char* nameOf(Operand operand, u32 word);
 u64 numberOf(Operand operand, u32 word);
 
-// Cold, so that they are not inlined where tracing is off nearly always.
+// Cold, so that they are not inlined: tracing is nearly always off.
 
-/// Puts PC and the text into debugTempText.
+/// Writes PC and the text to debugTempText.
 [[gnu::cold]] void traceText(const char* text);
-/// Puts PC and the line of an instruction word into debugTempText, if it has one.
+/// Writes PC and the trace line of an instruction word, if it has one, to debugTempText.
 [[gnu::cold]] void traceLine(u32 word);
 
-/// What observes the trace, or else the panes, is shown what is in debugTempText.
+/// Send debugTempText to the trace observer, or else to the panes.
 [[gnu::cold]] void beginTracedInstruction();
 [[gnu::cold]] void showTakenBranch();
 [[gnu::cold]] void showInstruction(u64 pc, u32 word);

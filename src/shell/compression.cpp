@@ -26,7 +26,7 @@ class GzipCompressor final : public Compressor {
             file.noteFailure("zlib has no memory");
             return;
         }
-        // zlib does not write there, in spite of the type.
+        // zlib's type is not const, but it does not write there.
         stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes.data()));
         stream.avail_in = static_cast<uInt>(bytes.size());
         do {

@@ -1,4 +1,4 @@
-// Compressing what is written to a file, as the end of its name asks.
+// Compressing output files, depending on their names.
 #pragma once
 
 #include "shell/output_files.h"
@@ -12,12 +12,12 @@ class Compressor {
   public:
     virtual ~Compressor() = default;
 
-    /// Writes the bytes to the file, compressed and with a delay; all of them when they are the last. A
-    /// failure is noted in the file.
+    /// Compresses bytes to the file, possibly with a delay; the `last` bytes complete it. Errors are noted in
+    /// the file.
     virtual void write(std::string_view bytes, bool last, OutputFile& file) = 0;
 };
 
-/// For a path that ends in .gz or .zst; null for any other.
+/// The compressor for a path that ends in .gz or .zst; null for other paths.
 std::unique_ptr<Compressor> compressorFor(std::string_view path);
 
 }  // namespace tarn

@@ -1,4 +1,4 @@
-// The three state machines: start-up, run and shut-down, one step a call.
+// The three state machines: start-up, run and shut-down. Each call makes a step.
 #include "shell/driver.h"
 
 #include "base/diagnostics.h"
@@ -51,7 +51,7 @@ std::string placeInProgram(u32 address) {
     return symbols::readSymbols(Settings.ElfToExecute).describe(address);
 }
 
-/// SIGINT and SIGTERM shut the machine down as Escape does. True when one has come.
+/// SIGINT and SIGTERM shut the machine down like Escape. Returns whether one has been received.
 bool shutDownOnSignal() {
     if (stopRequested()) {
         TarnGUI.IdleProc = koGUI_TarnEndingProc;

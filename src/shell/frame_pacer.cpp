@@ -1,4 +1,4 @@
-// The pacing of the picture. It sleeps in short pieces, between which the main loop takes input.
+// Frame pacing. Sleeps for short times, between which the main loop handles input.
 #include "shell/frame_pacer.h"
 
 #include <algorithm>
@@ -18,7 +18,7 @@ bool FramePacer::holds(u64 blanks, u32 rate) {
     const Clock::time_point now = Clock::now();
     if (blanks != lastBlank) {
         lastBlank = blanks;
-        // On a steady grid while the machine keeps up; time that it has lost is not made up for.
+        // A steady rate while the machine keeps up; lost time is not made up for.
         due = std::max(now, due + std::chrono::nanoseconds(std::chrono::seconds(1)) / rate);
     }
     if (now >= due) {

@@ -1,4 +1,4 @@
-// The pacing of the picture to a number of vertical blanks a second.
+// Frame pacing: a maximum number of vertical blanks per second.
 #pragma once
 
 #include "base/types.h"
@@ -7,15 +7,15 @@
 
 namespace tarn {
 
-/// Keeps the time at which the machine may go on after a vertical blank.
+/// Decides when the machine may continue after a vertical blank.
 class FramePacer {
   public:
-    /// Sleeps for a short while and returns true as long as it is too early to run on towards the next
-    /// vertical blank; otherwise returns false at once. `blanks` is how many there have been, `rate` how many
-    /// a second may be shown (0: any number).
+    /// If it is too early to run towards the next vertical blank, sleeps for a short time and returns true;
+    /// otherwise returns false at once. `blanks` is the number of blanks so far, `rate` the maximum per
+    /// second (0: no limit).
     bool holds(u64 blanks, u32 rate);
 
-    /// Sleeps for a short while if there is a rate to keep: there is nothing to run.
+    /// Sleeps for a short time if there is a rate limit. For when there is nothing to run.
     void rest(u32 rate) const;
 
   private:

@@ -1,4 +1,4 @@
-// tarn-gs: recordings of what the GS got, read, listed and replayed.
+// tarn-gs: lists, replays and compares recordings of what the GS received.
 #include "base/png_file.h"
 #include "recording/comparison.h"
 #include "recording/frame_report.h"
@@ -20,7 +20,7 @@ namespace {
 
 enum ExitStatus { Well = 0, Differs = 1, Lost = 3 };
 
-/// The worse of what a command came to and what reading its recording came to.
+/// The worse of a command's exit status and that of reading its recording.
 int finish(const recording::Reader& recording, const std::string& path, const std::string& failure,
            int status) {
     if (!failure.empty()) {
@@ -35,7 +35,7 @@ int finish(const recording::Reader& recording, const std::string& path, const st
     return status;
 }
 
-/// Writes a picture to a PNG file; false, with a message, when that fails.
+/// Writes a picture to a PNG file. Returns false after a message on failure.
 bool writePicturePng(const recording::Picture& picture, const std::string& path) {
     OutputFile file;
     file.open(path);
@@ -109,7 +109,7 @@ int main(int count, char** arguments) {
     using namespace tarn;
     prepareProcess();
     commandName = "tarn-gs";
-    std::signal(SIGINT, SIG_DFL);  // there is nothing to be saved
+    std::signal(SIGINT, SIG_DFL);  // there is nothing to save
     std::signal(SIGTERM, SIG_DFL);
     int status = 0;
     const std::optional<GsOptions> options = parseGsOptions(count, arguments, status);

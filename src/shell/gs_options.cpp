@@ -50,7 +50,7 @@ constexpr const char* usage =
     "Exit status: 0 when all went well, 1 when something differs, 2 for unusable arguments, 3 when a file\n"
     "cannot be read to its end, or not be written.\n";
 
-/// A command, the names of its arguments and the options that it takes.
+/// A command, with the names of its arguments and its options.
 struct CommandRow {
     const char* name;
     GsCommand command;

@@ -15,15 +15,14 @@ enum class GsCommand : u8 { Info, List, Picture, Pixel, Diff, Replay, Report };
 
 struct GsOptions {
     GsCommand command = GsCommand::Info;
-    std::vector<std::string> arguments;  ///< as many as the command takes
+    std::vector<std::string> arguments;  ///< of the command
     recording::ListOptions list;
     recording::PixelQuestion pixel;
-    std::optional<u64> at;  ///< the last command
+    std::optional<u64> at;  ///< default: the last command
     recording::BufferKind buffer = recording::BufferKind::Frame;
 };
 
-/// The command line, or nothing once `status` is known: after --help, --version, or a complaint on standard
-/// error.
+/// Parses the command line. Returns nothing and sets `status` after --help, --version, or an error message.
 std::optional<GsOptions> parseGsOptions(int count, char** arguments, int& status);
 
 }  // namespace tarn

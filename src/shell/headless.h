@@ -5,10 +5,11 @@
 
 namespace tarn {
 
-/// Starts the machine, runs it to its end, writes what is asked for, shuts it down. Returns the exit status.
+/// Starts the machine, runs it to its end, writes the requested outputs, and shuts it down. Returns the exit
+/// status.
 int runHeadless(const HeadlessOptions& options);
 
-/// Completes standard output. Returns `status`, or 1 with a message when something of it is lost.
+/// Flushes standard output. Returns `status`, or 1 after a message if output is lost.
 int finishStandardOutput(int status);
 
 }  // namespace tarn

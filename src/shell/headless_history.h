@@ -1,4 +1,4 @@
-// What a run without a window has to do with its past: saved states, checkpoints, reports on the last steps.
+// Saved states, checkpoints and reports on the last steps of a run without a window.
 #pragma once
 
 #include "history/timeline.h"
@@ -12,20 +12,20 @@ namespace tarn {
 
 class HeadlessHistory {
   public:
-    /// For when MainScreen is there. `table` is asked for only when there is something to name.
+    /// MainScreen must exist. `table` is called only if a symbol is needed.
     HeadlessHistory(const HeadlessOptions& given, const symbols::SymbolTable& (*readTable)());
 
-    /// Reads the file of a saved state when one is named; false, with a message, when it cannot be read.
+    /// Reads the file of the state to load, if any. Returns false after a message on failure.
     static bool readState(const HeadlessOptions& options, std::vector<u8>& bytes);
 
-    /// Goes on from the saved state when one is named, and begins to keep what the options ask for. False,
-    /// with a message, when that cannot be done.
+    /// Restores the state to load, if any, and starts to keep the history that the options ask for. Returns
+    /// false after a message on failure.
     bool begin(std::span<const u8> savedState);
 
-    /// To be called now and then during the run.
+    /// Call it from time to time during the run.
     void look() { timeline.look(); }
 
-    /// Says on standard error what is asked for of the steps before the end. The machine is left where it is.
+    /// Prints the requested reports on past steps on standard error. Does not move the machine.
     void report(bool paused);
 
     history::Timeline& past() { return timeline; }

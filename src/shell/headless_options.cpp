@@ -21,7 +21,7 @@ using Options = HeadlessOptions;
 template <typename Value>
 using Optional = std::optional<Value> Options::*;
 
-/// Where the value of an option goes; its type says how the value is read.
+/// The member for the value of an option. Its type determines how the value is parsed.
 using Target =
     std::variant<bool Options::*, Optional<std::string>, Optional<u16>, Optional<u32>, Optional<u64>,
                  Optional<Options::Place>, Optional<Options::Bytes>, Optional<recording::FrameRange>,
@@ -29,10 +29,10 @@ using Target =
 
 struct Option {
     const char* name;
-    const char* value;  ///< what --help calls it; null for an option without one
+    const char* value;  ///< name in --help; null if the option has no value
     Target target;
     const char* help;
-    u64 least = 0;  ///< of a number
+    u64 least = 0;  ///< minimum of a number
 };
 
 // One row per option, in the order of --help.
@@ -84,7 +84,7 @@ constexpr Option optionTable[] = {
 
 constexpr int firstCode = 256;  ///< getopt_long's number for the first row
 
-/// Reads a command line into options, complaining of everything that is wrong with it.
+/// Parses a command line, with a message for each error.
 class Parser {
   public:
     explicit Parser(Options& result) : options(result) {}
@@ -96,7 +96,7 @@ class Parser {
             longOptions[i] = {row.name, row.value != nullptr ? required_argument : no_argument, nullptr,
                               firstCode + static_cast<int>(i)};
         }
-        optind = 0;  // start afresh, however often this is called
+        optind = 0;  // reset getopt_long: this may be called more than once
         for (int code = 0; (code = getopt_long(count, arguments, "D:", longOptions.data(), nullptr)) != -1;) {
             if (code == '?') {
                 usable = false;
@@ -158,7 +158,7 @@ class Parser {
         }
     }
 
-    /// ADDRESS[:COUNT]. The address is looked at when the program's symbols are there.
+    /// ADDRESS[:COUNT]. The address is resolved later, with the program's symbols.
     void take(const char* name, std::optional<Options::Bytes>& bytes) {
         constexpr u32 most = 0x10000;
         const std::string_view text = optarg;
@@ -174,7 +174,7 @@ class Parser {
         }
     }
 
-    /// FIRST:LAST, or one frame.
+    /// FIRST:LAST, or a single frame.
     void take(const char* name, std::optional<recording::FrameRange>& frames) {
         const std::string_view text = optarg;
         const std::size_t colon = std::min(text.find(':'), text.size());

@@ -12,7 +12,7 @@
 namespace tarn {
 
 struct HeadlessOptions {
-    /// Where a run is to stop: before the instruction there runs for the `count`th time.
+    /// Where to stop a run: before the instruction there is executed for the `count`th time.
     struct Place {
         std::string name;  ///< a symbol or an address
         u64 count = 1;
@@ -24,44 +24,44 @@ struct HeadlessOptions {
         u32 count = 4;
     };
 
-    std::optional<std::string> program;  ///< in place of the one that ./tarn.ini names, and of all it says
+    std::optional<std::string> program;  ///< replaces ./tarn.ini altogether
     std::vector<ConfigurationSource::Assignment> assignments;
     std::optional<u64> steps;   ///< driver steps after which the run ends
     std::optional<u64> frames;  ///< vertical blanks after which the run ends
     std::optional<Place> until;
     std::optional<std::string> picture;
-    std::optional<u64> pictureEvery;  ///< vertical blanks from one numbered picture to the next
+    std::optional<u64> pictureEvery;  ///< vertical blanks between numbered pictures
     std::optional<std::string> snapshot;
     std::optional<std::string> vramDump;
     std::optional<std::string> trace;
     std::optional<std::string> traceChanges;  ///< only one of the two
     std::optional<u64> traceFrom;             ///< the first step that is traced
-    std::optional<u64> traceSteps;            ///< how many are
+    std::optional<u64> traceSteps;            ///< how many are traced
     std::optional<std::string> profile;
     std::optional<std::string> coverage;
-    std::optional<std::string> record;  ///< file for what the GS gets
+    std::optional<std::string> record;  ///< file for what the GS receives
     std::optional<recording::FrameRange> recordFrames;
-    std::optional<u16> gdbPort;  ///< loopback port to wait for a debugger on; 0 stands for any free one
+    std::optional<u16> gdbPort;            ///< loopback port for a debugger; 0: any free one
     std::optional<std::string> saveState;  ///< file for the machine at the end
     std::optional<std::string> loadState;  ///< file to start from
     std::optional<u32> historySize;        ///< memory for checkpoints, MB
     std::optional<u32> history;            ///< steps to print when the CPU pauses
-    std::optional<Bytes> lastWrite;        ///< of which to report the last store
+    std::optional<Bytes> lastWrite;        ///< whose last store to report
     bool registers = false;
-    bool exitStatus = false;  ///< the status of the run is the program's own
+    bool exitStatus = false;  ///< return the program's own status
     bool completeCpu = false;
     bool quiet = false;
     bool help = false;
     bool version = false;
 
-    /// The file of the trace, of whichever kind.
+    /// The file of either kind of trace.
     const std::optional<std::string>& tracePath() const { return traceChanges ? traceChanges : trace; }
 };
 
-/// What --help prints.
+/// The text of --help.
 void printHeadlessUsage();
 
-/// The options of a command line, or nothing, with the reason on standard error, when it is unusable.
+/// Parses a command line. Returns nothing after a message on standard error if it is unusable.
 std::optional<HeadlessOptions> parseHeadlessOptions(int count, char** arguments);
 
 }  // namespace tarn

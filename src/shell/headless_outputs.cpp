@@ -1,4 +1,4 @@
-// What a run without a window leaves behind.
+// The outputs of a run without a window.
 #include "shell/headless_outputs.h"
 
 #include "base/diagnostics.h"
@@ -26,7 +26,7 @@
 namespace tarn {
 namespace {
 
-/// The frame buffer that GSmakeSnapshot would write.
+/// Writes the frame buffer that GSmakeSnapshot writes.
 bool writeSnapshotAsPng(std::FILE* file) {
     const u32 width = Gs.gsdspfb().fbw;
     const u32 height = width == 0 ? 0 : Gs.gsdspfb().maxRows;

@@ -1,4 +1,4 @@
-// What a run without a window leaves behind: pictures, memory, trace, counts.
+// The outputs of a run without a window: pictures, memory, trace, counts.
 #pragma once
 
 #include "shell/headless_options.h"
@@ -11,35 +11,33 @@
 
 namespace tarn {
 
-/// The bytes of the picture, to be read or replaced; they belong to the machine's state. None before there is
-/// one.
+/// The bytes of the picture, which saved states include. Empty before it exists.
 std::span<u8> picturePixels();
 
 class HeadlessOutputs {
   public:
-    /// `table` is asked for only when there is something to count.
+    /// `table` is called only if something is counted.
     HeadlessOutputs(const HeadlessOptions& given, const symbols::SymbolTable& (*readTable)())
         : options(given), table(readTable) {}
 
-    /// Opens the files, so that one that cannot be written shows before the run; false, with a message, when
-    /// there is one. Where an output goes to standard output, diagnostics go to standard error.
+    /// Opens the files, so that errors show before the run. Returns false after a message on failure. If an
+    /// output goes to standard output, diagnostics go to standard error.
     bool open();
 
-    /// Has instructions traced, or not, as is asked for from this step on; returns the step up to which that
-    /// holds.
+    /// Turns tracing on or off as requested from this step on. Returns the step at which that changes.
     u64 traceAt(u64 step);
     void endTrace();
 
-    /// Has instructions counted when that is asked for; false, with a message, when it cannot be.
+    /// Starts counting instructions if requested. Returns false after a message on failure.
     bool beginCounting() const;
 
-    /// Has what reaches the GS recorded when that is asked for.
+    /// Starts recording what reaches the GS if requested.
     void beginRecording();
 
-    /// Writes the emulated display with the number of vertical blanks in the file's name.
+    /// Writes the emulated display to a file with the number of vertical blanks in its name.
     void writeNumberedPicture();
 
-    /// Writes every output that is asked for, each whatever becomes of the others; false when one is lost.
+    /// Writes all requested outputs, even if some fail. Returns false if one is lost.
     bool write();
 
   private:

@@ -1,4 +1,4 @@
-// Writing result files, with every error found and reported.
+// Writing output files, reporting all errors.
 #include "shell/output_files.h"
 
 #include "base/png_file.h"
@@ -13,8 +13,7 @@
 namespace tarn {
 namespace {
 
-/// A view of MainScreen's pixels with the masks that they really have; those of the surface are the same at
-/// every depth.
+/// A view of MainScreen's pixels with their actual masks. The surface has the same masks at every depth.
 SurfacePtr trueColours(SDL_Surface* surface) {
     const int depth = surface->format->BitsPerPixel;
     SDL_Surface* view = nullptr;
@@ -31,7 +30,7 @@ SurfacePtr trueColours(SDL_Surface* surface) {
     return SurfacePtr(view);
 }
 
-/// The picture's pixels as red, green and blue bytes, whatever its own format.
+/// The picture's pixels as red, green and blue bytes.
 bool writeAsPng(std::FILE* file, SDL_Surface* view) {
     constexpr std::size_t pixelBytes = 3;
     const SurfacePtr bytes(
@@ -47,9 +46,9 @@ bool writeAsPng(std::FILE* file, SDL_Surface* view) {
     return writePng(file, static_cast<u32>(view->w), static_cast<u32>(view->h), pixels);
 }
 
-/// By way of memory: SDL goes back in what it writes, which a pipe cannot.
+/// Written to memory first: SDL seeks back in its output, which fails on a pipe.
 bool writeAsBmp(std::FILE* file, SDL_Surface* view) {
-    constexpr std::size_t headerAndPalette = 2048;  // more than any
+    constexpr std::size_t headerAndPalette = 2048;  // more than any file has
     std::vector<u8> bytes(headerAndPalette + static_cast<std::size_t>(view->w) *
                                                  static_cast<std::size_t>(view->h + 1) * sizeof(u32));
     SDL_RWops* memory = SDL_RWFromMem(bytes.data(), static_cast<int>(bytes.size()));
@@ -57,7 +56,7 @@ bool writeAsBmp(std::FILE* file, SDL_Surface* view) {
         return false;
     }
     u32 size = 0;
-    std::memcpy(&size, &bytes[2], sizeof size);  // as the file's header has it
+    std::memcpy(&size, &bytes[2], sizeof size);  // from the file's header
     return size <= bytes.size() && std::fwrite(bytes.data(), 1, size, file) == size;
 }
 
@@ -72,7 +71,7 @@ void OutputFile::open(const std::string& filePath) {
     const bool isStandardOutput = filePath == "-";
     path = isStandardOutput ? "standard output" : filePath;
     failure.clear();
-    // A descriptor of its own, so that closing it leaves standard output to those who print.
+    // A separate descriptor, so that closing it leaves standard output open.
     file.reset(isStandardOutput ? fdopen(dup(STDOUT_FILENO), "wb") : std::fopen(path.c_str(), "wbe"));
     if (file == nullptr) {
         noteFailure();

@@ -1,4 +1,4 @@
-// The files that a run without a window leaves behind.
+// Output files.
 #pragma once
 
 #include "base/file.h"
@@ -9,25 +9,24 @@
 
 namespace tarn {
 
-/// A file being written. Whatever goes wrong on the way is reported once, on standard error, when it is
-/// closed.
+/// An output file. The first error is reported on standard error when the file is closed.
 class OutputFile {
   public:
-    /// Opens the file for writing, or standard output for the path "-"; a failure shows when it is closed.
+    /// Opens the file for writing, or standard output for the path "-". An error is reported by close().
     void open(const std::string& filePath);
 
     bool isOpen() const { return file != nullptr; }
     void write(const void* bytes, std::size_t count);
 
-    /// The stream, for those who write to it themselves and note their failures; null when it is not open.
+    /// The stream, for code that writes to it directly and notes failures; null if it is not open.
     std::FILE* stream() const { return file.get(); }
-    /// Keeps errno as the reason.
+    /// Notes errno as the reason.
     void noteFailure();
 
-    /// Keeps a reason that is not in errno; the first reason counts.
+    /// Notes another reason. The first reason is reported.
     void noteFailure(const char* text);
 
-    /// Completes the file; false, with a message, when something of it is lost.
+    /// Closes the file. Returns false after a message if data are lost.
     bool close();
 
   private:
@@ -36,19 +35,19 @@ class OutputFile {
     std::string failure;  ///< the first one
 };
 
-/// Whether a picture of that name is to be a PNG file; it is a BMP file otherwise.
+/// Whether a picture of that name is a PNG file rather than a BMP file.
 bool isPngName(std::string_view path);
 
-/// Writes a picture to an open file, which still has to be closed: as PNG when `asPng`.
+/// Writes a picture to an open file, as PNG if `asPng`. Does not close it.
 void writePicture(OutputFile& file, SDL_Surface* surface, bool asPng);
 
-/// Writes a picture to the file of that name; false, with a message, when it is not written.
+/// Writes a picture to the file of that name. Returns false after a message on failure.
 bool writePicture(const std::string& path, SDL_Surface* surface);
 
-/// The program, as its messages begin.
+/// The name of the program, with which its messages begin.
 inline const char* commandName = "tarn-headless";
 
-/// Reports on standard error that a file cannot be written; false.
+/// Reports on standard error that a file cannot be written. Returns false.
 bool reportLostOutput(const char* path, const char* reason);
 
 }  // namespace tarn

@@ -13,7 +13,7 @@ constexpr std::chrono::milliseconds period{200};
 constexpr int usualColumns = 80;
 constexpr const char* eraseLine = "\r\033[K";
 
-/// The columns that text may take without the terminal beginning a new line.
+/// The number of columns that fit in a line of the terminal.
 int usableColumns() {
     winsize size{};
     const bool known = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
@@ -26,7 +26,7 @@ void ProgressLine::begin(bool wanted) {
     active = wanted && isatty(STDERR_FILENO) == 1;
     lastTime = Clock::now();
     if (active && isatty(STDOUT_FILENO) == 1) {
-        // On the terminal that shows the line, standard output waits until the line is out of its way.
+        // If standard output is on the same terminal, it is buffered until the line is erased.
         static char buffer[1 << 16];
         std::setvbuf(stdout, buffer, _IOFBF, sizeof buffer);
     }

@@ -13,10 +13,10 @@ class ProgressLine {
     /// With `wanted` false the line is never shown. Must be called before anything is printed.
     void begin(bool wanted);
 
-    /// Shows the counts of driver steps and vertical blanks, several times a second at most.
+    /// Shows the numbers of driver steps and vertical blanks, at most a few times a second.
     void update(u64 steps, u64 frames);
 
-    /// Erases the line, so that other text can be written to the terminal, until the next update.
+    /// Erases the line until the next update, so that other text can be written to the terminal.
     void clear();
 
   private:

@@ -1,4 +1,4 @@
-// Traces that are written to files.
+// Traces to files.
 #include "shell/trace_files.h"
 
 #include "machine/machine.h"
@@ -31,7 +31,7 @@ bool TraceFile::close() {
 void FullTrace::branchTaken() {
     const std::string_view line = debugTempText.data();
     file.write(line);
-    // One that ends its own line is not given a second end.
+    // The text may already end in a newline.
     file.write(line.ends_with('\n') ? "" : "\n");
 }
 

@@ -1,4 +1,4 @@
-// Traces that are written to files.
+// Traces to files.
 #pragma once
 
 #include "base/diagnostics.h"
@@ -16,7 +16,7 @@
 
 namespace tarn {
 
-/// An output file that takes many short texts, and compresses them if its name asks for it.
+/// An output file for many short texts, compressed depending on its name.
 class TraceFile {
   public:
     void open(const std::string& path);
@@ -26,7 +26,7 @@ class TraceFile {
         if (text.size() > buffer.size() - used) [[unlikely]] {
             flush(false);
         }
-        // One that is longer than the buffer: a step of a thousand branches.
+        // A text longer than the buffer: a step of a thousand branches.
         const std::size_t now = std::min(text.size(), buffer.size());
         std::memcpy(&buffer[used], text.data(), now);
         used += now;
@@ -35,7 +35,7 @@ class TraceFile {
         }
     }
 
-    /// Completes the file; false, with a message, when something of it is lost.
+    /// Closes the file. Returns false after a message if data are lost.
     bool close();
 
   private:
@@ -47,7 +47,7 @@ class TraceFile {
     std::array<char, 1 << 16> buffer{};
 };
 
-/// Writes what the Opcodes and CpuRegisters panes show, line by line.
+/// Writes the lines of the Opcodes and CpuRegisters panes.
 class FullTrace final : public TraceObserver {
   public:
     explicit FullTrace(TraceFile& traceFile) : file(traceFile) {}
@@ -59,8 +59,8 @@ class FullTrace final : public TraceObserver {
     r5900::RegisterLines registers;
 };
 
-/// Writes a line for each step, with what changed, and where symbols are known a line that begins with '#'
-/// whenever the function is another.
+/// Writes a line for each step, with its changes, and a line that begins with '#' whenever the function
+/// changes, if symbols are known.
 class ChangesTrace final : public r5900::StepText {
   public:
     ChangesTrace(TraceFile& traceFile, const symbols::SymbolTable& symbolTable)
@@ -77,7 +77,7 @@ class ChangesTrace final : public r5900::StepText {
 
     TraceFile& file;
     const symbols::SymbolTable& symbols;
-    u32 first = 0;  ///< where the function lies that a line has been written about; nowhere if `end` is 0
+    u32 first = 0;  ///< range of the last function named; empty if `end` is 0
     u32 end = 0;
 };
 

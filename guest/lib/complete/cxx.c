@@ -1,4 +1,4 @@
-// What C++ calls on its own. Destructors of static objects never run: nothing comes after a program.
+// The C++ run-time library. Destructors of static objects never run, since a program does not end.
 #include "types.h"
 
 #include <stdlib.h>
@@ -10,7 +10,7 @@ void deleteArray(void* array) __asm__("_ZdaPv");
 void deleteSized(void* object, u32 bytes) __asm__("_ZdlPvj");
 void deleteSizedArray(void* array, u32 bytes) __asm__("_ZdaPvj");
 
-/// There are no exceptions: without memory the program ends.
+/// There are no exceptions: the program ends if there is no memory.
 void* newObject(u32 bytes) {
     void* object = malloc(bytes);
     if (object == 0)
@@ -33,7 +33,7 @@ int __cxa_atexit(void (*destructor)(void*), void* object, void* library) {
 
 void __cxa_pure_virtual(void) { abort(); }
 
-// What the headers of the C++ library call to throw.
+// Called by the headers of the C++ library to throw.
 void throwBadAlloc(void) __asm__("_ZSt17__throw_bad_allocv") __attribute__((alias("__cxa_pure_virtual")));
 void throwBadLength(void) __asm__("_ZSt28__throw_bad_array_new_lengthv")
     __attribute__((alias("__cxa_pure_virtual")));

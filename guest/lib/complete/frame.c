@@ -1,7 +1,7 @@
-// Vertical blanks, which the processor's count of steps tells.
+// Vertical blanks, computed from the processor's step count.
 #include "kernel.h"
 
-/// The first comes with step 28658, the others a period later each.
+/// The first is in step 28658; each of the others is a period later.
 static u32 lastBlank = 28658 - stepsPerFrame;
 
 void waitFrame(void) {

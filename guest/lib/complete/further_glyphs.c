@@ -1,4 +1,4 @@
-// The characters that only programs for the complete processor have: small letters and the other signs.
+// Characters for programs of the complete processor only: lower-case letters and further signs.
 #include "canvas.h"
 
 static const u8 smallLetters[26][glyphHeight] = {

@@ -1,12 +1,12 @@
-// malloc and free: blocks that were freed are kept in a list by address, and neighbours become one.
+// malloc and free. Free blocks are in a list sorted by address; adjacent ones are merged.
 #include "kernel.h"
 #include "memory.h"
 
 #include <stdlib.h>
 
-/// What stands before the bytes of a block; the link is that of a free one.
+/// The header of a block. The link is for free blocks.
 typedef struct Block {
-    u32 bytes;  ///< with this header
+    u32 bytes;  ///< including this header
     struct Block* next;
 } __attribute__((aligned(16))) Block;
 

@@ -43,7 +43,7 @@ static void putOnScreen(char character) {
     column++;
 }
 
-/// Where characters go: to memory, as far as there is room, or to the screen.
+/// Output: memory, as far as there is room, or the screen.
 typedef struct {
     char* text;  ///< null: the screen
     u32 room;
@@ -61,9 +61,9 @@ static void put(Output* output, char character) {
 typedef struct {
     u32 left;
     u32 zeros;
-    char plus;  ///< what stands before a number that is not negative, or 0
+    char plus;  ///< sign of numbers that are not negative, or 0
     u32 width;
-    s32 precision;  ///< -1: none was given
+    s32 precision;  ///< -1: not given
 } Style;
 
 static void putPadded(Output* output, const Style* style, char sign, const char* text, u32 length) {
@@ -91,7 +91,7 @@ static void putWhole(Output* output, const Style* style, char sign, u64 value, u
     putPadded(output, style, sign, first, (u32)(text + sizeof text - first));
 }
 
-/// Digits of a double, whose low bits a float does not have.
+/// Digits of a double that was a float, so that its low bits are 0.
 static void putReal(Output* output, const Style* style, double real) {
     u64 bits;
     memcpy(&bits, &real, sizeof bits);
@@ -99,7 +99,7 @@ static void putReal(Output* output, const Style* style, double real) {
     u64 mantissa = (bits << 12 >> 12 | 1ull << 52) >> 29;  // 23 bits of fraction
     u32 precision = style->precision < 0 ? 6 : style->precision > 16 ? 16 : (u32)style->precision;
 
-    // A fraction of 59 bits, and the half of the last place to be written.
+    // A fraction of 59 bits, plus half a unit of the last place.
     u64 half = 1ull << 58;
     for (u32 i = 0; i < precision; i++)
         half /= 10;
@@ -111,7 +111,7 @@ static void putReal(Output* output, const Style* style, double real) {
     fraction += half;
     whole += fraction >> 59;
 
-    // Decimal digits of the whole part, the last one first; large ones are doubled digit by digit.
+    // Decimal digits of the integer part, last one first. Large numbers are doubled digit by digit.
     u8 digits[48] = {0};
     u32 count = 0;
     for (u64 rest = whole; rest != 0; rest /= 10)
@@ -265,7 +265,7 @@ int putchar(int character) {
     return character;
 }
 
-/// What passing a float to printf calls. Arithmetic on doubles is not there.
+/// Called to pass a float to printf. There is no arithmetic on doubles.
 double __extendsfdf2(float value) {
     u32 bits;
     memcpy(&bits, &value, sizeof bits);

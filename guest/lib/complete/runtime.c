@@ -1,4 +1,4 @@
-// What the compiler calls on its own: 64-bit and 128-bit arithmetic, counts of bits, conversions of floats.
+// The compiler's run-time functions: 64-bit and 128-bit arithmetic, bit counts, conversions of floats.
 #include "types.h"
 
 typedef __int128 s128;
@@ -28,7 +28,7 @@ static inline f32 realOfBits(u32 bits) {
     return both.real;
 }
 
-// Counts of bits.
+// Bit counts.
 
 s32 __clzdi2(u64 value) {
     s32 count = 0;
@@ -79,9 +79,9 @@ u32 __bswapsi2(u32 value) {
 
 u64 __bswapdi2(u64 value) { return (u64)__bswapsi2((u32)value) << 32 | __bswapsi2((u32)(value >> 32)); }
 
-// 64-bit products and quotients: the processor multiplies and divides words.
+// 64-bit products and quotients. The processor only multiplies and divides words.
 
-/// The product of two words. In C it would be a call of __muldi3.
+/// The product of two words. Written in C it would call __muldi3.
 static inline u64 multiplyWords(u32 a, u32 b) {
     u64 low;
     u64 high;
@@ -99,7 +99,7 @@ u64 __muldi3(u64 a, u64 b) {
     return multiplyWords((u32)a, (u32)b) + ((u64)crosswise << 32);
 }
 
-/// Stops the processor, as dividing words by zero does.
+/// Stops the processor like a division of words by zero.
 static void divisionByZero(void) { __builtin_trap(); }
 
 static u64 divide(u64 dividend, u64 divisor, u64* remainder) {
@@ -243,7 +243,7 @@ u128 __modti3(s128 a, s128 b) {
     return a < 0 ? -remainder : remainder;
 }
 
-// Conversions. Like the processor's own they truncate, and give the largest number for what does not fit.
+// Conversions. Like the processor's own they truncate and saturate.
 
 /// mantissa × 2^exponent, the mantissa not 0.
 static f32 compose(u64 mantissa, u32 exponent) {
@@ -316,5 +316,5 @@ f32 __powisf2(f32 base, s32 exponent) {
     return exponent < 0 ? 1.0f / power : power;
 }
 
-/// A nested function's address is code on the stack; there is no cache that could hold something else.
+/// The address of a nested function is code on the stack. There is no cache to flush.
 void _flush_cache(void) {}

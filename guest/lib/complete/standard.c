@@ -74,7 +74,7 @@ float sqrtf(float value) { return __builtin_sqrtf(value); }
 float fminf(float a, float b) { return a < b ? a : b; }
 float fmaxf(float a, float b) { return a < b ? b : a; }
 
-/// From 2^23 on a float has no fraction.
+/// Floats from 2^23 up have no fraction.
 float truncf(float value) { return fabsf(value) < 8388608.0f ? (float)(int)value : value; }
 
 float floorf(float value) {

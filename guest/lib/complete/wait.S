@@ -1,8 +1,8 @@
-// Waiting for a driver step, exactly.
+// Waiting for an exact driver step.
     .set noreorder
     .text
 
-// One step a round: the branch and its delay slot are one.
+// One step per round: a branch and its delay slot count as one.
     .globl  waitForStep
 waitForStep:
     mfc0    $t0, $9

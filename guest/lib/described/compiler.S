@@ -1,4 +1,4 @@
-// What the compiler calls on its own.
+// The compiler's run-time functions.
     .set noreorder
     .text
 

@@ -1,4 +1,4 @@
-// What there is of <assert.h>: what does not hold stops the processor, on a line that a debugger shows.
+// <assert.h>. A failed assertion stops the processor at its line, which a debugger shows.
 #undef assert
 #ifdef NDEBUG
 #define assert(condition) ((void)0)

@@ -1,3 +1,3 @@
-// What the headers of the C++ library look for in the C library: there is none.
+// The headers of the C++ library include this header of the C library, which does not exist here.
 #pragma once
 #define __GLIBC_PREREQ(major, minor) 0

@@ -1,4 +1,4 @@
-// What there is of <math.h>, for floats only.
+// A part of <math.h>, for floats only.
 #pragma once
 
 #ifndef TARN_COMPLETE_CPU
@@ -12,7 +12,7 @@ extern "C" {
 #endif
 
 float fabsf(float value);
-float sqrtf(float value);  ///< of the magnitude, as the processor has it
+float sqrtf(float value);  ///< of the magnitude, like the processor's SQRT.S
 float floorf(float value);
 float ceilf(float value);
 float truncf(float value);
@@ -22,7 +22,7 @@ float fmaxf(float a, float b);
 float sinf(float angle);  ///< exact to about 1e-5 within a few turns
 float cosf(float angle);
 float tanf(float angle);
-void sincosf(float angle, float* sineOf, float* cosineOf);  ///< the compiler calls it
+void sincosf(float angle, float* sineOf, float* cosineOf);  ///< called by the compiler
 
 #ifdef __cplusplus
 }

@@ -1,4 +1,4 @@
-// What there is of <stdlib.h>.
+// A part of <stdlib.h>.
 #pragma once
 
 #ifndef TARN_COMPLETE_CPU
@@ -20,7 +20,7 @@ void* realloc(void* block, size_t bytes);
 void free(void* block);
 
 void exit(int status) __attribute__((noreturn));  ///< stops the processor with the status in a0
-void abort(void) __attribute__((noreturn));       ///< stops it on a trap
+void abort(void) __attribute__((noreturn));       ///< stops it at a trap
 
 int abs(int value);
 long labs(long value);

@@ -1,4 +1,4 @@
-// What there is of <string.h>.
+// A part of <string.h>.
 #pragma once
 
 #include <stddef.h>
