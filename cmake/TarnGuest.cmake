@@ -45,7 +45,7 @@ tarn_configure_guest_build()
 
 # The library is compiled once for each processor.
 set(TARN_GUEST_BUILT ${CMAKE_CURRENT_BINARY_DIR}/library)
-set(TARN_GUEST_ENVIRONMENT GUEST_CC=${GUEST_CC} TARN_GUEST_LIBRARY=${TARN_GUEST_DIR}/lib)
+set(TARN_GUEST_ENVIRONMENT GUEST_CC=${GUEST_CC})
 file(GLOB_RECURSE TARN_GUEST_LIBRARY_FILES CONFIGURE_DEPENDS ${TARN_GUEST_DIR}/lib/*)
 foreach(cpu described complete)
     set(options)
@@ -67,8 +67,7 @@ function(tarn_add_guest name)
     cmake_parse_arguments(guest "COMPLETE_CPU;EVERY_INSTRUCTION" "" "SOURCES" ${ARGN})
     set(inputs ${guest_SOURCES})
     list(FILTER inputs EXCLUDE REGEX "\\.h$")
-    set(environment ${TARN_GUEST_ENVIRONMENT} TARN_GUEST_BUILT=${TARN_GUEST_BUILT}
-        TARN_GUEST_CHECK=${CMAKE_BINARY_DIR}/guest/guest-check)
+    set(environment ${TARN_GUEST_ENVIRONMENT} TARN_GUEST_BUILT=${TARN_GUEST_BUILT})
     set(options)
     if(guest_COMPLETE_CPU)
         set(options --complete-cpu)

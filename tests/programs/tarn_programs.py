@@ -45,9 +45,7 @@ class ProgramTest(unittest.TestCase):
         """Builds program.elf from {name: text} with tarn-guest-build; the result has its messages."""
         for name, text in sources.items():
             (self.directory / name).write_text(text)
-        environment = {**os.environ, "TARN_GUEST_LIBRARY": SOURCE / "guest" / "lib",
-                       "TARN_GUEST_CHECK": BUILD / "guest" / "guest-check",
-                       "TARN_GUEST_BUILT": BUILD / "guest" / "library"}
+        environment = {**os.environ, "TARN_GUEST_BUILT": BUILD / "guest" / "library"}
         names = [name for name in sources if not name.endswith(".h")]
         return subprocess.run(["sh", BUILD / "tarn-guest-build", *["--complete-cpu"] * complete, "program.elf", *names,
                                *options], cwd=self.directory, env=environment, capture_output=True, text=True,
