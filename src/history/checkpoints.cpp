@@ -1,6 +1,7 @@
 // Taking, restoring and thinning checkpoints.
 #include "history/checkpoints.h"
 
+#include "base/untouched_memory.h"
 #include "gs/display.h"
 #include "history/machine_state.h"
 #include "machine/machine.h"
@@ -21,8 +22,8 @@ PagePool::Number PagePool::add(std::span<const u8> bytes) {
         unused.pop_back();
     }
     Page& page = pages[number];
-    page.bytes = std::make_unique<std::array<u8, pageBytes>>();
-    std::memcpy(page.bytes->data(), bytes.data(), bytes.size());
+    page.bytes = std::make_unique_for_overwrite<std::array<u8, pageBytes>>();
+    std::ranges::copy(bytes, page.bytes->begin());
     page.users = 1;
     return number;
 }
@@ -39,8 +40,11 @@ void Checkpoints::forEachPage(Visit visit) const {
     std::vector<std::span<u8>> buffers = buffersOf(machine);
     buffers.push_back(picture);
     for (const std::span<u8> buffer : buffers) {
+        const UntouchedMemory untouched(buffer);
         for (std::size_t first = 0; first < buffer.size(); first += PagePool::pageBytes) {
-            visit(buffer.subspan(first, std::min(PagePool::pageBytes, buffer.size() - first)));
+            const std::span<u8> page =
+                buffer.subspan(first, std::min(PagePool::pageBytes, buffer.size() - first));
+            visit(page, untouched.holds(page));
         }
     }
 }
@@ -77,9 +81,9 @@ void Checkpoints::take() {
         }
     }
     presentPicture();
-    forEachPage([&](std::span<const u8> bytes) {
+    forEachPage([&](std::span<const u8> bytes, bool isUntouched) {
         const auto holds = [&](PagePool::Number page) {
-            return std::memcmp(pool.at(page), bytes.data(), bytes.size()) == 0;
+            return isUntouched ? page == 0 : std::memcmp(pool.at(page), bytes.data(), bytes.size()) == 0;
         };
         const PagePool::Number former = before != nullptr ? before->pages[taken.pages.size()] : 0;
         if (holds(former)) {
@@ -113,10 +117,10 @@ void Checkpoints::restoreAt(const Checkpoint& point) {
     forgetPicture();
     restoreRecords(machine, point.records);
     std::size_t index = 0;
-    forEachPage([&](std::span<u8> bytes) {
-        const u8* const stored = pool.at(point.pages[index++]);
-        if (std::memcmp(bytes.data(), stored, bytes.size()) != 0) {
-            std::memcpy(bytes.data(), stored, bytes.size());
+    forEachPage([&](std::span<u8> bytes, bool isUntouched) {
+        const PagePool::Number page = point.pages[index++];
+        if (isUntouched ? page != 0 : std::memcmp(bytes.data(), pool.at(page), bytes.size()) != 0) {
+            std::memcpy(bytes.data(), pool.at(page), bytes.size());
         }
     });
 }

@@ -66,7 +66,8 @@ class Checkpoints {
         std::vector<PagePool::Number> pages;
     };
 
-    /// Calls `visit` with each page of the machine's buffers and the picture, in a fixed order.
+    /// Calls `visit` with each page of the machine's buffers and the picture, in a fixed order, and whether
+    /// it is known to be zeros without reading it.
     template <typename Visit>
     void forEachPage(Visit visit) const;
     std::size_t indexAtOrBefore(u64 step) const;

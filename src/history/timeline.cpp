@@ -15,7 +15,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto shortestInterval = 100ms;  ///< between two checkpoints
-constexpr int costFraction = 30;          ///< a checkpoint may take this fraction of the interval
+constexpr int costFraction = 40;          ///< a checkpoint may take this fraction of the interval
 
 /// Going further than this takes a checkpoint `approach` steps before the end, so that the next step back is
 /// quick.
