@@ -16,25 +16,12 @@ add_library(tarn_options INTERFACE)
 # No contraction: guest arithmetic must round the same on every host and at every optimisation level.
 target_compile_options(tarn_options INTERFACE -Wall -Wextra -Wconversion -Wshadow -ffp-contract=off)
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-    # Wrong about "text" + std::string (GCC bug 105651), with link-time optimisation in other words.
-    target_compile_options(tarn_options INTERFACE -Wno-restrict)
-    target_link_options(tarn_options INTERFACE -Wno-stringop-overflow)
+    target_compile_options(tarn_options INTERFACE -Wno-restrict) # wrong about "text" + std::string (GCC bug 105651)
 endif()
 if(TARN_WERROR)
     target_compile_options(tarn_options INTERFACE -Werror)
 endif()
 
-if(TARN_LTO)
-    include(CheckIPOSupported)
-    check_ipo_supported()
-    target_link_options(tarn_options INTERFACE -Wno-psabi)  # see CMakeLists.txt; code is made by the linker then
-    set(CMAKE_INTERPROCEDURAL_OPTIMIZATION ON)
-    if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
-        # The core holds machine code too: the test programs link that, in a tenth of the time.
-        set(CMAKE_CXX_COMPILE_OPTIONS_IPO -flto=auto -ffat-lto-objects)
-        set(TARN_TEST_LINK_OPTIONS -fno-lto)
-    endif()
-endif()
 if(TARN_SANITIZE)
     target_compile_options(tarn_options INTERFACE
         -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -38,8 +38,9 @@ inline u64 cycleAt(u64 pc, StepBudget budget, u64 delaySlots) {
 constexpr u32 firstWord(u64 words) { return static_cast<u32>(words); }
 constexpr u32 secondWord(u64 words) { return static_cast<u32>(words >> 32); }
 
-// The end of a run. None of the rare routines may be inlined: link-time optimisation would copy them, and all
-// that they call, into each routine of an instruction, which then saves registers on the common path.
+// The end of a run. The rare routines must not be inlined, by link-time optimisation for example: the
+// routines of instructions are flattened, and would save registers on their common path for all that these
+// call.
 
 /// Executes the instruction at `pc` as a single step, the last of the run.
 [[gnu::noinline]] void stepPlainly(DecodedInstruction* at, u64 pc, StepBudget budget, u64 delaySlots,
