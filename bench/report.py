@@ -134,7 +134,7 @@ class Measurements:
         with display() as environment, Running(self.build / "tarn", run, environment) as window:
             window.settle(expected=2)
             lines = statistics.median(window.rate() for _ in range(self.repetitions))
-            self.rates["program/traced/window"] = lines * STEPS_PER_TRACED_LINE
+            self.turns["program/traced/window"] = lines * STEPS_PER_TRACED_LINE
 
 
 class Running:
