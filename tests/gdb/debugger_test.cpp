@@ -37,6 +37,7 @@ TEST(Packet, ReaderFindsPacketsAmongAnything) {
         {"$g#67", {"=g"}},
     };
     constexpr const char* names[] = {"", "=", "interrupt", "corrupt", "oversized", "refused"};
+    EXPECT_EQ(framePacket("*"), "$}\n#87") << "which would say how often the byte before comes";
     PacketReader reader;
     for (const auto& [bytes, events] : cases) {
         Lines seen;
@@ -78,7 +79,9 @@ TEST_F(DebuggerTest, RegistersAndMemory) {
     EXPECT_EQ(ask("m100000,ffffffffff").size(), maximumPacket) << "as much as a reply holds";
     const std::string all = ask("g");
     EXPECT_EQ(all.size(), 2 * (32 * 8 + 4 * 8 + 2 * 4 + 34 * 4));
-    EXPECT_EQ(ask("qXfer:features:read:target.xml:10,20"), "m" + targetDescription().substr(0x10, 0x20));
+    const std::string description = targetDescription(), feature = "qXfer:features:read:target.xml:";
+    EXPECT_EQ(ask(feature + "10,20"), "m" + description.substr(0x10, 0x20));
+    EXPECT_EQ(ask(feature + hex(description.size() - 10) + ",a"), "l</target>\n");
     // clang-format off
     const std::pair<const char*, const char*> conversation[] = {
         {"P4=8877665544332281", "OK"}, {"p4", "8877665544332281"}, {"P27=0000803f", "OK"},
@@ -126,12 +129,18 @@ TEST_F(DebuggerTest, BreakpointsStopARunButNotAStep) {
     EXPECT_EQ(ask("z1,100000,4"), "OK");
     EXPECT_EQ(ask("C05;100000"), "(none)");
     EXPECT_TRUE(!debugger.beforeStep() && !debugger.afterStep());
+    EXPECT_EQ(ask("vCont;r100000,100008:1"), "(none)");
+    MipsCpu.PC = 0x100004;
+    EXPECT_EQ(debugger.afterStep(), std::nullopt) << "within the range";
+    MipsCpu.PC = 0x100008;
+    EXPECT_EQ(debugger.afterStep(), "S05") << "its end is outside";
     std::string reply = "OK";
     for (u64 i = 0; reply == "OK" && i < 100000; ++i) {
         reply = ask("Z0," + hex(4 * i) + ",4");
     }
     EXPECT_EQ(reply, "E1c") << "points are bounded";
     MipsCpu.pause = 1;
+    MipsCpu.PC = 0;
     EXPECT_EQ(ask("D"), "OK");
     EXPECT_EQ(debugger.beforeStep(), std::nullopt) << "the breakpoints left with the debugger";
     EXPECT_EQ(MipsCpu.pause, 0) << "and the machine runs on";

@@ -106,6 +106,9 @@ TEST(Redraw, ChangesAreToldByTheirRows) {
         EXPECT_TRUE(blitChanges(source.get(), window.get(), &place, shown));
         EXPECT_TRUE(place.y == y && place.h == h) << row;
     }
+    SDL_Rect place{10, 20, 0, 0};
+    EXPECT_TRUE(blitChanges(makeSurface(40, 20, formats[0]).get(), window.get(), &place, shown));
+    EXPECT_EQ(place.h, 20) << "all of a picture of another size";
 }
 
 TEST(Redraw, AnAdaptedFontLooksTheSame) {
@@ -204,8 +207,15 @@ TEST_F(Window, RedrawingWhatHasChangedIsRedrawingEverything) {
             if (below(4) == 0) {  // another picture for a moment, of which the quick way must not know
                 const auto size = static_cast<std::size_t>(picture->h) * picture->pitch;
                 const std::string former(static_cast<const char*>(picture->pixels), size);
+                TarnGUI.widgets[0].dirty = 1;
+                turn();
                 fillAtRandom(picture.get(), 0, picture->h);
-                drawnAnew();
+                if (below(2) == 0) {
+                    drawnAnew();
+                } else {
+                    TarnGUI.widgets[0].dirty = TarnGUI.widgets[1].dirty = 1;
+                    turn();
+                }
                 std::memcpy(picture->pixels, former.data(), size);
             }
             const int first = below(picture->h);

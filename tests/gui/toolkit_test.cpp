@@ -1,4 +1,5 @@
 // The toolkit: text panes and their lines, hits, the table of panes.
+#include "base/diagnostics.h"
 #include "gui/screen.h"
 #include "gui/toolkit_extras.h"
 #include "surfaces.h"
@@ -50,6 +51,23 @@ TEST_F(Toolkit, TextPanesShowTheNewestLines) {
         EXPECT_EQ(line->text == nullptr, line->next == nullptr) << "only the sentinel has no text";
         before = line;
     }
+}
+
+TEST_F(Toolkit, WhatTheGuestSaysIsShownInLines) {
+    koGUIwidget* pane = nullptr;
+    while (TarnGUI.nbWidgets <= emuOutputPane) {
+        pane = &add(PaneKind::Text, 0, 0, width, 80);
+    }
+    const auto say = [](Channel channel, const std::string& text) {
+        diagnosticSinks.text[static_cast<std::size_t>(channel)](text.c_str());
+    };
+    const std::string longest(1000, 'x');
+    say(Channel::Console, "be");
+    say(Channel::Console, "gun\nand");
+    say(Channel::EmuOutput, "interrupted");
+    say(Channel::Console, longest + "x\n");
+    EXPECT_EQ(outputOf([&] { koGUIwidget_printAllText(pane); }),
+              "-begun-\n-and-\n-interrupted-\n-" + longest + "-\n-x-\n");
 }
 
 TEST_F(Toolkit, LinesAreCountedFromTheHeightAndScrollingIsFast) {

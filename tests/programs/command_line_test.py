@@ -64,12 +64,13 @@ class CommandLineTest(ProgramTest):
                                    (["--until=main:0"], "a whole number from 1 "),
                                    (["--picture-every=2"], "--picture FILE"),
                                    (["--gdb=0", "--profile=p"], "do not work with --gdb"),
+                                   (["--gdb=0", "--coverage=p"], "do not work with --gdb"),
                                    (["--trace=-", "--picture=-"], "only one output")):
             with self.subTest(options):
                 self.assertIn(complaint, self.run_headless(*options, status=2)[1])
         _, messages = self.run_headless("counter.elf", "--until=nowhere", status=1)
         self.assertIn("'nowhere' is neither an address nor a symbol of counter.elf\n", messages)
-        _, messages = self.run_headless("counter.elf", "--trace=missing/t", status=1)
+        _, messages = self.run_headless("counter.elf", "--trace=missing/t", "--profile=p", status=1)
         self.assertEqual(messages, "tarn-headless: cannot write missing/t: No such file or directory\n",
                          "tried before the run")
 
@@ -84,11 +85,15 @@ class CommandLineTest(ProgramTest):
 
     def test_pictures(self):
         options = [guest("picture"), "-DVideo:Width=32", "-DVideo:Height=24", "--frames=5"]
-        self.run_headless(*options, "--picture=p.bmp", "--snapshot=s", status=0)
+        self.run_headless(*options, "--picture=./p", "--snapshot=s", "--picture-every=4", status=0)
         self.run_headless(*options, "--picture=p.png", "--snapshot=s.png", "--picture-every=2", status=0)
-        self.assertEqual(read_png(self.output_file("p.png")), read_bmp(self.output_file("p.bmp")))
+        picture = read_bmp(self.output_file("p"))
+        self.assertEqual(read_png(self.output_file("p.png")), picture)
         self.assertEqual(read_png(self.output_file("s.png")), read_bmp(self.output_file("ssnap001.bmp")))
-        self.assertEqual(sorted(path.name for path in self.directory.glob("p-*")), ["p-000002.png", "p-000004.png"])
+        self.assertEqual(sorted(path.name for path in self.directory.glob("p-*")), ["p-000002.png", "p-000004", "p-000004.png"])
+        self.run_headless(*options, "--picture=p16.bmp", "-DVideo:Bpp=16", status=0)
+        self.assertLess(max(abs(one - other) for rows in zip(picture, read_bmp(self.output_file("p16.bmp")))
+                            for pixels in zip(*rows) for one, other in zip(*pixels)), 9)
 
     def test_standard_output(self):
         for option in "--dump-vram=-", "--picture=-":

@@ -62,9 +62,9 @@ local_leaf:
         li      $9, 7                   # 1
         sw      $9, -0x5FE0($8)         # 1
         li      $9, 0x101               # 1
+.Lstart:
         jr      $31                     # 1
         sw      $9, -0x6000($8)         # 1
-        .size draw, . - draw
         .data
         .align 4
 packet: .quad 0x1000000000008006, 0xE, 0x10000, 0x4C, 0x003F0000003F0000, 0x40, 6, 0, 0xFFFFFF, 1, 0, 5, 0x5000A0, 5

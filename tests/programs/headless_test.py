@@ -74,6 +74,8 @@ class HeadlessTest(ProgramTest):
                 with self.subTest(option, path=path):
                     _, messages = self.run_headless("--steps=99", option, path, status=1)
                     self.assertEqual(messages.count(f"tarn-headless: cannot write {path}: {reason}\n"), 1, messages)
+        _, messages = self.run_headless("--frames=1", "--picture=/proc/self/fd/1", "--picture-every=1", status=1)
+        self.assertIn("tarn-headless: cannot write /proc/self/fd/1-000001: No such file or directory", messages)
         self.configure("picture", video="Bpp=4")
         _, messages = self.run_headless("--steps=99", "--picture=p.bmp", status=1)
         self.assertIn("tarn-headless: cannot write p.bmp: 4 bpp BMP files not supported", messages)

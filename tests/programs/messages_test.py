@@ -29,10 +29,11 @@ class ConfigurationWarningsTest(ProgramTest):
         sense = './tarn.ini: "{}" is {}, which makes no sense; it should be {}'
         cases = {
             "DEBUG_GS = 0x1\n[video]\nWIDTH = 0320\n": [],
-            "Debug_opp=1\n": [unknown.format("general:debug_opp", "General:Debug_op")],
+            "Debug_opp=1\nSteps_per_pol=1\n": [unknown.format("general:debug_opp", "General:Debug_op"),
+                                               unknown.format("general:steps_per_pol", "General:Steps_per_poll")],
             "Width=640\n": [unknown.format("general:width", "Video:Width")],
             "[Vidoe]\nHeight=1\n": [unknown.format("vidoe:height", "Video:Height")],
-            "[Vidoe]\n": ['./tarn.ini: unknown section "vidoe" is ignored; the nearest known section is "Video"'],
+            "[Vid]\n[Video]\n": ['./tarn.ini: unknown section "vid" is ignored; the nearest known section is "Video"'],
             "[Video]\nWidth=640x480\nHeight=tall\nBpp=\n": [number.format("Video:Width", "640x480", 640),
                                                            number.format("Video:Height", "tall", 0),
                                                            number.format("Video:Bpp", "", 0)],

@@ -22,16 +22,17 @@ static void sprite(u32 x0, u32 y0, u32 x1, u32 y1, u32 z, u32 colour) {
     packetRegister(&packet, GS_XYZ2, gsXyz(x1 << 4, y1 << 4, z));
     packetSend(&packet);
 }
-static void drawSky(void) { sprite(0, 0, 128, 96, 100, 0x80A04020); }
-static void drawHidden(void) { sprite(20, 20, 60, 60, 10, 0x8020A0F0); }
-static void drawShown(void) { sprite(40, 40, 90, 80, 200, SHOWN); }
+static u32 drawn;
+__attribute__((noinline)) static void drawHidden(void) { sprite(20, 20, 60, 60, 10, 0x8020A0F0), drawn++; }
+__attribute__((noinline)) static void drawShown(void) { sprite(40, 40, 90, 80, 200, SHOWN), drawn++; }
 int main(void) {
     packet = packetIn(memory, 64);
+    packetRegister(&packet, GS_TRXDIR, 1);
     packetRegister(&packet, GS_FRAME_1, gsFrame(0, 2, PSM_32, MASK));
     packetRegister(&packet, GS_ZBUF_1, gsZbuf(40, PSM_32, 0));
     packetRegister(&packet, GS_SCISSOR_1, gsScissor(0, 0, 127, 95));
     packetRegister(&packet, GS_TEST_1, gsTestDepth(ZTST_GREATER));
-    drawSky();
+    sprite(0, 0, 128, 96, 100, 0x80A04020);
     drawHidden();
     drawShown();
     waitForever();
@@ -116,8 +117,9 @@ class CommandsTest(RecordingTest):
         self.assertRegex(info, r"primitives +0 points, 0 lines, 0 triangles, 3 sprites")
         self.assertRegex(info, rf"pixels written +{127 * 95 + 50 * 40}\n")
         warnings = re.findall("warning: .*", info)
-        self.assertEqual(len(warnings), 1, info)
-        self.assertRegex(warnings[0], r"FBMSK.*command 6 of frame 1.*send < main")
+        self.assertEqual(len(warnings), 2, info)
+        self.assertRegex("".join(warnings), r"TRXDIR 1.*FBMSK.*command 7 of frame 1.*send < main")
+        self.assertIn("10, of 47744 bytes\n", self.gs("info", RECORDINGS / "primitives.gsr")[0])
 
     def test_list(self):
         self.record_scene("scene.gsr")
@@ -125,9 +127,13 @@ class CommandsTest(RecordingTest):
         self.assertEqual([[(v["x"], v["y"], v["z"]) for v in s["vertices"]] for s in sprites],
                          [[(0, 0, 100), (128, 96, 100)], [(20, 20, 10), (60, 60, 10)], [(40, 40, 200), (90, 80, 200)]])
         self.assertEqual(sprites[1]["registers"]["TEST_1"]["ZTST"], 3)
-        self.assertIn("send < main", sprites[1]["callers"])
+        for sprite, caller in zip(sprites[1:], ("drawHidden", "drawShown")):
+            self.assertIn(f"send < {caller} < main", sprite["callers"])
+        self.assertEqual([blank["step"] for blank in self.commands("--kind", "blank", "scene.gsr")], [28657, 57316])
         lines = self.gs("list", "scene.gsr", "--kind", "sprite", "--full")[0]
         self.assertIn("ZBUF_1  ZBP=40 PSM=0 ZMSK=0", lines)
+        lines = self.gs("list", RECORDINGS / "primitives.gsr", "--full")[0]
+        self.assertRegex(lines, r"context 2 .*\n    PRIM .*\n    FRAME_2 ")
 
     def test_pixel_and_picture(self):
         self.record_scene("scene.gsr")
@@ -149,8 +155,9 @@ class CommandsTest(RecordingTest):
         self.assertRegex(self.gs("diff", "a.gsr", "a.gsr")[0], "no difference")
         text = self.gs("diff", "a.gsr", "b.gsr", status=1)[0]
         self.assertRegex(text, r"first after command \d+:\n.*sprite .40,40 z 200.*main")
-        self.assertRegex(text, r"\(40,40\)  #80ffffff  #80ffff00\n")
-        self.assertRegex(text, r" 2000 words of local memory differ")
+        self.assertRegex(text, r"\(40,40\)  #80ffffff  #80ffff00\n(    \(.*\n){7}    2000 words of local memory differ")
+        self.record("program.elf", "shorter.gsr", frames=1)
+        self.assertRegex(self.gs("diff", "b.gsr", "shorter.gsr", status=1)[0], r"field 0.*\n  \(its end\)\n")
 
     def test_what_is_wrong_is_said(self):
         self.record_scene("scene.gsr")
@@ -164,6 +171,7 @@ class CommandsTest(RecordingTest):
                 (("list", "--at", "3", "scene.gsr"), 2, "no option --at"), (("pixel", "scene.gsr", "1", "x"), 2, "'x'"),
                 (("picture", "--at", "999", "scene.gsr", "x.png"), 3, "none of number 999"),
                 (("pixel", "scene.gsr", "128", "0"), 3, "outside the frame buffer"),
+                (("pixel", "scene.gsr", "0", "8192"), 3, "outside the frame buffer"),
                 (("report", "--frame", "2", "scene.gsr", "x.html"), 3, "no primitive is drawn in frame 2"),
                 (("paint", "scene.gsr"), 2, "no command 'paint'"), (("report", "scene.gsr", "/no/x"), 3, "cannot write")):
             with self.subTest(arguments):

@@ -62,10 +62,17 @@ class ReverseTest(SessionTest):
                 ("goto 10", r"step 10, vertical blank 0"),
                 ("frame 1", r"step 28658, vertical blank 1, .* waitSteps"),
                 ("frame 2", "no such"), ("goto 99999999", "history goes from step 0 to"), ("goto x", "a number is missing"),
-                ("picture there.bmp", "written"), ("last-write nowhere", "an address")):
+                ("picture there.bmp", "written"), ("last-write nowhere", "an address"),
+                ("last-write player 0", "1 to 65536 bytes are"), ("last-write player 65537", "1 to 65536 bytes are")):
             self.assertRegex(monitor(command), re.compile(pattern, re.MULTILINE))
         self.assertTrue(self.output_file("there.bmp").startswith(b"BM"))
         self.assertRegex(monitor("step"), "step 28658,")
+        self.assertEqual(client.ask(b"c"), b"S0c")
+        address, store = re.search(r"0x(\w+): last store at step (\d+)", monitor("last-write player+0x20")).groups()
+        point = f"2,{address},4".encode()
+        self.assertEqual((client.ask(b"Z" + point), client.ask(b"bc")), (b"OK", f"T05watch:{address};".encode()))
+        self.assertIn(f"step {int(store) + 1},", monitor("step"), "behind the store")
+        client.ask(b"z" + point)
         self.assertEqual(client.ask(b"bc"), b"T05replaylog:begin;")
         self.assertEqual(client.ask(b"bs"), b"T05replaylog:begin;")
         client.send(b"$k#6b")

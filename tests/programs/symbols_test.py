@@ -14,7 +14,7 @@ class SymbolsTest(ProgramTest):
     def assemble(self, source):
         (self.directory / "count.S").write_text(source)
         subprocess.run(["mipsel-linux-gnu-gcc", "-march=r5900", "-mabi=n32", "-msingle-float", "-mno-abicalls", "-fno-pic", "-G0", "-g",
-                        "-nostdlib", "-static", "-Wl,--build-id=none,-Ttext=0x100000,-Tdata=0x110000,-e_start", "count.S",
+                        "-nostdlib", "-static", "-Wa,--keep-locals", "-Wl,--discard-none,--build-id=none,-Ttext=0x100000,-Tdata=0x110000,-e_start", "count.S",
                         "-o", "count.elf"], cwd=self.directory, check=True)
         self.configure(self.directory / "count.elf")
 
@@ -46,6 +46,8 @@ class SymbolsTest(ProgramTest):
         self.assertEqual(costs, {"_start": (total, 50, 28), "outer": (46, 0, 0), "work": (22, 0, 0),
                                  "leaf": (8, 0, 0), "draw": (9, 50, 28)})
         self.assertEqual(drawn, 50)
+        self.assertEqual({int(line) for line in re.findall(r"(?m)^calls=.*\n(\d+) ", self.output_file("a.out").decode())},
+                         {number for number, line in enumerate(SOURCE.splitlines(), 1) if re.search(r"\bj(al)? ", line)})
         source = self.tool("callgrind_annotate", "--threshold=100", "a.out")
         for number, count in self.expected_counts().items():
             text = re.escape(SOURCE.splitlines()[number - 1])
@@ -82,6 +84,10 @@ class SymbolsTest(ProgramTest):
                 f"called from outer+0x18 (count.S:{at['first']})", f"called from _start+0x4 (count.S:{at['outer']})",
                 "the load of 4 bytes at 0x00000010 failed: nothing is there, a null pointer; the nearest is main memory, "
                 "0x00100000 to 0x01fffffe"])
+
+        self.assemble(SOURCE.replace("function work\n", "function work\n        lui     $29, 0x7000\n"))
+        self.assertEqual([re.sub(" [(].*| of 8.*", "", line) for line in self.reported()],
+                         ["in work+0x8", "called from outer+0x18", "the store"], "where the stack has ended")
 
     def test_what_to_do(self):
         for words, advice, *options in (

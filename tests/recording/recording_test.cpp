@@ -2,6 +2,8 @@
 #include "base/checksum.h"
 #include "gs/gs_records.h"
 #include "gs/local_memory.h"
+#include "machine/settings.h"
+#include "recording/buffer_picture.h"
 #include "recording/outcomes.h"
 #include "recording/player.h"
 #include "recording/recording_writer.h"
@@ -10,6 +12,7 @@
 #include "support/gs_machine.h"
 #include "support/run_directory.h"
 
+#include <cstring>
 #include <functional>
 
 namespace tarn::recording {
@@ -111,6 +114,7 @@ TEST_F(RecordingTest, AnotherEndIsDifferent) {
     Start start;
     start.records = saveGsRecords(Gs);
     start.localMemory = Gs.vRam;
+    start.blends = true;
     Writer writer(file.get(), start);
     localWord(77) = 1;
     writer.finish(0);
@@ -118,6 +122,10 @@ TEST_F(RecordingTest, AnotherEndIsDifferent) {
     Reader reader(path);
     const FilePtr output(std::fopen("/dev/null", "w"));
     EXPECT_EQ(checkReplay(reader, output.get()), ReplayResult::Different);
+    EXPECT_EQ(Settings.blend, 0) << "as it was";
+    GSwrite(0x10001, FRAME_1);
+    GSwrite(0x002F0000003F0000, SCISSOR_1);
+    EXPECT_EQ(shownRows(), 48U) << "of a buffer that is not the display's";
 }
 
 TEST_F(RecordingTest, DamageEndsReading) {
@@ -141,6 +149,13 @@ TEST_F(RecordingTest, DamageEndsReading) {
     };
     EXPECT_EQ(eventsOf(whole), 40U);
     EXPECT_EQ(eventsOf(whole.substr(0, whole.size() - 1)), 40U);  // only the end is missing
+    const auto behindBlock = [&](std::size_t at) {
+        u32 size = 0;
+        std::memcpy(&size, &whole[at], sizeof size);
+        return at + sizeof size + size;
+    };
+    const std::size_t events = behindBlock(magicWord.size() + sizeof formatVersion);
+    EXPECT_EQ(eventsOf(whole.substr(0, events) + whole.substr(behindBlock(events))), 0U) << "its end counts";
     for (std::size_t at = 0; at < whole.size(); at += 11) {
         SCOPED_TRACE(at);
         eventsOf(whole.substr(0, at));
@@ -234,6 +249,7 @@ TEST_F(RecordingTest, OutcomesHaveReasons) {
         u32 z;
         s32 x, y;
         Outcome expected;
+        u64 zbp = 100;
     };
     constexpr u64 wide = 0x003F0000003F0000;
     const Row rows[] = {
@@ -245,6 +261,7 @@ TEST_F(RecordingTest, OutcomesHaveReasons) {
         {"alpha", 6, alphaLess8, wide, 5, 10, 10, Outcome::AlphaTest},
         {"depth comes before alpha", 3, alphaLess8 | greater, wide, 5, 8, 6, Outcome::DepthTest},
         {"alpha behind depth", 3, alphaLess8 | greater, wide, 9, 8, 6, Outcome::AlphaTest},
+        {"depths that are the colours", 6, greater, wide, 5, 10, 10, Outcome::NotReached, 0},
         {"scissor", 6, 0, 0x003F000000080000, 5, 10, 10, Outcome::Scissor},
         {"scissor and depth", 6, greater, 0x003F000000080000, 5, 10, 10, Outcome::Scissor},
         {"beside a triangle", 3, 0, wide, 5, 18, 18, Outcome::NotReached},
@@ -254,12 +271,12 @@ TEST_F(RecordingTest, OutcomesHaveReasons) {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
         restart();
-        localWord(u32{100} * 2048 + 10 * 64 + 10) = 7;  // the depths that are there
+        localWord(static_cast<u32>(row.zbp) * 2048 + 10 * 64 + 10) = 7;  // the depths that are there
         localWord(u32{100} * 2048 + 6 * 64 + 8) = 7;
         localWord(3 * 64 + 3) = 0x80402010;
         GifStream stream;
         stream.write(FRAME_1, 0x10000)
-            .write(ZBUF_1, 100)
+            .write(ZBUF_1, row.zbp)
             .write(SCISSOR_1, row.scissor)
             .write(TEST_1, row.test);
         stream.write(PRIM, row.prim).write(RGBAQ, 0x80402010);

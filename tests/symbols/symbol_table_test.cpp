@@ -39,6 +39,7 @@ TEST(SymbolTable, FindsAndDescribes) {
                                                             {0x12000000 | exit, ""}}) {
         EXPECT_EQ(table.describe(address), expected) << std::hex << address;
     }
+    EXPECT_EQ(table.symbolAt(table.symbols.back().end), nullptr);
     EXPECT_EQ(SymbolTable().describe(exit), "");
     for (const std::string path : {"/", "/dev/null", "/etc/passwd", "/bin/sh", "missing"}) {
         EXPECT_TRUE(readSymbols(path).symbols.empty()) << path;
