@@ -64,12 +64,19 @@ template <typename CopyRow>
 void copyRows(SDL_Surface* source, SDL_Surface* destination, const CopiedArea& area, CopyRow copyRow) {
     const SurfaceLock sourceLock(source, needsLock(source));
     const SurfaceLock destinationLock(destination, needsLock(destination));
+    u8* to = pixelInBuffer(destination, area.left + area.dx, area.top + area.dy);
+    const u8* from = pixelInBuffer(source, area.left, area.top);
+    const bool isInside =
+        to != nullptr && from != nullptr &&
+        pixelInBuffer(destination, area.right - 1 + area.dx, area.bottom - 1 + area.dy) != nullptr &&
+        pixelInBuffer(source, area.right - 1, area.bottom - 1) != nullptr;
+    if (!isInside) {
+        return;
+    }
     for (s32 y = area.top; y < area.bottom; ++y) {
-        u8* to = pixelInBuffer(destination, area.left + area.dx, y + area.dy);
-        const u8* from = pixelInBuffer(source, area.left, y);
-        if (to != nullptr && from != nullptr) {
-            copyRow(to, from, static_cast<std::size_t>(area.right - area.left));
-        }
+        copyRow(to, from, static_cast<std::size_t>(area.right - area.left));
+        to += destination->pitch;
+        from += source->pitch;
     }
 }
 
