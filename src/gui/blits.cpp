@@ -2,6 +2,7 @@
 // whole words.
 #include "gui/blits.h"
 
+#include "base/vectors.h"
 #include "gui/pixel_access.h"
 #include "gui/surface.h"
 
@@ -81,11 +82,13 @@ void copyRows(SDL_Surface* source, SDL_Surface* destination, const CopiedArea& a
 }
 
 void swapChannels(u8* destination, const u8* source, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) {
-        const u32 pixel = loadPixel(source + i * 4, 4);
-        const u32 swapped = (pixel & lowChannel) << 16 | (pixel & highChannel) >> 16;
-        storePixel(destination + i * 4, 4, (pixel & ~(lowChannel | highChannel)) | swapped);
-    }
+    withVectors([=](auto) __attribute__((always_inline)) {
+        for (std::size_t i = 0; i < count; ++i) {
+            const u32 pixel = loadPixel(source + i * 4, 4);
+            const u32 swapped = (pixel & lowChannel) << 16 | (pixel & highChannel) >> 16;
+            storePixel(destination + i * 4, 4, (pixel & ~(lowChannel | highChannel)) | swapped);
+        }
+    });
 }
 
 /// Leaves out the pixels that agree with the key in the bits of `compared`.
