@@ -36,6 +36,8 @@ void koGUIwidget_init(koGUIwidget* pane, PaneKind kind, s32 x, s32 y, u32 w, u32
     pane->external_draw = koGUIwidget_external_draw;
     pane->dirty = 1;
     pane->state = PaneState::Open;
+    pane->clipped = false;
+    pane->keptLines = 0;
     pane->isClick_TitleBar = koGUIwidget_isClick_TitleBar;
     pane->image = nullptr;
     pane->attachImage = nullptr;
@@ -87,13 +89,27 @@ SDL_Rect bodyRectangle(const koGUIwidget* pane) {
     return rectangle(edge(pane->x, 1), edge(pane->y, titleBarHeight), pane->w - 2, pane->h - titleBarHeight);
 }
 
+SDL_Rect imageRectangle(const koGUIwidget* pane) {
+    SDL_Rect place = bodyRectangle(pane);
+    if (pane->clipped) {
+        place.x = static_cast<Sint16>(place.x + std::max(place.w - pane->image->w, 0) / 2);
+        place.y = static_cast<Sint16>(place.y + std::max(place.h - pane->image->h, 0) / 2);
+    }
+    place.w = static_cast<Uint16>(pane->image->w);
+    place.h = static_cast<Uint16>(pane->image->h);
+    return place;
+}
+
 void koGUIwidget_image_internal_draw(koGUIwidget* pane, koGUIscreen* screen) {
     // SDL's blitters know pixels of 1 to 4 bytes only.
     const bool drawable = pane->image != nullptr && pane->image->format->BytesPerPixel >= 1 &&
                           pane->image->format->BytesPerPixel <= 4;
+    if (pane->clipped) {
+        fillRectangle(screen, bodyRectangle(pane), SDL_Color{0, 0, 0, 0});
+    }
     if (drawable) {
-        SDL_Rect body = bodyRectangle(pane);
-        blit(pane->image, nullptr, screen->surface.get(), &body);
+        SDL_Rect place = imageRectangle(pane);
+        blit(pane->image, nullptr, screen->surface.get(), &place);
     }
 }
 

@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <span>
+#include <string>
 
 namespace tarn {
 
@@ -24,6 +26,7 @@ enum class PaneHit : int { Nothing = 0, TitleBar = 1, ShadeZone = 2 };
 
 inline constexpr u32 titleBarHeight = 22;  ///< the whole height of a shaded pane
 inline constexpr u32 textLineHeight = 11;  ///< what maxLines counts with
+inline constexpr u8 textMargin = 3;        ///< left of the text in a pane, of its frame's width
 
 /// Where a pane stands, and whether its body shows.
 struct PanePlace {
@@ -72,6 +75,8 @@ struct koGUIwidget {
     PaneState state{};
     u8 dirty = 0;  ///< 1: the screen must be redrawn
     char title[56] = {};
+    /// The body's contents end with the body. A smaller picture is in its middle, on black.
+    bool clipped = false;
 
     void (*external_draw)(koGUIwidget*, koGUIscreen*) = nullptr;  ///< frame, title bar, title, shade box
     void (*internal_draw)(koGUIwidget*, koGUIscreen*) = nullptr;  ///< body
@@ -86,6 +91,7 @@ struct koGUIwidget {
     koGUItextLine* (*addText)(koGUIwidget*, const char*) = nullptr;
     u32 maxLines = 0;   ///< lines that the pane has room for
     u32 firstLine = 0;  ///< index of the first line shown
+    u32 keptLines = 0;  ///< older ones than so many are forgotten; 0: none are
 
     // At the last redraw.
     PanePlace drawnPlace;
@@ -107,7 +113,16 @@ PaneHit koGUIwidget_isClick_TitleBar(koGUIwidget* pane, koGUIscreen* screen, s32
 /// has no list.
 koGUItextLine* koGUIwidget_addText(koGUIwidget* pane, const char* text);
 
+/// The same in as many lines as the text needs to fit the pane's width.
+koGUItextLine* koGUIwidget_addWrappedText(koGUIwidget* pane, const char* text);
+
+/// Makes these the lines of a text pane.
+void koGUIwidget_replaceText(koGUIwidget* pane, std::span<const std::string> lines);
+
 /// The part of a pane below the title bar, cut to SDL's 16-bit fields.
 SDL_Rect bodyRectangle(const koGUIwidget* pane);
+
+/// Where an image pane draws its image, which must be there. It may reach beyond the body.
+SDL_Rect imageRectangle(const koGUIwidget* pane);
 
 }  // namespace tarn

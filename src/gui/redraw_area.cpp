@@ -26,19 +26,19 @@ std::optional<PixelArea> areaOf(const koGUIscreen* screen, const koGUIwidget& pa
     bool isKnown = pane.external_draw == koGUIwidget_external_draw && pane.w >= titleBarHeight &&
                    pane.h >= titleBarHeight;
     if (pane.internal_draw == koGUIwidget_image_internal_draw) {
-        if (pane.image != nullptr) {
+        if (pane.image != nullptr && !pane.clipped) {
             area.extend(
                 {x + 1, y + titleBarHeight, x + 1 + pane.image->w, y + titleBarHeight + pane.image->h});
         }
     } else if (pane.internal_draw == koGUIwidget_text_internal_draw) {
         const BitmapFont* font = screen->font2.get();
-        for (u32 row = 0; pane.lines != nullptr && row < pane.maxLines; ++row) {
+        for (u32 row = 0; pane.lines != nullptr && !pane.clipped && row < pane.maxLines; ++row) {
             const koGUItextLine* line = pane.lines->at(pane.firstLine + row);
             if (line->next == nullptr) {
                 break;
             }
-            area.extend(
-                areaOfText(font, x + 3, y + titleBarHeight + s64{row} * FontHeight(font), line->text.get()));
+            area.extend(areaOfText(font, x + textMargin, y + titleBarHeight + s64{row} * FontHeight(font),
+                                   line->text.get()));
         }
     } else {
         isKnown = isKnown && pane.internal_draw == koGUIwidget_default_internal_draw;

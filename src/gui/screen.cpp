@@ -76,11 +76,37 @@ void prepareImages(const koGUIscreen* screen) {
     }
 }
 
+/// Keeps what is drawn on a surface within the body of a pane while it lives, if that pane is clipped.
+class BodyClip {
+  public:
+    BodyClip(SDL_Surface* surface, const koGUIwidget* pane) : clipped(pane->clipped ? surface : nullptr) {
+        if (clipped != nullptr) {
+            const SDL_Rect body = bodyRectangle(pane);
+            SDL_SetClipRect(clipped, &body);
+        }
+    }
+    ~BodyClip() {
+        if (clipped != nullptr) {
+            SDL_SetClipRect(clipped, nullptr);
+        }
+    }
+    BodyClip(const BodyClip&) = delete;
+    BodyClip& operator=(const BodyClip&) = delete;
+
+  private:
+    SDL_Surface* clipped;
+};
+
+void drawBody(koGUIscreen* screen, koGUIwidget* pane) {
+    const BodyClip clip(screen->surface.get(), pane);
+    pane->internal_draw(pane, screen);
+}
+
 void draw(koGUIscreen* screen, koGUIwidget* pane) {
     noteDrawn(screen, pane);
     pane->external_draw(pane, screen);
     if (pane->state == PaneState::Open) {
-        pane->internal_draw(pane, screen);
+        drawBody(screen, pane);
     }
     pane->dirty = 0;
 }
@@ -116,6 +142,13 @@ void redraw(koGUIscreen* screen, SDL_Surface* video) {
     screen->shownPicture.clear();
 }
 
+/// Copies what of the picture has changed straight to the window; the rectangle leaves as where that was.
+/// False if the formats do not allow it.
+bool showChanges(koGUIscreen* screen, SDL_Surface* video, const koGUIwidget* pane, SDL_Rect* place) {
+    const BodyClip clip(video, pane);
+    return blitChanges(pane->image, video, place, screen->shownPicture);
+}
+
 /// The redraw of a frame's picture alone, when that is allowed and nothing else has changed; false otherwise.
 /// One that is not due stays dirty.
 bool redrawPicture(koGUIscreen* screen, SDL_Surface* video, bool due) {
@@ -124,20 +157,21 @@ bool redrawPicture(koGUIscreen* screen, SDL_Surface* video, bool due) {
         pane->image == nullptr || pane->state != PaneState::Open) {
         return false;
     }
-    SDL_Rect picture = bodyRectangle(pane);
-    picture.w = static_cast<Uint16>(pane->image->w);
-    picture.h = static_cast<Uint16>(pane->image->h);
-    if (!onlyPictureChanges(screen, {picture.x, picture.y, picture.x + picture.w, picture.y + picture.h})) {
+    SDL_Rect picture = imageRectangle(pane);
+    const PixelArea area =
+        pane->clipped ? pane->drawnArea.value_or(PixelArea{})
+                      : PixelArea{picture.x, picture.y, picture.x + picture.w, picture.y + picture.h};
+    if (!onlyPictureChanges(screen, area)) {
         return false;
     }
     if (!due) {
         return true;
     }
     prepareImages(screen);
-    if (video != nullptr && blitChanges(pane->image, video, &picture, screen->shownPicture)) {
+    if (video != nullptr && showChanges(screen, video, pane, &picture)) {
         update(video, picture);
     } else {
-        pane->internal_draw(pane, screen);
+        drawBody(screen, pane);
         show(screen, video, &picture);
     }
     pane->dirty = 0;

@@ -1,4 +1,4 @@
-// Appending to the lines of a text pane.
+// Adding to the lines of a text pane and removing the oldest.
 #include "gui/text_lines.h"
 
 #include <cstring>
@@ -12,6 +12,13 @@ void TextLines::append(const char* text) {
     std::memcpy(line->text.get(), text, size);
     line->next = &nodes.emplace_back();
     line->next->prev = line;
+}
+
+void TextLines::keepLast(std::size_t most) {
+    while (count() > most) {
+        nodes.pop_front();
+        head()->prev = nullptr;
+    }
 }
 
 }  // namespace tarn

@@ -34,6 +34,9 @@ class TextLines {
     /// Adds a copy of the text at the end.
     void append(const char* text);
 
+    /// Removes lines from the beginning until there are no more than `most`.
+    void keepLast(std::size_t most);
+
   private:
     std::deque<koGUItextLine> nodes;
 };

@@ -23,6 +23,9 @@ struct TarnSettings {
     u8 console = 0;        ///< "General:Console": 1 passes on what the guest writes to its serial port
     u8 completeCpu = 0;    ///< "General:Complete_cpu": 1 chooses the complete processor
     u8 blend = 0;          ///< "Video:Blend": 1 sends primitives with ABE through the blender
+    u8 fitWindow = 0;      ///< "Video:Fit_window": 1 lays the panes out side by side
+    u8 extraKeys = 0;  ///< "General:Extra_keys": 1 adds keys, and a caption that says what the machine does
+    u32 gdbPort = 0;   ///< "General:Gdb_port": where the window listens for a debugger, if not 0
 };
 
 inline TarnSettings Settings;

@@ -66,6 +66,7 @@ int TarnLoadConfig() {
     Settings.frameRate = count("Video:Frame_rate");
     Settings.completeCpu = flag("General:Complete_cpu");
     Settings.blend = flag("Video:Blend");
+    Settings.fitWindow = flag("Video:Fit_window");
     return 1;
 }
 

@@ -18,7 +18,7 @@
 namespace tarn {
 namespace {
 
-enum class ValueKind : u8 { Text, Flag, Depth, Side, Count };
+enum class ValueKind : u8 { Text, Flag, Depth, Side, Count, Port };
 
 struct KnownKey {
     std::string_view section;
@@ -27,7 +27,7 @@ struct KnownKey {
 };
 
 /// Every key that is read anywhere.
-constexpr std::array<KnownKey, 14> knownKeys{{
+constexpr std::array<KnownKey, 15> knownKeys{{
     {"General", "Elf", ValueKind::Text},
     {"General", "Debug_op"},
     {"General", "Debug_dma"},
@@ -42,6 +42,7 @@ constexpr std::array<KnownKey, 14> knownKeys{{
     {"Video", "Stretch", ValueKind::Count},
     {"Video", "Frame_rate", ValueKind::Count},
     {"Video", "Blend"},
+    {"Video", "Fit_window"},
 }};
 
 constexpr unsigned warningLimit = 20;  ///< a file with more is hardly a configuration file
@@ -111,6 +112,8 @@ const char* expectedInstead(ValueKind kind, int value) {
         return value >= 1 && value <= largestSide ? nullptr : "a number from 1 to 16383";
     case ValueKind::Count:
         return value >= 0 ? nullptr : "0 or more";
+    case ValueKind::Port:
+        return value >= 0 && value <= 0xFFFF ? nullptr : "a number from 0 to 65535";
     default:
         return nullptr;
     }

@@ -41,7 +41,7 @@ void drag(const SDL_MouseMotionEvent& motion) {
     }
 }
 
-/// Does not mark the pane dirty: the new height shows at the next redraw.
+/// Unless panes are laid out side by side, the new height shows at the next redraw only.
 void toggleShade(koGUIwidget& pane) {
     if (pane.state == PaneState::Open) {
         pane.savedH = pane.h;
@@ -51,6 +51,7 @@ void toggleShade(koGUIwidget& pane) {
         pane.h = pane.savedH;
         pane.state = PaneState::Open;
     }
+    pane.dirty = Settings.fitWindow == 1 ? 1 : pane.dirty;
 }
 
 /// Every pane under the pointer reacts; of overlapping title bars the last pane's is the one dragged.

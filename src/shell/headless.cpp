@@ -129,7 +129,7 @@ void reportEnd(End end) {
         std::fprintf(stderr, "tarn-headless: start-up failed\n");
         return;
     }
-    endWithCounts();
+    std::fprintf(stderr, "%s\n", countsSoFar().c_str());
 }
 
 /// With `ownResult` it is the program's when that has ended by itself.
@@ -265,7 +265,7 @@ int runHeadless(const HeadlessOptions& options) {
     }
     Settings.completeCpu = options.completeCpu ? 1 : Settings.completeCpu;
     createMainScreen();
-    addPanes(passOnText);
+    addPanes(fixedLayout(Settings.koGUI_MainScreenW, Settings.koGUI_MainScreenH), passOnText);
     diagnosticSinks.text[static_cast<std::size_t>(Channel::Console)] = passOnGuestText;
     Driver.farewell = 0;
 

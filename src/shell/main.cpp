@@ -1,5 +1,7 @@
 // The window application. It reads no arguments; its exit status is 1 whatever happens.
+#include "base/diagnostics.h"
 #include "machine/settings.h"
+#include "r5900/register_names.h"
 #include "shell/driver.h"
 #include "shell/event_filter.h"
 #include "shell/pause_message.h"
@@ -12,19 +14,44 @@ namespace {
 
 using namespace tarn;
 
-constexpr int windowWidth = 800;
-constexpr int windowHeight = 600;
-
 [[noreturn]] void failFor(const char* format) {
     std::fprintf(stderr, format, SDL_GetError());
     std::exit(1);
 }
 
-void openWindow() {
+WindowLayout layOut() {
+    const u32 width = Settings.koGUI_MainScreenW;
+    const u32 height = Settings.koGUI_MainScreenH;
+    if (Settings.fitWindow != 1) {
+        return fixedLayout(width, height);
+    }
+    const SDL_VideoInfo* info = SDL_GetVideoInfo();
+    const auto side = [](int pixels) {
+        constexpr int largest = 16383;  // of a surface
+        return static_cast<u32>(pixels > 0 ? pixels : largest);
+    };
+    return fittedLayout(width, height, side(info->current_w), side(info->current_h));
+}
+
+void openWindow(const WindowLayout& layout) {
     // Whoever asks for speed does not wait for the display server after every frame.
     const u32 flags = SDL_HWSURFACE | (Settings.stepsPerPoll > 1 ? SDL_ASYNCBLIT : 0);
-    if (SDL_SetVideoMode(windowWidth, windowHeight, Settings.koGUI_MainScreenBPP, flags) == nullptr) {
+    if (SDL_SetVideoMode(static_cast<int>(layout.width), static_cast<int>(layout.height),
+                         Settings.koGUI_MainScreenBPP, flags) == nullptr) {
         failFor("Couldn't set video mode: %s\n");
+    }
+}
+
+/// What the panes do that they do not do by default.
+void preparePanes() {
+    constexpr u32 keptLines = 1000;
+    for (u32 i = 0; i < TarnGUI.nbWidgets; ++i) {
+        TarnGUI.widgets[i].clipped = Settings.fitWindow == 1;
+        TarnGUI.widgets[i].keptLines = Settings.extraKeys == 1 ? keptLines : 0;
+    }
+    if (Settings.fitWindow == 1) {
+        TarnGUI.widgets[emuOutputPane].addText = koGUIwidget_addWrappedText;
+        TarnGUI.widgets[cpuRegistersPane].maxLines = static_cast<u32>(debug_r5900_reg.size());
     }
 }
 
@@ -33,6 +60,15 @@ void setCaption() {
     std::snprintf(caption, sizeof caption, " %s %d.%2.2d - %s", programName, versionMajor, versionMinor,
                   Settings.ElfToExecute);
     SDL_WM_SetCaption(caption, nullptr);
+}
+
+void reportRest() {
+    reportPause("tarn");
+    if (Settings.extraKeys == 1) {
+        for (const std::string& line : pauseMessage()) {
+            PrintToEmuOutput(line.c_str());
+        }
+    }
 }
 
 /// The panes disappear with the window, so what they said of a failure is said again.
@@ -55,14 +91,16 @@ int main(int, char**) {
     }
     std::atexit(SDL_Quit);
     const bool configured = TarnLoadConfig() == 1;
-    openWindow();
+    const WindowLayout layout = layOut();
+    openWindow(layout);
     SDL_SetEventFilter(FilterEvents);
     createMainScreen();
     koGUI_Init(&TarnGUI);
     TarnGUI.quickPicture = Settings.stepsPerPoll > 1 ? 1 : 0;
-    addPanes(koGUIwidget_addText);
+    addPanes(layout, koGUIwidget_addText);
+    preparePanes();
     setCaption();
-    Driver.reportRest = [] { reportPause("tarn"); };
+    Driver.reportRest = reportRest;
     TarnGUI.IdleProc = koGUI_TarnInitProc;
     TarnGUI.MainLoop(&TarnGUI);
     if (TarnGUI.IdleProc == koGUI_TarnInitProc) {

@@ -1,4 +1,4 @@
-// The message on standard error about a paused CPU.
+// The message about a paused CPU.
 #include "shell/pause_message.h"
 
 #include "machine/machine.h"
@@ -16,17 +16,27 @@ const symbols::SymbolTable& programSymbols() {
     return table;
 }
 
-void endWithCounts() {
-    std::fprintf(stderr, " after %llu steps and %llu vertical blanks\n", machine.counters.driverSteps,
-                 machine.counters.verticalBlanks);
+std::string countsSoFar() {
+    return " after " + std::to_string(machine.counters.driverSteps) + " steps and " +
+           std::to_string(machine.counters.verticalBlanks) + " vertical blanks";
+}
+
+std::string pausePlace() {
+    char text[160];
+    std::snprintf(text, sizeof text, "the CPU paused at PC 0x%8.8llx, %sinstruction 0x%8.8x (%s)", MipsCpu.PC,
+                  symbols::pausedInstruction() == MipsCpu.PC ? "" : "last ", MipsCpu.opcode,
+                  mnemonicOf(MipsCpu.opcode));
+    return text;
+}
+
+std::vector<std::string> pauseMessage() {
+    std::vector<std::string> lines = symbols::pauseReport(programSymbols());
+    lines.insert(lines.begin(), pausePlace() + countsSoFar());
+    return lines;
 }
 
 void reportPause(const char* speaker) {
-    std::fprintf(stderr, "%s: the CPU paused at PC 0x%8.8llx, %sinstruction 0x%8.8x (%s)", speaker,
-                 MipsCpu.PC, symbols::pausedInstruction() == MipsCpu.PC ? "" : "last ", MipsCpu.opcode,
-                 mnemonicOf(MipsCpu.opcode));
-    endWithCounts();
-    for (const std::string& line : symbols::pauseReport(programSymbols())) {
+    for (const std::string& line : pauseMessage()) {
         std::fprintf(stderr, "%s: %s\n", speaker, line.c_str());
     }
 }

@@ -5,6 +5,7 @@
 #include "gui/pane_sinks.h"
 #include "machine/settings.h"
 
+#include <array>
 #include <csignal>
 #include <cstdio>
 #include <fcntl.h>
@@ -48,27 +49,23 @@ void freeMainScreen() {
     MainScreen = nullptr;
 }
 
-void addPanes(AddTextOperation addText) {
+void addPanes(const WindowLayout& layout, AddTextOperation addText) {
     connectPanes();
     TarnGUI.PictureIsNew = takeNewPicture;
     TarnGUI.PrepareImages = presentPicture;
-    const u32 width = Settings.koGUI_MainScreenW;
-    const u32 height = Settings.koGUI_MainScreenH;
-    const s32 below = static_cast<s32>(height) + 42;
-
-    koGUIwidget pane;
-    koGUIwidget_init(&pane, PaneKind::Image, 10, 10, width + 2, height + 22, "VideoOutput");
-    pane.attachImage(&pane, MainScreen);
-    koGUI_AddWidget(&TarnGUI, &pane);
-
-    const auto addTextPane = [&](s32 x, s32 y, u32 w, u32 h, const char* title) {
-        koGUIwidget_init(&pane, PaneKind::Text, x, y, w, h, title);
-        pane.addText = addText;
+    constexpr std::array titles = {"VideoOutput", "EmuOutput", "Opcodes", "CpuRegisters"};
+    for (u32 i = 0; i < titles.size(); ++i) {
+        const PaneFrame& place = layout.panes[i];
+        koGUIwidget pane;
+        koGUIwidget_init(&pane, i == videoOutputPane ? PaneKind::Image : PaneKind::Text, place.x, place.y,
+                         place.w, place.h, titles[i]);
+        if (i == videoOutputPane) {
+            pane.attachImage(&pane, MainScreen);
+        } else {
+            pane.addText = addText;
+        }
         koGUI_AddWidget(&TarnGUI, &pane);
-    };
-    addTextPane(10, below, 500, 170, "EmuOutput");
-    addTextPane(520, below, 250, 170, "Opcodes");
-    addTextPane(520, 10, 180, 400, "CpuRegisters");
+    }
 }
 
 void prepareProcess() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "gui/screen.h"
+#include "shell/pane_layout.h"
 #include "shell/version.h"
 
 namespace tarn {
@@ -18,7 +19,7 @@ void freeMainScreen();
 using AddTextOperation = koGUItextLine* (*)(koGUIwidget*, const char*);
 
 /// Adds the four panes to TarnGUI: the picture, and three of text that append with `addText`.
-void addPanes(AddTextOperation addText);
+void addPanes(const WindowLayout& layout, AddTextOperation addText);
 
 /// Opens closed standard streams on /dev/null, so that no other file gets their descriptors, turns SIGPIPE
 /// into a failed write, and makes SIGINT and SIGTERM request a stop.

@@ -104,7 +104,9 @@ bool checksDivisor(u32 word) {
     return (word & 0xFC00FFFF) == trapIfEqual || word == breakpoint;
 }
 
-std::string advice() {
+}  // namespace
+
+std::string pauseCause() {
     if (const FailedAccess* failed = failedAccess()) {
         return adviceForAccess(*failed);
     }
@@ -121,8 +123,6 @@ std::string advice() {
     }
     return r5900::stopReason() != Stop::None && checksDivisor(word) ? "a division by zero" : "";
 }
-
-}  // namespace
 
 std::optional<u32> pausedInstruction() {
     if (const FailedAccess* failed = failedAccess()) {
@@ -153,7 +153,7 @@ std::vector<std::string> pauseReport(const SymbolTable& table) {
             lines.push_back("called from " + table.describe(site));
         }
     }
-    if (const std::string text = advice(); !text.empty()) {
+    if (const std::string text = pauseCause(); !text.empty()) {
         lines.push_back(text);
     }
     return lines;

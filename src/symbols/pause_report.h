@@ -12,6 +12,9 @@ std::optional<u32> pausedInstruction();
 /// The argument of the kernel call Exit, if the CPU has paused on that call.
 std::optional<s32> exitResult();
 
+/// What is wrong, in a sentence without a full stop; empty when that is not known.
+std::string pauseCause();
+
 /// The lines of the report on the paused machine. What is not known is left out.
 std::vector<std::string> pauseReport(const SymbolTable& table);
 

@@ -200,6 +200,11 @@ TEST_F(Window, RedrawingWhatHasChangedIsRedrawingEverything) {
                                 text.substr(0, generator() % 60).c_str());
             break;
         }
+        case 4:
+            pane.clipped = !pane.clipped;
+            pane.w = static_cast<u32>(50 + below(100));
+            pane.dirty = 1;
+            break;
         default:
             break;
         }

@@ -70,6 +70,19 @@ TEST_F(Toolkit, WhatTheGuestSaysIsShownInLines) {
               "-begun-\n-and-\n-interrupted-\n-" + longest + "-\n-x-\n");
 }
 
+TEST_F(Toolkit, LongTextIsWrappedAndOldTextForgotten) {
+    koGUIwidget& pane = add(PaneKind::Text, 0, 0, 16, 100);
+    pane.keptLines = 6;
+    for (const char* text : {"gone", "!", "", "### ### ####!"}) {
+        koGUIwidget_addWrappedText(&pane, text);
+    }
+    EXPECT_EQ(outputOf([&] { koGUIwidget_printAllText(&pane); }),
+              "--\n-###-\n-  ##-\n-  #-\n-  ##-\n-  ##!-\n");
+    EXPECT_EQ(pane.textLines->prev, nullptr);
+    koGUIwidget_replaceText(&pane, std::array<std::string, 1>{"new"});
+    EXPECT_EQ(outputOf([&] { koGUIwidget_printAllText(&pane); }), "-new-\n");
+}
+
 TEST_F(Toolkit, LinesAreCountedFromTheHeightAndScrollingIsFast) {
     const std::clock_t start = std::clock();
     for (const auto& [h, maxLines] : {std::pair{170U, 13U}, {400U, 34U}, {32U, 0U}}) {

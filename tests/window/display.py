@@ -25,6 +25,8 @@ def wait_for(condition, what):
 class Display:
     """Xvfb with one screen of 24 bits, whose pixels are read from the file that it maps."""
 
+    mask = 0xFFFFFF  # of a pixel, what is compared
+
     def __init__(self):
         self.directory = tempfile.TemporaryDirectory(prefix="tarn-window-")
         reader, writer = os.pipe()
@@ -54,7 +56,7 @@ class Display:
         """The pixels of a row, as 0xRRGGBB."""
         start = self.pixels + y * self.pitch
         words = struct.unpack(f"<{right - left}I", self.memory[start + 4 * left:start + 4 * right])
-        return [word & 0xFFFFFF for word in words]
+        return [word & self.mask for word in words]
 
     def pixel(self, x, y):
         return self.row(y, x, x + 1)[0]

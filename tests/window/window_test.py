@@ -55,20 +55,22 @@ class WindowTest(ProgramTest):
         (self.directory / "data").symlink_to(DATA)
         (self.directory / "loop.elf").write_bytes(LOOP)
         self.configure(Path("loop.elf"), general="Steps_per_poll=1000")
+        self.display.mask = 0xFFFFFF
         self.display.do("mousemove 1010 760")
 
-    def start(self):
+    def start(self, messages=EMU):
         """Starts the program and waits until the machine runs."""
         self.tarn = subprocess.Popen([BUILD / "tarn"], cwd=self.directory, env=self.display.environment,
                                      stdout=subprocess.PIPE, text=True)
         self.addCleanup(self.tarn.stdout.close)
         self.addCleanup(self.tarn.wait)
         self.addCleanup(self.tarn.kill)
-        self.await_line(EMU, LAST_LINE, "Start Interpreter....")
+        self.await_line(messages, (messages[3] - 22) // 11 - 1, "Start Interpreter....")
         self.window = int(self.display.do("search --name Tarn").split()[0])
 
     def shows(self, text, x, y, font, ground):
-        return all(self.display.row(y + i, x, x + len(row)) == row for i, row in enumerate(font.rows(text, ground)))
+        return all(self.display.row(y + i, x, x + len(row)) == [pixel & self.display.mask for pixel in row]
+                   for i, row in enumerate(font.rows(text, ground)))
 
     def await_line(self, pane, line, text):
         """Waits for a line of a text pane that begins with the text."""
@@ -77,11 +79,11 @@ class WindowTest(ProgramTest):
 
     def expected(self, panes):
         """Frames, bars and bodies in their order; None where text may stand."""
-        picture = [[BACKGROUND] * 1024 for _ in range(768)]
+        picture = [[BACKGROUND & self.display.mask] * 1024 for _ in range(768)]
 
         def fill(colour, left, top, width, height):
             for row in picture[top:top + height]:
-                row[left:left + width] = [colour] * width
+                row[left:left + width] = [colour and colour & self.display.mask] * width
 
         for x, y, w, h in panes:
             for line in ((x, y, w + 1, 1), (x + w, y, 1, h + 1), (x, y + h, w + 1, 1), (x, y, 1, h + 1),
@@ -90,16 +92,17 @@ class WindowTest(ProgramTest):
             fill(TITLE_BAR, x + 1, y + 1, w - 2, 20)
             fill(None, x + 2, y + 2, 90, self.title_font.height - 1)
             fill(SHADE_BOX, x + w - 22, y + 3, 16, 16)
-            fill(BODY if w == VIDEO[2] else None, x + 1, y + 22, w - 2, h - 22)
+            fill(BODY if (w, h) == panes[0][2:] else None, x + 1, y + 22, w - 2, h - 22)
         return picture
 
-    def await_panes(self, *panes):
+    def await_panes(self, *panes, size=(800, 600)):
         """Waits until the whole window looks as if it had these panes, the last on top, whatever their text."""
         picture = self.expected(panes)
+        colours = {colour & self.display.mask for colour in self.text_colours}
 
         def equal():
-            return all(got == want or want is None and got in self.text_colours
-                       for y in range(600) for want, got in zip(picture[y], self.display.row(y, 0, 800)))
+            return all(got == want or want is None and got in colours
+                       for y in range(size[1]) for want, got in zip(picture[y], self.display.row(y, 0, size[0])))
 
         self.display.do("mousemove 1010 760")
         wait_for(equal, f"panes at {panes}")
@@ -138,6 +141,33 @@ class WindowTest(ProgramTest):
             self.await_panes((0, 0, *VIDEO[2:]), (*EMU[:3], height), *others)
         drag((490, 300), (495, 310))
         self.await_panes((0, 0, *VIDEO[2:]), (15, 292, 500, 22), *others)
+
+    def test_panes_side_by_side(self):
+        for depth, mask, picture, size, panes in (
+                (16, 0xF8FCF8, (320, 240), (795, 464),
+                 ((10, 10, 322, 262), (10, 283, 583, 170), (343, 10, 250, 262), (604, 10, 180, 443))),
+                (24, 0xFFFFFF, (640, 448), (924, 672),
+                 ((10, 10, 642, 470), (10, 491, 642, 170), (663, 421, 250, 240), (663, 10, 250, 400))),
+                (32, 0xFFFFFF, (64, 48), (713, 421),
+                 ((10, 10, 240, 170), (10, 191, 501, 219), (261, 10, 250, 170), (522, 10, 180, 400)))):
+            with self.subTest(depth):
+                self.display.mask = mask
+                self.configure(Path("loop.elf"), general="Steps_per_poll=1000",
+                               video="Fit_window=1\nBpp={}\nWidth={}\nHeight={}".format(depth, *picture))
+                video, messages, opcodes, registers = panes
+                self.start(messages)
+                self.await_panes(*panes, size=size)
+                self.assertIn("{}x{}".format(*size), self.display.do(f"getwindowgeometry {self.window}"))
+                self.display.do("mousemove 5 5", "key F1")
+                x, y, w, _ = messages
+                corner = x + w - 10, y + 10
+                self.display.drag(corner, corner)
+                self.await_panes(video, (x, y, w, 22), opcodes, registers, size=size)
+                self.display.drag(corner, corner)
+                self.display.drag((opcodes[0] + 10, opcodes[1] + 10), (opcodes[0] - 20, opcodes[1] + 40))
+                self.await_panes(video, messages, (opcodes[0] - 30, opcodes[1] + 30, *opcodes[2:]), registers, size=size)
+                self.tarn.kill()
+                self.tarn.wait()
 
     def counter(self):
         """What t0 looks like in the pane CpuRegisters."""
