@@ -32,7 +32,7 @@ void openWindow() {
         if (koGUI_Init(&TarnGUI) == 0) {
             std::exit(1);
         }
-        addPanes(koGUIwidget_addText);
+        addPanes(fixedLayout(Settings.koGUI_MainScreenW, Settings.koGUI_MainScreenH), koGUIwidget_addText);
         return true;
     }();
     static_cast<void>(opened);

@@ -264,6 +264,12 @@ void Debugger::drop() {
     attached = false;
 }
 
+void Debugger::runOn() {
+    if (!attached) {
+        resume(Mode::Running, {});
+    }
+}
+
 std::optional<std::string> Debugger::stop(std::string reply) {
     current = Mode::Stopped;
     stops.reset();

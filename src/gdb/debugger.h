@@ -42,6 +42,9 @@ class Debugger {
     /// stopped.
     void drop();
 
+    /// Has the machine run, if no debugger is attached.
+    void runOn();
+
     /// Takes the payload of a packet and returns the payload of the reply, or nothing when the packet has
     /// none (yet).
     std::optional<std::string> answer(std::string_view packet);

@@ -54,8 +54,8 @@ void Descriptor::reset(int descriptor) {
 }
 
 bool Server::listen(u16 port) {
-    const auto failed = [port](const char* what) {
-        std::fprintf(stderr, "tarn-headless: gdb: cannot %s port %u: %s\n", what, unsigned{port},
+    const auto failed = [&](const char* what) {
+        std::fprintf(stderr, "%s: gdb: cannot %s port %u: %s\n", speaker, what, unsigned{port},
                      std::strerror(errno));
         return false;
     };
@@ -77,55 +77,61 @@ bool Server::listen(u16 port) {
         getsockname(listener.get(), reinterpret_cast<sockaddr*>(&address), &length) != 0) {
         return failed("listen on");
     }
-    std::fprintf(stderr, "tarn-headless: gdb: waiting for a debugger on 127.0.0.1:%u\n",
+    std::fprintf(stderr, "%s: gdb: waiting for a debugger on 127.0.0.1:%u\n", speaker,
                  unsigned{ntohs(address.sin_port)});
     return true;
 }
 
 Server::Finish Server::run(const RunLimits& limits, bool (*interrupted)()) {
-    const Finish finish = runUntilFinished(limits, interrupted);
-    if (finish == Finish::LimitReached || finish == Finish::Interrupted) {
-        exchange(0);  // it may just have continued the machine
-        if (debugger.mode() == Debugger::Mode::Running) {
-            reply("W00");  // the debugger waits for a stop: to it the guest has exited
-        }
+    std::optional<Finish> finish;
+    while (!finish) {
+        finish = interrupted() ? std::optional(Finish::Interrupted)
+                               : turn(limits, stepsPerLook, idleMilliseconds, interrupted);
     }
-    closeConnection();
-    return finish;
+    if (*finish == Finish::LimitReached || *finish == Finish::Interrupted) {
+        exchange(0);  // it may just have continued the machine
+    }
+    sayGoodbye();
+    return *finish;
 }
 
-Server::Finish Server::runUntilFinished(const RunLimits& limits, bool (*interrupted)()) {
-    u64 nextLook = 0;  // as a number of steps
-    for (;;) {
-        if (debugger.mode() == Debugger::Mode::Killed) {
-            return Finish::Killed;
-        }
-        if (interrupted()) {
-            return Finish::Interrupted;
-        }
-        if (limitReached(limits) != RunEnd::None) {
-            return Finish::LimitReached;
-        }
-        if (debugger.mode() == Debugger::Mode::Stopped) {
-            exchange(idleMilliseconds);
-            continue;
-        }
+std::optional<Server::Finish> Server::turn(const RunLimits& limits, u64 most, int patience,
+                                           bool (*interrupted)()) {
+    if (debugger.mode() == Debugger::Mode::Killed) {
+        return Finish::Killed;
+    }
+    if (limitReached(limits) != RunEnd::None) {
+        return Finish::LimitReached;
+    }
+    if (debugger.mode() == Debugger::Mode::Stopped || machineRests()) {
+        exchange(patience);
+    } else if (stepsToLook == 0) {
+        stepsToLook = stepsPerLook;
+        exchange(0);
+    } else if (const std::optional<std::string> stopped = debugger.beforeStep()) {
+        reply(*stopped);
+    } else {
         const u64 now = machine.counters.driverSteps;
-        if (now >= nextLook) {
-            nextLook = now + stepsPerLook;
-            exchange(0);
-            continue;  // the packets may have changed the mode
+        advance(std::min(now + std::min(most, stepsToLook), limits.steps), interrupted);
+        stepsToLook -= std::min(stepsToLook, std::max<u64>(machine.counters.driverSteps - now, 1));
+        if (const std::optional<std::string> reached = debugger.afterStep()) {
+            reply(*reached);
         }
-        if (const std::optional<std::string> stopped = debugger.beforeStep()) {
-            reply(*stopped);
-            continue;
-        }
-        advance(std::min(nextLook, limits.steps), interrupted);
-        if (const std::optional<std::string> stopped = debugger.afterStep()) {
-            reply(*stopped);
-        } else if (machineRests()) {
-            return Finish::Paused;
-        }
+    }
+    const bool goesOn = debugger.mode() == Debugger::Mode::Running || debugger.mode() == Debugger::Mode::Step;
+    return goesOn && machineRests() ? std::optional(Finish::Paused) : std::nullopt;
+}
+
+void Server::sayGoodbye() {
+    if (debugger.mode() == Debugger::Mode::Running) {
+        reply("W00");  // the debugger waits for a stop: to it the guest has exited
+    }
+    closeConnection();
+}
+
+void Server::interrupt() {
+    if (const std::optional<std::string> stopped = debugger.interrupt()) {
+        reply(*stopped);
     }
 }
 
@@ -144,7 +150,7 @@ void Server::advance(u64 limit, bool (*interrupted)()) {
         while (!driverStep() && !interrupted()) {
         }
     }
-    if (timeline != nullptr) {
+    if (timeline != nullptr && debugger.isAttached()) {
         timeline->look();
     }
 }
@@ -202,9 +208,7 @@ void Server::take(char byte) {
         takePacket(reader.payload());
         break;
     case PacketReader::Event::Interrupt:
-        if (const std::optional<std::string> stopped = debugger.interrupt()) {
-            reply(*stopped);
-        }
+        interrupt();
         break;
     case PacketReader::Event::Corrupt:
         acknowledge("-");

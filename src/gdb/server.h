@@ -29,9 +29,10 @@ class Descriptor {
 /// One debugger at a time, on a port of the loopback interface.
 class Server {
   public:
-    /// With a timeline, which must be begun before run(), the machine can be run backwards.
-    Server(history::Timeline* past, const symbols::SymbolTable& names)
-        : timeline(past), debugger(past, names) {}
+    /// With a timeline, which must be begun before the first turn, the machine can be run backwards.
+    /// `programName` begins what is said on standard error.
+    Server(const char* programName, history::Timeline* past, const symbols::SymbolTable& names)
+        : speaker(programName), timeline(past), debugger(past, names) {}
 
     /// Has `monitor picture` write the picture with this function.
     void setPictureWriter(bool (*writer)(const std::string& path)) { debugger.writePicture = writer; }
@@ -53,8 +54,24 @@ class Server {
     /// machine runs on or stays stopped, and the next debugger takes over.
     Finish run(const RunLimits& limits, bool (*interrupted)());
 
+    /// A part of such a run, for those who have a loop of their own: either waits for up to `patience`
+    /// milliseconds for what a debugger says, or makes up to `most` steps. Returns why the run is over, if it
+    /// is; Paused need not be its end, `interrupted` is asked within a step only.
+    std::optional<Finish> turn(const RunLimits& limits, u64 most, int patience, bool (*interrupted)());
+
+    /// Tells a debugger that waits for a stop that there is nothing more to wait for, and lets go of it.
+    void sayGoodbye();
+
+    Debugger::Mode mode() const { return debugger.mode(); }
+    bool isAttached() const { return debugger.isAttached(); }
+
+    /// Has the machine run, if no debugger is attached.
+    void runOn() { debugger.runOn(); }
+
+    /// Stops the machine as a debugger's interrupt does, and tells it.
+    void interrupt();
+
   private:
-    Finish runUntilFinished(const RunLimits& limits, bool (*interrupted)());
     void exchange(int timeout);
     void acceptDebugger();
     void receive();
@@ -66,10 +83,12 @@ class Server {
     void send(const std::string& bytes);
     void closeConnection();
 
+    const char* speaker;
     history::Timeline* timeline;
     Descriptor listener;
     Descriptor connection;
     PacketReader reader;
+    u64 stepsToLook = 0;  ///< until the connection is looked at again
     Debugger debugger;
     std::string lastReply;      ///< as it was sent, for a debugger that did not get it
     std::string pendingSign;    ///< acknowledgements that go out with the reply

@@ -25,7 +25,7 @@ struct TarnSettings {
     u8 blend = 0;          ///< "Video:Blend": 1 sends primitives with ABE through the blender
     u8 fitWindow = 0;      ///< "Video:Fit_window": 1 lays the panes out side by side
     u8 extraKeys = 0;  ///< "General:Extra_keys": 1 adds keys, and a caption that says what the machine does
-    u32 gdbPort = 0;   ///< "General:Gdb_port": where the window listens for a debugger, if not 0
+    u16 gdbPort = 0;   ///< "General:Gdb_port": where the window listens for a debugger, if not 0
 };
 
 inline TarnSettings Settings;

@@ -99,6 +99,19 @@ void appendStore(std::string& text, u32 word, const Operation& operation) {
     append(text, value);
 }
 
+/// For an instruction without a trace line.
+std::string namedLine(u64 pc, u32 word) {
+    std::string line;
+    append(line, pc, 8);
+    line += ": ";
+    line += mnemonicOf(word);
+    return line;
+}
+
+std::string_view withoutEnd(std::string_view line) {
+    return line.substr(0, line.find_last_not_of(" \n") + 1);
+}
+
 }  // namespace
 
 void RegisterChanges::appendTo(std::string& text) {
@@ -153,11 +166,7 @@ void StepText::executed(u64 pc, u32 word) {
     if (!isUnaligned && traceLineOf(word).format != nullptr) {
         appendLine(debugTempText.data());
     } else {
-        std::string line;
-        append(line, pc, 8);
-        line += ": ";
-        line += mnemonicOf(word);
-        appendLine(line);
+        appendLine(namedLine(pc, word));
     }
     const Operation& operation = operationOf(word);
     if (operation.kind == Kind::Store && MipsCpu.pause == 0) {
@@ -176,9 +185,27 @@ std::string_view StepText::finish() {
 }
 
 void StepText::appendLine(std::string_view line) {
-    line = line.substr(0, line.find_last_not_of(" \n") + 1);
     text += text.empty() ? "" : " | ";
-    text += line;
+    text += withoutEnd(line);
+}
+
+std::string nextStepText() {
+    u32 word = 0;
+    const u32 address = static_cast<u32>(MipsCpu.PC);
+    if (MipsMemory == nullptr || address > mainMemorySize - sizeof word) {
+        std::string line;
+        append(line, MipsCpu.PC, 8);
+        return line + ": no code";
+    }
+    std::memcpy(&word, MipsMemory + address, sizeof word);
+    if (traceLineOf(word).format == nullptr) {
+        return namedLine(MipsCpu.PC, word);
+    }
+    const auto former = debugTempText;  // which belongs to the machine
+    traceLine(word);
+    const std::string line(withoutEnd(debugTempText.data()));
+    debugTempText = former;
+    return line;
 }
 
 }  // namespace tarn::r5900

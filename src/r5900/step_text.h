@@ -46,4 +46,7 @@ class StepText : public TraceObserver {
     u64 lastBranch = 0;            ///< address of the last of these
 };
 
+/// The line of the instruction at PC, as the trace would have it, or its name if it writes no line.
+std::string nextStepText();
+
 }  // namespace tarn::r5900

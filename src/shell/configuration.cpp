@@ -67,6 +67,9 @@ int TarnLoadConfig() {
     Settings.completeCpu = flag("General:Complete_cpu");
     Settings.blend = flag("Video:Blend");
     Settings.fitWindow = flag("Video:Fit_window");
+    Settings.extraKeys = flag("General:Extra_keys");
+    const u32 port = count("General:Gdb_port");
+    Settings.gdbPort = port <= UINT16_MAX ? static_cast<u16>(port) : u16{0};
     return 1;
 }
 

@@ -27,7 +27,7 @@ struct KnownKey {
 };
 
 /// Every key that is read anywhere.
-constexpr std::array<KnownKey, 15> knownKeys{{
+constexpr std::array<KnownKey, 17> knownKeys{{
     {"General", "Elf", ValueKind::Text},
     {"General", "Debug_op"},
     {"General", "Debug_dma"},
@@ -36,6 +36,8 @@ constexpr std::array<KnownKey, 15> knownKeys{{
     {"General", "Steps_per_poll", ValueKind::Count},
     {"General", "Console"},
     {"General", "Complete_cpu"},
+    {"General", "Extra_keys"},
+    {"General", "Gdb_port", ValueKind::Port},
     {"Video", "Width", ValueKind::Side},
     {"Video", "Height", ValueKind::Side},
     {"Video", "Bpp", ValueKind::Depth},

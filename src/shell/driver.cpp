@@ -14,8 +14,6 @@
 #include "shell/session.h"
 #include "symbols/elf_symbols.h"
 
-#include <algorithm>
-
 namespace tarn {
 namespace {
 
@@ -110,6 +108,9 @@ void koGUI_TarnInitProc() {
         TarnGUI.IdleProc = koGUI_TarnProc;
         MipsCpu.pause = 0;
         PrintToEmuOutput("Start Interpreter....");
+        if (Driver.started != nullptr) {
+            Driver.started();
+        }
         break;
     default:
         break;
@@ -125,12 +126,12 @@ void koGUI_TarnProc() {
             Driver.reportRest();
         }
         Driver.restReported = true;
-        Driver.pacer.rest(Settings.frameRate);
-        return;
+    } else {
+        Driver.restReported = false;
     }
-    Driver.restReported = false;
-    if (!Driver.pacer.holds(verticalBlanks, Settings.frameRate)) {
-        runSteps(std::max<u64>(Settings.stepsPerPoll, 1));
+    advanceRun();
+    if (Driver.look != nullptr) {
+        Driver.look();
     }
 }
 

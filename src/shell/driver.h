@@ -2,7 +2,7 @@
 #pragma once
 
 #include "base/types.h"
-#include "shell/frame_pacer.h"
+#include "shell/run_control.h"
 
 namespace tarn {
 
@@ -15,7 +15,9 @@ struct DriverState {
     const char* biosPath = "bios/scph10000.bin";
     bool restReported = false;       ///< the current pause has been reported
     void (*reportRest)() = nullptr;  ///< called once for each pause, unless it is null
-    FramePacer pacer;
+    void (*started)() = nullptr;     ///< called when start-up is over, unless it is null
+    void (*look)() = nullptr;        ///< called between two parts of the run, unless it is null
+    RunControl run;
 };
 
 inline DriverState Driver;

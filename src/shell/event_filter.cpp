@@ -2,9 +2,9 @@
 #include "shell/event_filter.h"
 
 #include "gui/screen.h"
-#include "machine/machine.h"
 #include "machine/settings.h"
 #include "shell/driver.h"
+#include "shell/screenshot.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -76,22 +76,43 @@ void release() {
     }
 }
 
+void pressExtraKey(SDLKey key) {
+    switch (key) {
+    case SDLK_F5:
+        request(RunRequest::Step);
+        break;
+    case SDLK_F6:
+        request(RunRequest::NextBlank);
+        break;
+    case SDLK_F7:
+        togglePace();
+        break;
+    case SDLK_F12:
+        takeScreenshot();
+        break;
+    default:
+        break;
+    }
+}
+
 void pressKey(SDLKey key) {
     switch (key) {
     case SDLK_ESCAPE:
         TarnGUI.IdleProc = koGUI_TarnEndingProc;
         break;
     case SDLK_F1:
-        MipsCpu.pause = 1;
-        Driver.restReported = true;  // the user knows
+        request(RunRequest::Pause);
         break;
     case SDLK_F2:
-        MipsCpu.pause = 0;
+        request(RunRequest::Resume);
         break;
     case SDLK_F3:
         Settings.debug_op = Settings.debug_op == 0 ? 1 : 0;
         break;
     default:
+        if (Settings.extraKeys == 1) {
+            pressExtraKey(key);
+        }
         break;
     }
 }

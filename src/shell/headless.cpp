@@ -273,7 +273,7 @@ int runHeadless(const HeadlessOptions& options) {
     HeadlessHistory history(options, programSymbols);
     std::optional<gdb::Server> debugger;
     if (options.gdbPort) {
-        debugger.emplace(&history.past(), programSymbols());
+        debugger.emplace("tarn-headless", &history.past(), programSymbols());
         debugger->setPictureWriter([](const std::string& path) { return writePicture(path, MainScreen); });
     }
     if ((!debugger || debugger->listen(*options.gdbPort)) && start() && history.begin(savedState) &&

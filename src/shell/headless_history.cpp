@@ -4,7 +4,7 @@
 #include "history/report.h"
 #include "history/state_file.h"
 #include "machine/settings.h"
-#include "shell/headless_outputs.h"
+#include "shell/session.h"
 
 #include <cstdio>
 

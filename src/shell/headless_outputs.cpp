@@ -52,15 +52,6 @@ std::string numberedName(const std::string& name, u64 number) {
 
 }  // namespace
 
-std::span<u8> picturePixels() {
-    forgetPicture();
-    if (MainScreen == nullptr || MainScreen->pixels == nullptr) {
-        return {};
-    }
-    const auto bytes = static_cast<std::size_t>(MainScreen->pitch) * static_cast<std::size_t>(MainScreen->h);
-    return {static_cast<u8*>(MainScreen->pixels), bytes};
-}
-
 bool HeadlessOutputs::open() {
     bool usable = true;
     const auto openFile = [&usable](const std::optional<std::string>& path, auto& file) {

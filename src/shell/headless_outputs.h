@@ -7,12 +7,8 @@
 #include "symbols/symbol_table.h"
 
 #include <optional>
-#include <span>
 
 namespace tarn {
-
-/// The bytes of the picture, which saved states include. Empty before it exists.
-std::span<u8> picturePixels();
 
 class HeadlessOutputs {
   public:

@@ -2,10 +2,14 @@
 #include "base/diagnostics.h"
 #include "machine/settings.h"
 #include "r5900/register_names.h"
+#include "shell/caption.h"
 #include "shell/driver.h"
 #include "shell/event_filter.h"
+#include "shell/machine_view.h"
+#include "shell/output_files.h"
 #include "shell/pause_message.h"
 #include "shell/session.h"
+#include "shell/window_debugger.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -71,6 +75,26 @@ void reportRest() {
     }
 }
 
+/// What shows more of the machine than there is to see by default.
+void attachTools() {
+    static MachineView view;
+    static Caption caption;
+    Driver.reportRest = reportRest;
+    if (Settings.gdbPort != 0) {
+        Driver.started = startDebugger;
+    }
+    if (Settings.extraKeys != 1 && Settings.gdbPort == 0) {
+        return;
+    }
+    diagnosticSinks.trace = &view;
+    Driver.look = [] {
+        view.update();
+        if (Settings.extraKeys == 1) {
+            caption.update();
+        }
+    };
+}
+
 /// The panes disappear with the window, so what they said of a failure is said again.
 void reportFailedStart() {
     std::fprintf(stderr, "tarn: start-up failed\n");
@@ -84,6 +108,7 @@ void reportFailedStart() {
 
 int main(int, char**) {
     prepareProcess();
+    commandName = "tarn";
     // Without a display SDL would go on to draw in the terminal, where there is no mouse and little to see.
     setenv("SDL_VIDEODRIVER", "x11", 0);
     if (SDL_Init(SDL_INIT_VIDEO) < 0) {
@@ -100,9 +125,10 @@ int main(int, char**) {
     addPanes(layout, koGUIwidget_addText);
     preparePanes();
     setCaption();
-    Driver.reportRest = reportRest;
+    attachTools();
     TarnGUI.IdleProc = koGUI_TarnInitProc;
     TarnGUI.MainLoop(&TarnGUI);
+    endDebugger();
     if (TarnGUI.IdleProc == koGUI_TarnInitProc) {
         if (!configured) {
             std::fputc('\n', stderr);  // the message about the file does not end its line

@@ -49,6 +49,15 @@ void freeMainScreen() {
     MainScreen = nullptr;
 }
 
+std::span<u8> picturePixels() {
+    forgetPicture();
+    if (MainScreen == nullptr || MainScreen->pixels == nullptr) {
+        return {};
+    }
+    const auto bytes = static_cast<std::size_t>(MainScreen->pitch) * static_cast<std::size_t>(MainScreen->h);
+    return {static_cast<u8*>(MainScreen->pixels), bytes};
+}
+
 void addPanes(const WindowLayout& layout, AddTextOperation addText) {
     connectPanes();
     TarnGUI.PictureIsNew = takeNewPicture;

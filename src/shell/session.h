@@ -5,6 +5,8 @@
 #include "shell/pane_layout.h"
 #include "shell/version.h"
 
+#include <span>
+
 namespace tarn {
 
 inline constexpr const char* programName = "Tarn";
@@ -15,6 +17,9 @@ inline SDL_Surface* MainScreen = nullptr;
 /// Makes MainScreen as the settings say, or leaves it null with a message on standard output.
 void createMainScreen();
 void freeMainScreen();
+
+/// The bytes of the picture, which saved states include. Empty before it exists.
+std::span<u8> picturePixels();
 
 using AddTextOperation = koGUItextLine* (*)(koGUIwidget*, const char*);
 

@@ -39,7 +39,7 @@ class Display:
         # What a build with sanitizers is to overlook.
         suppressions = Path(self.directory.name) / "suppressions"
         suppressions.write_text("leak:libX11\n")
-        self.environment = {**os.environ, "DISPLAY": self.name,
+        self.environment = {**os.environ, "DISPLAY": self.name, "SDL_VIDEO_WINDOW_POS": "0,0",
                             "LSAN_OPTIONS": f"suppressions={suppressions}:print_suppressions=0"}
         with open(Path(self.directory.name) / "Xvfb_screen0", "rb") as file:
             self.memory = mmap.mmap(file.fileno(), 0, prot=mmap.PROT_READ)

@@ -1,0 +1,27 @@
+// The window's caption: the program, what it is doing, and how fast.
+#pragma once
+
+#include "base/types.h"
+
+#include <chrono>
+#include <string>
+
+namespace tarn {
+
+class Caption {
+  public:
+    /// Brings the caption up to date, if that is due. To be called often.
+    void update();
+
+  private:
+    using Clock = std::chrono::steady_clock;
+
+    std::string shown;
+    Clock::time_point due{};
+    Clock::time_point measured{};  ///< when the speed was measured last, and
+    u64 blanks = 0;                ///< how many vertical blanks there had been
+    double speed = 0;              ///< vertical blanks per second
+    u64 shownStep = ~u64{0};
+};
+
+}  // namespace tarn

@@ -1,0 +1,36 @@
+// Pictures of the emulated display at the press of a key.
+#include "shell/screenshot.h"
+
+#include "base/diagnostics.h"
+#include "shell/output_files.h"
+#include "shell/session.h"
+
+#include <cstdio>
+#include <string>
+#include <unistd.h>
+
+namespace tarn {
+namespace {
+
+/// A name that no file has; the last one when all numbers are taken.
+std::string freeName() {
+    constexpr int numbers = 9999;
+    char name[32];
+    for (int number = 1; number <= numbers; ++number) {
+        std::snprintf(name, sizeof name, "screenshot-%03d.png", number);
+        if (access(name, F_OK) != 0) {
+            break;
+        }
+    }
+    return name;
+}
+
+}  // namespace
+
+void takeScreenshot() {
+    const std::string name = freeName();
+    const bool written = writePicture(name, MainScreen);
+    PrintfToEmuOutput(written ? "Screenshot: %s" : "Cannot write %s", name.c_str());
+}
+
+}  // namespace tarn
