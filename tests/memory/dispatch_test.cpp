@@ -156,6 +156,7 @@ TEST_F(MachineTest, GsAccessesReachTheRendererAndAreTraced) {
     MipsCpu.PC = 0x100008;
     for (u8 flag : {u8{0}, u8{1}, u8{2}}) {
         Settings.debug_gs = flag;
+        Gs.interlace = 0;
         GuestValue destination{~u64{0}, 7};
         const std::string printed = outputOf([&] {
             MipsMemoryWrite({0x300000001, 9}, Width::Doubleword, gs_privileged::PMODE, 0);

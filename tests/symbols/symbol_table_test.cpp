@@ -101,9 +101,28 @@ TEST(Isolated, GivesAllBytesOrNothing) {
     EXPECT_EQ(runIsolated([]() -> std::vector<u8> { std::abort(); }), std::nullopt);
 }
 
-/// Counts the calls that a program makes, by names for the words of its branches.
+constexpr u32 call = 3U << 26, back = 31U << 21 | 8, jump = 2U << 26;  // words of branches
+
+TEST(ExecutionCounts, CallsWithoutRoomAreIgnoredUntilTheyReturn) {
+    constexpr u32 deepest = 1 << 20;
+    ExecutionCounts counts;
+    counts.noteFunction(0x100);
+    counts.noteFunction(0x300);
+    for (u32 i = 0; i < deepest; ++i) {
+        counts.branch(call, 0x10, 0x100, {});
+    }
+    counts.branch(call, 0x10, 0x200, {});
+    counts.branch(jump, 0x204, 0x300, {});  // has no return of its own
+    for (u32 i = 0; i < 1 + deepest; ++i) {
+        counts.branch(back, 0x304, 0x18, {5, 0, 0});
+    }
+    counts.finish({9, 0, 0});
+    ASSERT_EQ(counts.calls().size(), 1U);
+    EXPECT_TRUE(counts.calls()[0].count == deepest && counts.calls()[0].inclusive == (Costs{5, 0, 0}));
+}
+
+/// Counts the calls that a program makes.
 TEST(ExecutionCounts, CallsIncludeWhatTheyCallOnce) {
-    constexpr u32 call = 3U << 26, back = 31U << 21 | 8, jump = 2U << 26;
     ExecutionCounts counts;
     counts.noteFunction(0x100);
     counts.noteFunction(0x200);
@@ -116,13 +135,22 @@ TEST(ExecutionCounts, CallsIncludeWhatTheyCallOnce) {
     branch(jump, 0x108, 0x200);  // goes on elsewhere,
     branch(back, 0x200, 0x10C);  // returns from both,
     branch(back, 0x110, 0x18);   // and ends, at 50
+    branch(call, 0x30, 0x400);   // at 60
+    branch(jump, 0x404, 0x200);  // goes on elsewhere,
+    branch(back, 0x200, 0x38);   // and returns from both, at 80
     branch(back, 0x20, 0x18);    // leads nowhere
+    counts.begin(0x100);
+    counts.end(0x104);
+    counts.transfer(0x102, 3, 4);
     counts.finish({now, 0, 0});
+    ASSERT_EQ(counts.byAddress().size(), 1U);
+    EXPECT_EQ(counts.byAddress()[0].costs, (Costs{1, 3, 4})) << "of the word";
     const std::vector<Call>& calls = counts.calls();
-    ASSERT_EQ(calls.size(), 3U);
+    ASSERT_EQ(calls.size(), 5U);
     EXPECT_TRUE(calls[0].count == 1 && calls[0].inclusive == (Costs{40, 0, 0}));
     EXPECT_TRUE(calls[1].count == 1 && calls[1].inclusive == Costs{}) << "a part of the first";
     EXPECT_TRUE(calls[2].count == 1 && calls[2].inclusive == (Costs{10, 0, 0}));
+    EXPECT_EQ(calls[3].inclusive, (Costs{20, 0, 0})) << "not until the end";
 }
 
 }  // namespace
