@@ -77,6 +77,11 @@ int main(void) {
     CHECK(!strcmp(text, "hhello") && strlen(text) == 6 && !memcmp(text, "hhe", 3));
     snprintf(text, sizeof text, "%03d|%s|%c|%llx|%6.2f|%-4d|", vi, "ok", 65, vul, vg, vj);
     CHECK(!strcmp(text, "-07|ok|A|fedcba9876543210| -3.75|3   |"));
+    snprintf(text, sizeof text, "%hhd|%hx|%o|%#o|%#x|%#X|%#x|%#.0f", 0x1ff, 0x12345, 8, 8, 0xabc, 255, 0, vg);
+    CHECK(!strcmp(text, "-1|2345|10|010|0xabc|0XFF|0|-4."));
+    snprintf(text, sizeof text, "%.3d|%06.2d|%-*d|%*d|%.*s|%+ d|%.0d|%#6x|%lld", 7, -5, 4, 1, -3, 2, 2, "long", 6, 0,
+             0xa, vl);
+    CHECK(!strcmp(text, "007|   -05|1   |2  |lo|+6||   0xa|-1234567890123456789"));
     char* blocks[20];
     for (int i = 0; i < 20; i++)
         blocks[i] = memset(malloc(100 * i + 1), i, 100 * i + 1);

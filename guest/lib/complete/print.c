@@ -61,34 +61,45 @@ static void put(Output* output, char character) {
 typedef struct {
     u32 left;
     u32 zeros;
-    char plus;  ///< sign of numbers that are not negative, or 0
+    u32 alternative;  ///< the flag #
+    char plus;        ///< sign of numbers that are not negative, or 0
     u32 width;
     s32 precision;  ///< -1: not given
 } Style;
 
-static void putPadded(Output* output, const Style* style, char sign, const char* text, u32 length) {
-    u32 used = length + (sign != 0);
-    u32 padding = style->width > used ? style->width - used : 0;
-    if (!style->left && !style->zeros)
-        for (; padding != 0; padding--)
-            put(output, ' ');
-    if (sign != 0)
-        put(output, sign);
-    if (!style->left)
-        for (; padding != 0; padding--)
-            put(output, '0');
-    for (u32 i = 0; i < length; i++)
-        put(output, text[i]);
-    for (; padding != 0; padding--)
-        put(output, ' ');
+static void putRepeated(Output* output, char character, u32 count) {
+    for (; count != 0; count--)
+        put(output, character);
 }
 
-static void putWhole(Output* output, const Style* style, char sign, u64 value, u32 base, const char* digits) {
+/// A sign or prefix, zeros and a text, padded to the width.
+static void putPadded(Output* output, const Style* style, const char* prefix, u32 zeros, const char* text,
+                      u32 length) {
+    u32 used = strlen(prefix) + zeros + length;
+    u32 padding = style->width > used ? style->width - used : 0;
+    if (!style->left && !style->zeros)
+        putRepeated(output, ' ', padding);
+    for (; *prefix != 0; prefix++)
+        put(output, *prefix);
+    putRepeated(output, '0', !style->left && style->zeros ? zeros + padding : zeros);
+    for (u32 i = 0; i < length; i++)
+        put(output, text[i]);
+    if (style->left)
+        putRepeated(output, ' ', padding);
+}
+
+static void putWhole(Output* output, Style* style, const char* prefix, u64 value, u32 base,
+                     const char* digits) {
     char text[24];
     char* first = text + sizeof text;
-    for (; value != 0 || first == text + sizeof text; value /= base)
+    for (; value != 0; value /= base)
         *--first = digits[value % base];
-    putPadded(output, style, sign, first, (u32)(text + sizeof text - first));
+    u32 length = (u32)(text + sizeof text - first);
+    u32 least = style->precision < 0 ? 1 : (u32)style->precision;
+    if (base == 8 && style->alternative && least <= length)
+        least = length + 1;  // so that the first digit is 0
+    style->zeros = style->zeros && style->precision < 0;
+    putPadded(output, style, prefix, least > length ? least - length : 0, first, length);
 }
 
 /// Digits of a double that was a float, so that its low bits are 0.
@@ -133,58 +144,90 @@ static void putReal(Output* output, const Style* style, double real) {
         text[length++] = '0';
     while (count != 0)
         text[length++] = (char)('0' + digits[--count]);
-    if (precision != 0)
+    if (precision != 0 || style->alternative)
         text[length++] = '.';
     for (u32 i = 0; i < precision; i++) {
         fraction = (fraction << 5 >> 5) * 10;
         text[length++] = (char)('0' + (fraction >> 59));
     }
-    putPadded(output, style, bits >> 63 ? '-' : style->plus, text, length);
+    char sign[2] = {bits >> 63 ? '-' : style->plus, 0};
+    putPadded(output, style, sign, 0, text, length);
 }
 
-static void print(Output* output, const char* format, va_list arguments) {
+/// A number after `*`, or in decimal.
+static s32 takeNumber(const char** format, va_list* arguments) {
+    s32 number = 0;
+    if (**format == '*') {
+        ++*format;
+        return va_arg(*arguments, s32);
+    }
+    for (; **format >= '0' && **format <= '9'; ++*format)
+        number = number * 10 + (**format - '0');
+    return number;
+}
+
+/// An integer of a size: -2 for char, -1 for short, 0 for int and long, 2 and above for long long.
+static u64 takeInteger(va_list* arguments, s32 size, u32 isSigned) {
+    if (size >= 2)
+        return va_arg(*arguments, u64);
+    u32 word = va_arg(*arguments, u32);
+    u32 unused = size == -2 ? 24 : size == -1 ? 16 : 0;
+    word <<= unused;
+    return isSigned ? (u64)(s64)((s32)word >> unused) : word >> unused;
+}
+
+static void print(Output* output, const char* format, va_list given) {
+    va_list arguments;
+    va_copy(arguments, given);
     for (; *format != 0; format++) {
         if (*format != '%') {
             put(output, *format);
             continue;
         }
-        Style style = {0, 0, 0, 0, -1};
+        Style style = {0, 0, 0, 0, 0, -1};
         for (format++;; format++)
             if (*format == '-')
                 style.left = 1;
             else if (*format == '0')
                 style.zeros = 1;
-            else if (*format == '+' || *format == ' ')
+            else if (*format == '#')
+                style.alternative = 1;
+            else if (*format == '+' || (*format == ' ' && style.plus == 0))
                 style.plus = *format;
-            else
+            else if (*format != ' ')
                 break;
-        if (*format == '*')
-            style.width = va_arg(arguments, u32), format++;
-        for (; *format >= '0' && *format <= '9'; format++)
-            style.width = style.width * 10 + (u32)(*format - '0');
+        s32 fieldWidth = takeNumber(&format, &arguments);
+        style.left |= fieldWidth < 0;
+        style.width = fieldWidth < 0 ? -(u32)fieldWidth : (u32)fieldWidth;
         if (*format == '.') {
-            style.precision = 0;
-            for (format++; *format >= '0' && *format <= '9'; format++)
-                style.precision = style.precision * 10 + (*format - '0');
+            format++;
+            style.precision = takeNumber(&format, &arguments);
         }
-        u32 longs = 0;
+        s32 size = 0;
         for (; *format == 'l' || *format == 'h' || *format == 'z'; format++)
-            longs += *format == 'l';
-        switch (*format) {
+            size += *format == 'l' ? 1 : *format == 'h' ? -1 : 0;
+        char conversion = *format;
+        switch (conversion) {
         case 'd':
         case 'i': {
-            s64 value = longs >= 2 ? va_arg(arguments, s64) : va_arg(arguments, s32);
-            putWhole(output, &style, value < 0 ? '-' : style.plus, value < 0 ? -(u64)value : (u64)value, 10,
-                     "0123456789");
+            u64 value = takeInteger(&arguments, size, 1);
+            u32 isNegative = value >> 63 != 0;
+            char sign[2] = {isNegative ? '-' : style.plus, 0};
+            putWhole(output, &style, sign, isNegative ? -value : value, 10, "0123456789");
             break;
         }
         case 'u':
+        case 'o':
         case 'x':
         case 'X':
         case 'p': {
-            u64 value = longs >= 2 ? va_arg(arguments, u64) : va_arg(arguments, u32);
-            putWhole(output, &style, 0, value, *format == 'u' ? 10 : 16,
-                     *format == 'X' ? "0123456789ABCDEF" : "0123456789abcdef");
+            u64 value = takeInteger(&arguments, size, 0);
+            u32 base = conversion == 'u' ? 10 : conversion == 'o' ? 8 : 16;
+            const char* prefix = base != 16 || !style.alternative || value == 0 ? ""
+                                 : conversion == 'X'                            ? "0X"
+                                                                                : "0x";
+            putWhole(output, &style, prefix, value, base,
+                     conversion == 'X' ? "0123456789ABCDEF" : "0123456789abcdef");
             break;
         }
         case 'f':
@@ -192,7 +235,8 @@ static void print(Output* output, const char* format, va_list arguments) {
             break;
         case 'c': {
             char character = (char)va_arg(arguments, s32);
-            putPadded(output, &style, 0, &character, 1);
+            style.zeros = 0;
+            putPadded(output, &style, "", 0, &character, 1);
             break;
         }
         case 's': {
@@ -201,15 +245,17 @@ static void print(Output* output, const char* format, va_list arguments) {
             while (text[length] != 0 && length != (u32)style.precision)
                 length++;
             style.zeros = 0;
-            putPadded(output, &style, 0, text, length);
+            putPadded(output, &style, "", 0, text, length);
             break;
         }
         case 0:
-            return;
+            format--;
+            break;
         default:
-            put(output, *format);
+            put(output, conversion);
         }
     }
+    va_end(arguments);
 }
 
 static void show(void) {

@@ -1,7 +1,7 @@
 // A part of <stdio.h>: text on the screen, 53 columns by 30 rows, shown at the end of each call.
 //
-// Conversions are d i u x X c s p f and %, with the flags - 0 + and blank, a width, a precision, and the
-// sizes l and ll. %f is for floats, since there is no arithmetic on doubles.
+// Conversions are d i u o x X c s p f and %, with the flags - 0 + # and space, a width, a precision, and the
+// sizes hh, h, l, ll and z. %f is for floats, since there is no arithmetic on doubles.
 #pragma once
 
 #ifndef TARN_COMPLETE_CPU
