@@ -17,7 +17,7 @@
 namespace tarn {
 namespace {
 
-template <class Word>
+template <typename Word>
 Word load(const u8* data) {
     Word word;
     std::memcpy(&word, data, sizeof word);

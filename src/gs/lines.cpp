@@ -21,7 +21,7 @@ struct Axis {
 
 /// Steps along the major axis a pixel at a time. A tie steps the minor axis only if the major one ascends, so
 /// a line and its reverse do not cover the same pixels.
-template <class Write>
+template <typename Write>
 void walk(Axis major, Axis minor, Write write) {
     countWork(major.extent / 2, 1);
     s32 error = minor.extent - (major.extent >> 1);

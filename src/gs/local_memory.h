@@ -29,7 +29,7 @@ constexpr WordRange wordRange(u32 first, s64 count) {
 
 /// Calls use(words, first, run) for each contiguous run of the `count` words from `index` on: `words` points
 /// to its `run` words, and `first` words come before it.
-template <class Use>
+template <typename Use>
 void forLocalRuns(u32 index, u32 count, Use use) {
     for (u32 first = 0; first < count;) {
         const u32 start = (index + first) & (localMemoryWords - 1);
