@@ -53,8 +53,8 @@ const char* complaintAbout(const Header& header, u64 program) {
         return "it is the state of another program";
     }
     if (header.completeCpu != (Settings.completeCpu == 1 ? 1 : 0)) {
-        return header.completeCpu != 0 ? "it is a state of the complete processor"
-                                       : "it is a state of the other processor";
+        return header.completeCpu != 0 ? "it was saved with the complete processor (--complete-cpu)"
+                                       : "it was saved with the default processor, without --complete-cpu";
     }
     return header.picture > largestPicture ? "it is damaged" : nullptr;
 }

@@ -146,6 +146,11 @@ TEST_F(HistoryTest, BadStatesAreRefusedAndChangeNothing) {
     const std::vector<u8> good = packState(7, {});
     const Image before;
     EXPECT_EQ(unpackState(good, 8, {}), "it is the state of another program");
+    Settings.completeCpu = 1;
+    EXPECT_EQ(unpackState(good, 7, {}), "it was saved with the default processor, without --complete-cpu");
+    const std::vector<u8> complete = packState(7, {});
+    Settings.completeCpu = 0;
+    EXPECT_EQ(unpackState(complete, 7, {}), "it was saved with the complete processor (--complete-cpu)");
     for (std::size_t size = 0; size < good.size(); size += 1 + good.size() / 3) {
         EXPECT_NE(unpackState(std::span(good).first(size), 7, {}), std::nullopt) << size;
     }
