@@ -1,6 +1,6 @@
 // tarn.ini bytes through both readers of the configuration. The first byte of an input chooses: the file as
 // it is, or lines put together from known keys and the input's text.
-#include "base/configuration.h"
+#include "base/configuration_source.h"
 #include "gs/display.h"
 #include "shell/configuration_check.h"
 #include "support.h"

@@ -1,5 +1,5 @@
 // The renderer's keys of the configuration file.
-#include "base/configuration.h"
+#include "base/configuration_source.h"
 #include "gs/display.h"
 #include "machine/settings.h"
 

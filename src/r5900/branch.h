@@ -3,7 +3,7 @@
 
 #include "r5900/fields.h"
 #include "r5900/fpu_registers.h"
-#include "r5900/registers.h"
+#include "r5900/gpr.h"
 #include "r5900/semantics.h"
 
 namespace tarn::r5900 {

@@ -5,7 +5,7 @@
 
 #include "r5900/fpu_numbers.h"
 #include "r5900/fpu_registers.h"
-#include "r5900/registers.h"
+#include "r5900/gpr.h"
 
 #include <algorithm>
 #include <functional>

@@ -4,7 +4,7 @@
 
 #include "base/diagnostics.h"
 #include "r5900/fields.h"
-#include "r5900/registers.h"
+#include "r5900/gpr.h"
 
 namespace tarn::r5900 {
 

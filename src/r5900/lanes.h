@@ -1,7 +1,7 @@
 // 128-bit registers as vectors of lanes, and helpers that compute lane by lane.
 #pragma once
 
-#include "r5900/registers.h"
+#include "r5900/gpr.h"
 
 #include <algorithm>
 #include <array>

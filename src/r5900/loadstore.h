@@ -5,7 +5,7 @@
 #include "memory/memory.h"
 #include "r5900/fields.h"
 #include "r5900/fpu_registers.h"
-#include "r5900/registers.h"
+#include "r5900/gpr.h"
 
 namespace tarn::r5900 {
 

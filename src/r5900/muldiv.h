@@ -2,7 +2,7 @@
 #pragma once
 
 #include "r5900/fields.h"
-#include "r5900/registers.h"
+#include "r5900/gpr.h"
 
 namespace tarn::r5900 {
 

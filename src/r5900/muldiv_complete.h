@@ -4,7 +4,7 @@
 // words, even those of unsigned operations.
 #pragma once
 
-#include "r5900/registers.h"
+#include "r5900/gpr.h"
 
 #include <type_traits>
 

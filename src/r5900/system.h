@@ -4,7 +4,7 @@
 #include "base/device_codes.h"
 #include "kernel/syscall_table.h"
 #include "r5900/fields.h"
-#include "r5900/registers.h"
+#include "r5900/gpr.h"
 #include "r5900/trace.h"
 
 namespace tarn::r5900 {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "base/device_codes.h"
-#include "r5900/registers.h"
+#include "r5900/gpr.h"
 
 namespace tarn::r5900 {
 

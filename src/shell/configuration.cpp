@@ -1,5 +1,5 @@
 // The settings as the configuration has them.
-#include "base/configuration.h"
+#include "base/configuration_source.h"
 #include "base/file.h"
 #include "machine/settings.h"
 #include "shell/configuration_check.h"

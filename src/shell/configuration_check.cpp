@@ -1,7 +1,7 @@
 // The keys of the configuration, and the warnings about unknown keys and unusable values.
 #include "shell/configuration_check.h"
 
-#include "base/configuration.h"
+#include "base/configuration_source.h"
 #include "base/printable.h"
 #include "base/types.h"
 

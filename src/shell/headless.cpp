@@ -1,7 +1,7 @@
 // A run without a window: where its text goes, when it ends, what it leaves behind.
 #include "shell/headless.h"
 
-#include "base/configuration.h"
+#include "base/configuration_source.h"
 #include "base/diagnostics.h"
 #include "base/file.h"
 #include "gdb/server.h"

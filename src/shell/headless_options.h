@@ -1,7 +1,7 @@
 // The command line of tarn-headless.
 #pragma once
 
-#include "base/configuration.h"
+#include "base/configuration_source.h"
 #include "base/types.h"
 #include "recording/recorder.h"
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "memory/memory.h"
+#include "r5900/gpr.h"
 #include "r5900/interpreter.h"
-#include "r5900/registers.h"
 #include "support/machine_test.h"
 
 #include <bit>

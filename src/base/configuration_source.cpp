@@ -1,5 +1,5 @@
 // Combining the configuration file and the command line.
-#include "base/configuration.h"
+#include "base/configuration_source.h"
 
 namespace tarn {
 
