@@ -1,4 +1,4 @@
-// The debugger's commands that go through history: backwards, and the user's monitor commands.
+// The debugger's commands for history: running backwards, and the user's monitor commands.
 #include "gdb/debugger.h"
 #include "history/report.h"
 #include "machine/machine.h"
@@ -21,7 +21,7 @@ constexpr const char* monitorHelp =
     "monitor picture FILE                  write the picture, as PNG if the name ends in .png, or as BMP\n"
     "After goto and frame, 'maintenance flush register-cache' has the debugger look again.\n";
 
-/// Takes a word off the front of a line.
+/// Removes the first word of a line and returns it.
 std::string_view takeWord(std::string_view& line) {
     line.remove_prefix(std::min(line.find_first_not_of(' '), line.size()));
     const std::string_view word = line.substr(0, line.find(' '));
@@ -38,9 +38,9 @@ std::optional<u64> takeNumber(std::string_view& line) {
 
 }  // namespace
 
-/// Goes back from the machine's position to the last breakpoint or watchpoint before it, and answers which.
-/// A breakpoint stops where the machine is about to execute its instruction, a watchpoint where its access
-/// has just been made: one step further back it is undone.
+/// Goes back from the machine's position to the last breakpoint or watchpoint, and returns the stop reply. A
+/// breakpoint stops before its instruction is executed, a watchpoint just after the access: one step further
+/// back it is undone.
 std::optional<std::string> Debugger::hitBefore() {
     std::string reply;
     const u64& now = machine.counters.driverSteps;
@@ -145,7 +145,7 @@ std::string Debugger::monitor(std::string_view line) {
     }
     if (name == "history") {
         const std::optional<u64> count = takeNumber(line);
-        constexpr u64 most = 100;  // what fits a packet
+        constexpr u64 most = 100;  // fits in a packet
         return count ? history::describeSteps(*timeline, std::min(*count, most), symbols)
                      : "a number is missing\n";
     }

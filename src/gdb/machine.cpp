@@ -17,13 +17,13 @@ using history::wordOf;
 
 namespace {
 
-// Numbers of the coprocessor registers that the debugger asks for.
+// Numbers of the coprocessor registers that the debugger uses.
 constexpr unsigned fcrFir = 0;
 constexpr unsigned fcrFcsr = 31;
 
 constexpr bool isSpecialArea(u32 place) { return place - specialAreaFirst < specialAreaSize; }
 
-/// A register that is a whole slot of the CPU record, or null.
+/// The member of the CPU record for a register, or null if there is no single one.
 u64* doublewordOf(unsigned number) {
     if (number < MipsCpu.GPR.size()) {
         return &MipsCpu.GPR[number].low;
@@ -50,7 +50,7 @@ u64* doublewordOf(unsigned number) {
     }
 }
 
-/// The host byte behind one byte of a place, or null where there is none.
+/// The host address of a byte at a place, or null.
 u8* hostByte(u32 place) {
     u8* area = nullptr;
     u32 offset = 0;
@@ -73,7 +73,7 @@ std::string buildTargetDescription() {
         "<!DOCTYPE target SYSTEM \"gdb-target.dtd\">\n"
         "<target>\n"
         "<architecture>mips:5900</architecture>\n"
-        // Without it the debugger takes the guest for a Linux program and steps by breakpoints of its own.
+        // Without it the debugger assumes a Linux program and single-steps by breakpoints of its own.
         "<osabi>none</osabi>\n";
     const auto openFeature = [&xml](const char* name) {
         xml += std::string("<feature name=\"org.gnu.gdb.mips.") + name + "\">\n";
@@ -153,7 +153,7 @@ bool writeMemory(u32 address, std::span<const u8> bytes) {
     const auto target = [address](std::size_t index) -> u8* {
         const u32 byte = address + static_cast<u32>(index);
         const u32 place = placeOf(byte, Access::Store);
-        // Where a load would find the BIOS image, the debugger would not see what it stored.
+        // Loads from here read the BIOS image, so the debugger would not see the stored value.
         const bool writable =
             (place - mainMemoryFirst < mainMemorySize - mainMemoryFirst || isSpecialArea(place)) &&
             !isBios(wordOf(byte));

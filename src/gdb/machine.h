@@ -9,7 +9,7 @@
 
 namespace tarn::gdb {
 
-// Register numbers as the debugger counts them.
+// Register numbers of the debugger.
 inline constexpr unsigned statusRegister = 32;
 inline constexpr unsigned loRegister = 33;
 inline constexpr unsigned hiRegister = 34;
@@ -27,25 +27,23 @@ constexpr unsigned registerSize(unsigned number) {
     return word ? 4 : 8;
 }
 
-/// The low doubleword (or word) of register `number`, which is below registerCount.
+/// The low doubleword (or word) of register `number`, which must be below registerCount.
 u64 readRegister(unsigned number);
 
-/// Sets it. The high doubleword of a register stays; both views of a floating-point register change.
+/// Sets a register. The high doubleword does not change; both views of a floating-point register do.
 void writeRegister(unsigned number, u64 value);
 
-/// The XML that tells the debugger the names, sizes and numbers of the registers.
+/// The XML description of the registers for the debugger: names, sizes and numbers.
 const std::string& targetDescription();
 
-/// Copies guest memory from `address` on and returns how many bytes there were before the first unreadable
-/// one.
+/// Copies guest memory from `address` on. Returns the number of bytes before the first unreadable one.
 ///
-/// Addresses are the ones that guest loads take, and the first megabyte, which only a fetch reaches.
-/// Registers of devices read as they were last stored; those of the GS, whose reading changes them, cannot be
-/// read.
+/// Readable addresses are those of guest loads, and the first megabyte, which guests can only execute. Device
+/// registers return the last stored value; those of the GS, where reads have side effects, cannot be read.
 std::size_t readMemory(u32 address, std::span<u8> bytes);
 
-/// Stores all of `bytes`, or nothing and returns false when one of them would not go to main memory or the
-/// special area. The DMA controller does not see stores to its registers.
+/// Stores `bytes`, or returns false and stores nothing if any of them is outside main memory and the special
+/// area. The DMA controller does not see stores to its registers.
 bool writeMemory(u32 address, std::span<const u8> bytes);
 
 }  // namespace tarn::gdb

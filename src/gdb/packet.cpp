@@ -7,7 +7,7 @@ namespace {
 
 constexpr char interruptByte = 0x03;
 constexpr char escapeMark = '}';
-constexpr char escapeFlip = 0x20;  ///< an escaped byte is sent with this bit turned over
+constexpr char escapeFlip = 0x20;  ///< an escaped byte is sent with this bit inverted
 constexpr char hexDigits[] = "0123456789abcdef";
 
 /// The value of a hexadecimal digit, or -1.
@@ -35,7 +35,7 @@ void PacketReader::append(char byte) {
 }
 
 PacketReader::Event PacketReader::feed(char byte) {
-    // A '$' never stands inside a packet unescaped: the one that was arriving was cut off.
+    // '$' is always escaped inside a packet: the previous packet was incomplete.
     if (byte == '$' && state != State::Escape) {
         state = State::Payload;
         text.clear();

@@ -11,26 +11,25 @@
 
 namespace tarn::gdb {
 
-/// The longest packet, in payload characters, that is taken from a debugger or sent to one.
+/// The longest packet, in payload characters, that is accepted or sent.
 inline constexpr std::size_t maximumPacket = 0x4000;
 
-/// Takes the bytes of a connection one at a time and finds the packets in them. Its memory is bounded
-/// whatever arrives.
+/// Finds the packets in the bytes of a connection. Uses bounded memory.
 class PacketReader {
   public:
     enum class Event : u8 {
         Nothing,    ///< no packet is complete yet
         Packet,     ///< a packet arrived: see payload()
-        Interrupt,  ///< the byte 0x03 outside a packet: the debugger wants the machine stopped
-        Corrupt,    ///< a packet whose checksum is wrong or no number
+        Interrupt,  ///< the byte 0x03 outside a packet: a request to stop the machine
+        Corrupt,    ///< a packet whose checksum is wrong or not a number
         Oversized,  ///< a packet longer than maximumPacket; its payload is dropped
-        Refused,    ///< the debugger did not get the last reply and wants it again
+        Refused,    ///< a request to send the last reply again
     };
 
-    /// Takes one byte and says what it completes.
+    /// Processes a byte and returns what it completes.
     Event feed(char byte);
 
-    /// The payload of the packet that the last feed() completed, unescaped.
+    /// The unescaped payload of the packet that the last feed() completed.
     const std::string& payload() const { return text; }
 
   private:
@@ -45,20 +44,20 @@ class PacketReader {
     int firstDigit = 0;
 };
 
-/// The bytes that carry `payload` to the debugger: escaped, between '$' and '#', with its checksum.
+/// The packet for a payload: escaped, between '$' and '#', with its checksum.
 std::string framePacket(std::string_view payload);
 
-/// The bytes as hexadecimal digits, two each.
+/// Two hexadecimal digits per byte.
 std::string toHex(std::span<const u8> bytes);
 
-/// The bytes that pairs of hexadecimal digits stand for; nothing when `digits` is anything else.
+/// The bytes given by pairs of hexadecimal digits; nothing if `digits` is malformed.
 std::optional<std::string> fromHex(std::string_view digits);
 
-/// Takes a hexadecimal number of up to 64 bits off the front of `text`; nothing, and `text` unchanged,
-/// without one.
+/// Removes a hexadecimal number of up to 64 bits from the front of `text`. Returns nothing, and does not
+/// change `text`, if there is none.
 std::optional<u64> takeHex(std::string_view& text);
 
-/// Takes one given character off the front of `text`, if it is there.
+/// Removes a given character from the front of `text`, if it is there.
 bool takeCharacter(std::string_view& text, char character);
 
 }  // namespace tarn::gdb

@@ -75,7 +75,8 @@ void InitFont(BitmapFont* font) {
 }
 
 void AdaptFont(BitmapFont* font, const SDL_Surface* surface) {
-    // A palette may hold the key colour twice, one of them to be drawn, and so may pixels with a fourth byte.
+    // A palette may contain the key colour twice, with one of them opaque, and so may pixels with a fourth
+    // byte.
     SDL_Surface* strip = font->surface.get();
     if (strip == nullptr || strip->format->BytesPerPixel != 3) {
         return;
@@ -83,7 +84,7 @@ void AdaptFont(BitmapFont* font, const SDL_Surface* surface) {
     const u32 key = strip->format->colorkey;
     u8 red = 0, green = 0, blue = 0;
     SDL_GetRGB(key, strip->format, &red, &green, &blue);
-    SDL_SetColorKey(strip, 0, 0);  // or the conversion would leave those pixels out
+    SDL_SetColorKey(strip, 0, 0);  // otherwise the conversion skips those pixels
     SurfacePtr adapted(SDL_ConvertSurface(strip, surface->format, SDL_SWSURFACE));
     if (adapted == nullptr) {
         SDL_SetColorKey(strip, SDL_SRCCOLORKEY, key);
@@ -107,7 +108,7 @@ s32 PutCharFont(SDL_Surface* surface, const BitmapFont* font, s32 x, s32 y, int 
     SDL_Rect destination{coordinate(x), coordinate(y), font->glyphs[' '].w, extent(font->height)};
     if (character != ' ') {
         const SDL_Rect& glyph = font->glyphs[static_cast<unsigned char>(character)];
-        blit(font->surface.get(), &glyph, surface, &destination);  // leaves the width it has drawn
+        blit(font->surface.get(), &glyph, surface, &destination);  // sets the width drawn
     }
     return destination.w;
 }

@@ -1,5 +1,4 @@
-// Copying between surfaces and filling rectangles: what SDL does, without its general loops where pixels are
-// whole words.
+// Copying between surfaces and filling rectangles: like SDL, but with faster loops for 32-bit pixels.
 #include "gui/blits.h"
 
 #include "base/vectors.h"
@@ -14,14 +13,14 @@ namespace {
 constexpr u32 lowChannel = 0x000000FF;
 constexpr u32 highChannel = 0x00FF0000;
 
-/// 32 bits, green in the middle, red and blue at either side of it.
+/// 32 bits, with green in the middle between red and blue.
 bool isWholeWords(const SDL_PixelFormat& format) {
     return format.BitsPerPixel == 32 && format.Gmask == 0x0000FF00 &&
            (format.Rmask | format.Bmask) == (lowChannel | highChannel) &&
            (format.Rmask == lowChannel || format.Rmask == highChannel);
 }
 
-/// The part of a source that a blit copies, and how far from there it goes.
+/// The part of the source that a blit copies, and the distance to the destination.
 struct CopiedArea {
     s32 left, top, right, bottom;
     s32 dx, dy;
@@ -36,7 +35,7 @@ void store(const CopiedArea& area, SDL_Rect* place) {
     place->h = static_cast<Uint16>(area.empty() ? 0 : area.bottom - area.top);
 }
 
-/// Cut to the source and to the destination's clip rectangle.
+/// Clipped to the source and to the destination's clip rectangle.
 CopiedArea copiedArea(const SDL_Surface* source, const SDL_Rect* part, const SDL_Surface* destination,
                       const SDL_Rect* place) {
     const SDL_Rect everything{0, 0, static_cast<Uint16>(source->w), static_cast<Uint16>(source->h)};
@@ -54,13 +53,13 @@ CopiedArea copiedArea(const SDL_Surface* source, const SDL_Rect* part, const SDL
     };
 }
 
-/// Whether the surface's pixels are there only while it is locked. With SDL_ASYNCBLIT alone, for which SDL
-/// asks for the lock too, they are there always: that lock waits until the display server has read them.
+/// Whether the surface's pixels exist only while it is locked. SDL also requires a lock with SDL_ASYNCBLIT
+/// alone, but then the pixels always exist: that lock waits until the display server has read them.
 bool needsLock(const SDL_Surface* surface) {
     return surface->offset != 0 || (surface->flags & (SDL_HWSURFACE | SDL_RLEACCEL)) != 0;
 }
 
-/// Gives every row of the area to `copyRow`, as destination, source and number of pixels.
+/// Calls `copyRow` with destination, source and number of pixels for every row of the area.
 template <typename CopyRow>
 void copyRows(SDL_Surface* source, SDL_Surface* destination, const CopiedArea& area, CopyRow copyRow) {
     const SurfaceLock sourceLock(source, needsLock(source));
@@ -91,7 +90,7 @@ void swapChannels(u8* destination, const u8* source, std::size_t count) {
     });
 }
 
-/// Leaves out the pixels that agree with the key in the bits of `compared`.
+/// Skips pixels that equal the key in the bits of `compared`.
 void copyBesidesKey(u8* destination, const u8* source, std::size_t count, u32 key, u32 compared) {
     for (std::size_t i = 0; i < count; ++i) {
         const u32 pixel = loadPixel(source + i * 4, 4);
@@ -100,9 +99,8 @@ void copyBesidesKey(u8* destination, const u8* source, std::size_t count, u32 ke
     }
 }
 
-/// Copies the pieces of a row that differ from `shown`, or all of them; returns whether there were any. The
-/// others are not even read at the destination: another processor, the display server's, may hold that
-/// memory.
+/// Copies the parts of a row that differ from `shown`, or the whole row. Returns whether it copied any. Does
+/// not read the destination, which may be in the cache of the display server's processor.
 bool copyChanges(u8* destination, u8* shown, const u8* source, std::size_t bytes, bool everything) {
     constexpr std::size_t piece = 256;
     bool changed = false;
@@ -186,7 +184,7 @@ void fill(SDL_Surface* surface, const SDL_Rect& rectangle, u32 pixel) {
     }
     const SurfaceLock lock(surface, needsLock(surface));
     const auto bytes = static_cast<std::size_t>(right - left) * 4;
-    const u8* firstLine = nullptr;  // which the others are copies of
+    const u8* firstLine = nullptr;  // of which the others are copies
     for (s32 y = std::max(rectangle.y, clip.y); y < bottom; ++y) {
         u8* line = pixelInBuffer(surface, left, y);
         if (line == nullptr) {

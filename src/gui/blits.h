@@ -8,19 +8,18 @@
 
 namespace tarn {
 
-/// What SDL_UpperBlit shows, at the speed of a copy in two cases for which SDL has only its general
-/// conversion: opaque pictures whose 32-bit format differs in the order of red and blue, and ones with a
-/// colour key whose 32-bit format does not differ. `part` of `source` (all of it if null) goes to the
-/// top-left corner of `place` (0, 0 if null), which leaves as the rectangle that has been written.
+/// Like SDL_UpperBlit, but as fast as a copy in two cases for which SDL uses a general conversion: opaque
+/// pictures in 32-bit formats that differ in the order of red and blue, and pictures with a colour key in the
+/// same 32-bit format. Copies `part` of `source` (all of it if null) to the top-left corner of `place` (0, 0
+/// if null), which is set to the rectangle written.
 void blit(SDL_Surface* source, const SDL_Rect* part, SDL_Surface* destination, SDL_Rect* place);
 
-/// The blit of a whole opaque picture to a surface of the same 32-bit format, leaving out what is there
-/// already: `shown` has the pixels of the last time (it is empty if there was none) and is brought up to
-/// date. `place` leaves as the rectangle around the rows that have changed. Does nothing and returns false
-/// for other formats.
+/// Copies those parts of an opaque picture that have changed to a surface of the same 32-bit format. `shown`
+/// has the pixels of the last call (empty at first) and is updated. `place` is set to the rectangle around
+/// the changed rows. Does nothing and returns false for other formats.
 bool blitChanges(SDL_Surface* source, SDL_Surface* destination, SDL_Rect* place, std::vector<u8>& shown);
 
-/// What SDL_FillRect does, faster where pixels are 32 bits.
+/// Like SDL_FillRect, but faster for 32-bit pixels.
 void fill(SDL_Surface* surface, const SDL_Rect& rectangle, u32 pixel);
 
 }  // namespace tarn

@@ -1,4 +1,4 @@
-// BMP files, checked before reading: SDL 1.2's reader trusts sizes that a hostile file can choose.
+// Reading BMP files. They are checked first, because SDL 1.2's reader trusts the sizes in the file.
 #include "gui/bmp_file.h"
 
 #include "base/file.h"
@@ -26,7 +26,7 @@ u32 little(std::span<const u8> file, std::size_t offset, std::size_t count) {
     return value;
 }
 
-/// The file's bytes; nothing when it cannot be read or is too large.
+/// The file's bytes; nothing if it cannot be read or is too large.
 std::vector<u8> readFile(const char* path) {
     std::vector<u8> bytes;
     const FilePtr file = openInputFile(path);
@@ -43,8 +43,8 @@ std::vector<u8> readFile(const char* path) {
     return bytes;
 }
 
-/// Whether SDL can use three words as masks of red, green and blue: up to eight bits each, in one piece, of
-/// their own.
+/// Whether SDL can use three words as masks of red, green and blue: up to eight contiguous bits each, without
+/// overlap.
 bool areSaneMasks(const std::array<u32, 3>& masks) {
     u32 taken = 0;
     for (const u32 mask : masks) {
@@ -88,7 +88,7 @@ bool isSaneBmp(std::span<const u8> file) {
         break;
     case 16:
     case 32:
-        // With a gap before the pixels SDL takes what is there for masks, too.
+        // SDL also reads masks from a gap before the pixels.
         if (compression == bitFields || pixelOffset != fileHeaderSize + headerSize) {
             const std::size_t masks = fileHeaderSize + (old ? 12 : 40);
             if (!areSaneMasks(

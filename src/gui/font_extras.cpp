@@ -1,4 +1,4 @@
-// The part of the font module that no program here calls.
+// The rest of the font module, which the programs do not call.
 #include "gui/font_extras.h"
 
 #include "base/diagnostics.h"
@@ -89,7 +89,7 @@ s32 JustifiedPutStringFont(SDL_Surface* surface, const BitmapFont* font, s32 y, 
         return PutStringFont(surface, font, 0, y, text);
     }
     const s32 each = extra / blanks;
-    // Intentional: one more than the remainder, so with enough blanks the last word ends a pixel further
+    // Intentional: one more than the remainder, so with enough spaces the last word ends a pixel further
     // right.
     s32 widerGaps = extra % blanks + 1;
     s32 x = 0;

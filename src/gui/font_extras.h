@@ -1,5 +1,5 @@
-// The rest of the font module's interface, of which the programs call only the width of a text: the current
-// font and the operations that use it, placed text, recolouring.
+// The rest of the font module's interface: the current font and operations that use it, placed text,
+// recolouring. The programs only call the width of a text.
 #pragma once
 
 #include "gui/bitmap_font.h"
@@ -10,7 +10,8 @@ BitmapFont* GetCurrentFont();
 void SetCurrentFont(BitmapFont* font);
 void SetFontHeight(BitmapFont* font, s32 height);
 
-/// A new font with every pixel but the key colour scaled by red, green and blue / 255; null without memory.
+/// A new font with every pixel except the key colour scaled by red, green and blue / 255. Returns null if
+/// there is no memory.
 FontPtr SetFontColor(const BitmapFont* font, u8 red, u8 green, u8 blue);
 
 /// The sum of the glyph widths, in pixels.
@@ -30,7 +31,7 @@ s32 RightPutStringFont(SDL_Surface* surface, const BitmapFont* font, s32 y, std:
 s32 JustifiedPutString(SDL_Surface* surface, s32 y, std::string_view text);
 s32 JustifiedPutStringFont(SDL_Surface* surface, const BitmapFont* font, s32 y, std::string_view text);
 
-// The printf-style twins of the above.
+// printf-style variants of these.
 
 template <typename... Arguments>
 s32 PrintString(SDL_Surface* surface, s32 x, s32 y, const char* format, Arguments... arguments) {

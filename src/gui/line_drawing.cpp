@@ -10,7 +10,7 @@
 namespace tarn {
 namespace {
 
-/// The points of an opaque line: one per step of the major axis, `plot` gets (major, minor).
+/// Calls plot(major, minor) for the points of an opaque line, one per step of the major axis.
 template <typename Plot>
 void walkLine(s64 major, s64 majorEnd, s64 minorStart, s64 minorEnd, s64 majorLimit, Plot plot) {
     const s64 majorDelta = majorEnd - major;
@@ -19,7 +19,7 @@ void walkLine(s64 major, s64 majorEnd, s64 minorStart, s64 minorEnd, s64 majorLi
     if (minorEnd != minorStart) {
         slope = static_cast<float>(minorEnd - minorStart) / static_cast<float>(majorDelta);
     } else {
-        // Nothing accumulates along a straight line, so what lies off the surface need not be walked.
+        // Points are computed independently, so those outside the surface can be skipped.
         major = std::clamp<s64>(major, -1, majorLimit);
         majorEnd = std::clamp<s64>(majorEnd, -1, majorLimit);
     }

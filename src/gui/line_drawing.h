@@ -1,5 +1,5 @@
-// Line drawing on SDL surfaces of 1 to 4 bytes a pixel. A colour is a pixel value of the surface's format;
-// everything is clipped to the surface.
+// Line drawing on SDL surfaces of 1 to 4 bytes per pixel. Colours are pixel values in the surface's format.
+// Lines are clipped to the surface.
 #pragma once
 
 #include "base/types.h"

@@ -1,4 +1,4 @@
-// The text panes and the picture's pane as the places to which the machine's diagnostics lead.
+// Connects the machine's diagnostics to the panes.
 #include "gui/pane_sinks.h"
 
 #include "base/diagnostics.h"
@@ -10,7 +10,7 @@
 namespace tarn {
 namespace {
 
-/// The pane of that index, or null as long as it has not been added.
+/// The pane with an index, or null if it has not been added yet.
 koGUIwidget* paneAt(u32 index) { return index < TarnGUI.nbWidgets ? &TarnGUI.widgets[index] : nullptr; }
 
 template <u32 index>
@@ -21,12 +21,13 @@ void append(const char* text) {
     }
 }
 
-/// What the guest has said of a line so far.
+/// The guest's current line so far.
 std::string guestLine;
 
 void endGuestLine() { append<emuOutputPane>(std::exchange(guestLine, {}).c_str()); }
 
-/// Makes lines of it; one that other text interrupts, or that is too long for a pane, ends there.
+/// Splits the guest's output into lines. A line ends early if other text interrupts it or it is too long for
+/// a pane.
 void appendGuestText(const char* text) {
     constexpr std::size_t longest = 1000;
     for (; *text != '\0'; ++text) {
@@ -46,7 +47,7 @@ void appendMessage(const char* text) {
     append<emuOutputPane>(text);
 }
 
-/// A picture that is the same need not be drawn again, but shading a pane shows with the next one.
+/// An unchanged picture need not be redrawn, unless a pane has been shaded, which shows at the next picture.
 void markPicture() {
     if (koGUIwidget* pane = paneAt(videoOutputPane)) {
         const bool isNew = TarnGUI.PictureIsNew == nullptr || TarnGUI.PictureIsNew();

@@ -1,10 +1,10 @@
-// The panes as the places to which the machine's diagnostics lead.
+// Connects the machine's diagnostics to the panes.
 #pragma once
 
 namespace tarn {
 
-/// Leads the channels of the diagnostics to the panes of TarnGUI by their index, and the news of a picture to
-/// pane 0. What is said before a pane has been added is dropped.
+/// Connects the diagnostics channels to the panes of TarnGUI by index, and new pictures to pane 0. Text for a
+/// pane that has not been added yet is dropped.
 void connectPanes();
 
 }  // namespace tarn

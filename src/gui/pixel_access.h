@@ -8,8 +8,8 @@
 
 namespace tarn {
 
-/// The address of the pixel at (x, y), or null where that is not wholly inside the pixel buffer. Beyond a
-/// row's end lies the next row.
+/// The address of the pixel at (x, y), or null if that is not entirely inside the pixel buffer. Beyond the
+/// end of a row is the next row.
 inline u8* pixelInBuffer(const SDL_Surface* surface, s64 x, s64 y) {
     const s64 size = surface->format->BytesPerPixel;
     const s64 offset = y * surface->pitch + x * size;

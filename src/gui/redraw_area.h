@@ -1,4 +1,4 @@
-// Which part of the screen has to be drawn again when panes have changed.
+// The part of the screen to redraw after panes have changed.
 #pragma once
 
 #include "gui/screen.h"
@@ -10,15 +10,15 @@ namespace tarn {
 /// Whether a pane has moved or been shaded since it was drawn.
 bool hasMoved(const koGUIwidget& pane);
 
-/// Notes where a pane stands and draws, just before it is drawn.
+/// Notes the place of a pane. Called just before it is drawn.
 void noteDrawn(const koGUIscreen* screen, koGUIwidget* pane);
 
-/// A rectangle outside which drawing everything would change nothing, and which no pane crosses that draws on
-/// it: all that draw on it can be drawn whole. Nothing if that may be the whole screen.
+/// A rectangle that contains all changes of a complete redraw, and all panes that draw in it. Nothing if that
+/// may be the whole screen.
 std::optional<PixelArea> areaToRedraw(const koGUIscreen* screen);
 
-/// Whether redrawing everything would change nothing but the picture of pane 0: no other pane is dirty, has
-/// moved or been shaded since the last time, or draws on the picture.
+/// Whether a complete redraw would only change the picture of pane 0: no other pane is dirty, has been moved
+/// or shaded, or overlaps the picture.
 bool onlyPictureChanges(const koGUIscreen* screen, const PixelArea& picture);
 
 }  // namespace tarn

@@ -1,4 +1,4 @@
-// Owners of SDL surfaces: the surface itself, and its lock.
+// RAII types for SDL surfaces and their locks.
 #pragma once
 
 #include <SDL.h>
@@ -10,10 +10,10 @@ struct SurfaceFreer {
     void operator()(SDL_Surface* surface) const { SDL_FreeSurface(surface); }
 };
 
-/// A surface that is freed with its owner.
+/// An owned surface.
 using SurfacePtr = std::unique_ptr<SDL_Surface, SurfaceFreer>;
 
-/// Locks a surface for as long as the object lives, when SDL requires it, or only when `needed` holds.
+/// Locks a surface while it exists, if SDL requires that, or only if `needed`.
 class SurfaceLock {
   public:
     explicit SurfaceLock(SDL_Surface* surface) : SurfaceLock(surface, SDL_MUSTLOCK(surface)) {}

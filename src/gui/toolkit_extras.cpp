@@ -1,4 +1,4 @@
-// The part of the toolkit that no program here calls.
+// The rest of the toolkit, which the programs do not call.
 #include "gui/toolkit_extras.h"
 
 #include "base/diagnostics.h"
@@ -7,7 +7,7 @@
 namespace tarn {
 namespace {
 
-/// One channel, in place in a pixel, moved `opacity` / 256 of the way to the colour's.
+/// A channel at its place in a pixel, moved by `opacity` / 256 towards the colour's.
 u32 blendChannel(u32 old, u32 colour, u32 mask, u8 opacity) {
     const s64 from = old & mask;
     const s64 to = colour & mask;

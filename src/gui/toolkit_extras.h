@@ -1,4 +1,4 @@
-// Operations of the toolkit that no program here calls: single pixels, and printing the text of a pane.
+// The rest of the toolkit, which the programs do not call: single pixels, and printing the text of a pane.
 #pragma once
 
 #include "base/types.h"
@@ -8,19 +8,19 @@
 
 namespace tarn {
 
-/// Stores a pixel value. x and y are not clipped to the picture, but nothing outside the buffer is touched.
+/// Stores a pixel value. x and y are not clipped to the picture, but nothing outside the buffer is written.
 void PutPixel(SDL_Surface* surface, s32 x, s32 y, u32 pixel);
 
 /// The address of the pixel inside the surface, or null outside of it.
 void* SDL_getPixel(SDL_Surface* surface, s32 x, s32 y);
 
-/// Mixes the colour into the stored pixel, `opacity` / 256 (1-byte surfaces: / 255) of the way. Clipped.
+/// Blends the colour with the stored pixel by `opacity` / 256 (1-byte surfaces: / 255). Clipped.
 void SDL_blendPixel(SDL_Surface* surface, s32 x, s32 y, u32 colour, u8 opacity);
 
-/// The same for every pixel size through red, green and blue, `opacity` / 255 of the way.
+/// The same for all pixel sizes by red, green and blue, and `opacity` / 255.
 void __slow_SDL_blendPixel(SDL_Surface* surface, s32 x, s32 y, u32 colour, u8 opacity);
 
-/// Prints every line of a text pane to standard output, a debugging aid.
+/// Prints all lines of a text pane to standard output, for debugging.
 void koGUIwidget_printAllText(const koGUIwidget* pane);
 
 }  // namespace tarn
