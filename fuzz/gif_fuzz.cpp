@@ -1,6 +1,7 @@
 // GIF quadwords through the transfer entry points, with drawing, image transfers and local moves behind them.
 // An input is read as steps that make register writes, tags with their data, or quadwords as they come; the
 // stream that results is then handed over whole, in pieces, or without a count at the end of main memory.
+#include "gs/interface_extras.h"
 #include "gs/registers.h"
 #include "support.h"
 #include "support/gif_stream.h"

@@ -12,7 +12,6 @@
 #include <array>
 #include <bit>
 #include <cstring>
-#include <limits>
 
 namespace tarn {
 namespace {
@@ -57,24 +56,10 @@ class DescriptorWalk {
     u32 loops = Gs.gtag.nloop;
 };
 
-/// The rest of a transfer's data, and of the work that it may cause.
-struct Stream {
-    const u8* data;
-    u64 quadwords;
-    u64 lastWork = std::numeric_limits<u64>::max();
-
-    bool goesOn() const { return quadwords > 0 && Gs.work < lastWork; }
-
-    void skip(u64 count) {
-        data += count * quadwordBytes;
-        quadwords -= count;
-    }
-};
-
 // Each consumes data of one form up to the end of the tag or the stream; the end of the tag sets the mode.
 // Images are not split: a 24-bit image is not the same in pieces, and the size of the data bounds the work.
 
-void consumePacked(Stream& stream) {
+void consumePacked(GifInput& stream) {
     DescriptorWalk walk;
     while (stream.goesOn() && !walk.ended()) {
         GIFprocessReg(stream.data, walk.descriptor());
@@ -83,7 +68,7 @@ void consumePacked(Stream& stream) {
     }
 }
 
-void consumeReglist(Stream& stream) {
+void consumeReglist(GifInput& stream) {
     DescriptorWalk walk;
     while (stream.goesOn() && !walk.ended()) {
         GSwrite(load<u64>(stream.data), walk.descriptor());
@@ -96,7 +81,7 @@ void consumeReglist(Stream& stream) {
     }
 }
 
-void consumeImage(Stream& stream) {
+void consumeImage(GifInput& stream) {
     const u32 count = static_cast<u32>(std::min<u64>(stream.quadwords, Gs.gtag.nloop));
     FBwriteBlock(stream.data, count);
     stream.skip(count);
@@ -108,7 +93,7 @@ void consumeImage(Stream& stream) {
 
 /// For a 24-bit destination NLOOP counts groups of three quadwords, which hold sixteen pixels. An incomplete
 /// group at the end of the stream uses up the rest of NLOOP, and its quadwords are read as tags.
-void consumeImage24(Stream& stream) {
+void consumeImage24(GifInput& stream) {
     while (stream.quadwords > 2 && Gs.gtag.nloop > 0) {
         FBwrite24_3(stream.data);
         stream.skip(3);
@@ -122,8 +107,9 @@ void consumeImage24(Stream& stream) {
     }
 }
 
-/// Consumes the next tag of the stream, or data of the current form.
-void consume(Stream& stream, bool groups24) {
+}  // namespace
+
+void consumeGif(GifInput& stream, bool groups24) {
     if (Gs.gifMode == GifMode::Tag) {
         GIFtag(stream.data);
         stream.skip(1);
@@ -139,16 +125,6 @@ void consume(Stream& stream, bool groups24) {
         consumeImage(stream);
     }
 }
-
-/// The number of quadwords from `data` to the end of main memory; no limit for data elsewhere.
-u64 quadwordsInMainMemory(const u8* data) {
-    const auto begin = reinterpret_cast<std::uintptr_t>(MipsMemory.begin());
-    const auto offset = reinterpret_cast<std::uintptr_t>(data) - begin;
-    const bool inside = MipsMemory != nullptr && offset <= mainMemorySize;
-    return inside ? (mainMemorySize - offset) / quadwordBytes : std::numeric_limits<u64>::max();
-}
-
-}  // namespace
 
 void GIFtag(const u8* quadword) {
     const u64 low = load<u64>(quadword);
@@ -228,9 +204,9 @@ void GIFprocessReg(const u8* quadword, u32 descriptor) {
 }
 
 void GSgifTransfer(const u8* data, u32 count) {
-    Stream stream{data, count};
+    GifInput stream{data, count};
     while (Gs.vRam != nullptr && stream.goesOn()) {
-        consume(stream, true);
+        consumeGif(stream, true);
     }
 }
 
@@ -238,26 +214,11 @@ u32 GSgifTransferStep(const u8* data, u32 count) {
     if (Gs.vRam == nullptr) {
         return count;
     }
-    Stream stream{data, count, Gs.work + gifStepWork};
+    GifInput stream{data, count, Gs.work + gifStepWork};
     while (stream.goesOn()) {
-        consume(stream, true);
+        consumeGif(stream, true);
     }
     return count - static_cast<u32>(stream.quadwords);
-}
-
-void GSgifTransfer2(const u8* data) {
-    if (Gs.vRam == nullptr) {
-        return;
-    }
-    Gs.gtag.eop = 0;
-    Stream stream{data, quadwordsInMainMemory(data)};
-    while (Gs.gifMode != GifMode::Tag || Gs.gtag.eop == 0) {
-        if (stream.quadwords == 0) {
-            return;
-        }
-        consume(stream, false);
-    }
-    Gs.gtag.eop = 0;
 }
 
 }  // namespace tarn

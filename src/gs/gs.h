@@ -33,9 +33,6 @@ inline constexpr u64 gifStepWork = 0x800000;
 /// number of quadwords consumed, at least one; pass the rest to the next call.
 u32 GSgifTransferStep(const u8* data, u32 count);
 
-/// Consumes packets up to the end of one with EOP. If `data` is in main memory, stops at its end.
-void GSgifTransfer2(const u8* data);
-
 /// Pixels written by primitives while counting was on. Not visible to the guest.
 inline u64 pixelsWritten = 0;
 void countPixels(bool on);

@@ -3,13 +3,26 @@
 
 #include "base/file.h"
 #include "gs/display.h"
+#include "gs/gif.h"
 
 #include <cstdarg>
 #include <cstdlib>
+#include <limits>
 #include <string>
 #include <sys/stat.h>
 
 namespace tarn {
+namespace {
+
+/// The number of quadwords from `data` to the end of main memory; no limit for data elsewhere.
+u64 quadwordsInMainMemory(const u8* data) {
+    const auto begin = reinterpret_cast<std::uintptr_t>(MipsMemory.begin());
+    const auto offset = reinterpret_cast<std::uintptr_t>(data) - begin;
+    const bool inside = MipsMemory != nullptr && offset <= mainMemorySize;
+    return inside ? (mainMemorySize - offset) / quadwordBytes : std::numeric_limits<u64>::max();
+}
+
+}  // namespace
 
 u32 PS2EgetLibType() { return 1; }
 u32 PS2EgetLibVersion() { return 0x10000; }
@@ -19,6 +32,21 @@ void GSkeyEvent() {}
 void GSconfigure() { LoadConfig(); }
 void GSabout() {}
 s32 GStest() { return 0; }
+
+void GSgifTransfer2(const u8* data) {
+    if (Gs.vRam == nullptr) {
+        return;
+    }
+    Gs.gtag.eop = 0;
+    GifInput stream{data, quadwordsInMainMemory(data)};
+    while (Gs.gifMode != GifMode::Tag || Gs.gtag.eop == 0) {
+        if (stream.quadwords == 0) {
+            return;
+        }
+        consumeGif(stream, false);
+    }
+    Gs.gtag.eop = 0;
+}
 
 void SaveConfig() {
     static_assert(sizeof(GsConfig) == 28, "the file is the record as it stands");

@@ -1,5 +1,5 @@
-// Entry points and settings of the renderer that no program here uses: identification, keys, dialogs,
-// switching the screen mode, the log.
+// Entry points and settings of the renderer that no program here uses: identification, keys, a second
+// transfer entry, dialogs, switching the screen mode, the log.
 #pragma once
 
 #include "base/types.h"
@@ -16,6 +16,9 @@ void GSkeyEvent();   ///< does nothing
 void GSconfigure();  ///< reads the renderer's configuration again
 void GSabout();      ///< does nothing
 s32 GStest();        ///< 0
+
+/// Consumes packets up to the end of one with EOP. If `data` is in main memory, stops at its end.
+void GSgifTransfer2(const u8* data);
 
 void SaveConfig();      ///< writes conf to "$HOME/.PS2E/Gravelx.cfg"; errors are ignored
 void DXclearScr();      ///< fills the display's surface with grey

@@ -1,4 +1,5 @@
 // Tests the GIF parser: the three forms of data, streams cut anywhere, and the bounds of a walk.
+#include "gs/interface_extras.h"
 #include "gs/local_memory.h"
 #include "machine/machine.h"
 #include "support/gs_machine.h"

@@ -1,4 +1,5 @@
 // Tests the register decoding, the privileged registers and the renderer's life cycle.
+#include "gs/interface_extras.h"
 #include "support/gs_machine.h"
 #include "support/machine_test.h"
 
