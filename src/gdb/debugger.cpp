@@ -1,7 +1,7 @@
-// The commands of the GDB remote serial protocol, and the decision when the machine stops for the debugger.
+// The packets of the GDB remote serial protocol, and when the running machine stops for the debugger.
 #include "gdb/debugger.h"
 
-#include "gdb/machine.h"
+#include "gdb/machine_access.h"
 #include "gdb/packet.h"
 #include "machine/devices.h"
 #include "machine/machine.h"
@@ -17,7 +17,7 @@ namespace tarn::gdb {
 
 namespace {
 
-// Replies. The numbers behind the E mean nothing to the debugger; they are errno values by custom.
+// Replies. The debugger ignores the numbers of errors; by convention they are errno values.
 constexpr const char* ok = "OK";
 constexpr const char* unknownPacket = "";
 constexpr const char* badArguments = "E16";  // EINVAL
@@ -34,7 +34,7 @@ constexpr const char* stoppedBySystemCall = "S0c";   // SIGSYS
 constexpr std::string_view monitorPacket = "qRcmd,";
 constexpr std::size_t longestRead = maximumPacket / 2;
 
-/// Why the CPU has paused: what its last instruction could not do.
+/// The signal for a paused CPU, depending on its last instruction.
 const char* pauseReason() {
     if (static_cast<u32>(MipsCpu.PC) > mainMemorySize - sizeof(u32)) {
         return stoppedByMemory;  // nothing can be fetched there
@@ -163,7 +163,7 @@ std::string writeMemoryFrom(std::string_view arguments, bool hexadecimal) {
     return writeMemory(range->address, {data, bytes->size()}) ? ok : noMemory;
 }
 
-/// A part of the target description: "OFFSET,LENGTH" of it, marked as the last part or not.
+/// The part "OFFSET,LENGTH" of the target description, marked if it is the last.
 std::string readTargetDescription(std::string_view arguments) {
     const std::optional<u64> offset = takeHex(arguments);
     if (!offset || !takeCharacter(arguments, ',')) {
@@ -220,7 +220,7 @@ std::string changePoint(std::string_view packet, history::StopPoints& points) {
     if (*type > 4) {
         return unknownPacket;
     }
-    if (*type < 2) {  // a breakpoint in "software" or "hardware": to an interpreter the same
+    if (*type < 2) {  // software and hardware breakpoints are the same to an interpreter
         if (!add) {
             points.removeBreakpoint(range->address);
             return ok;
@@ -292,7 +292,7 @@ std::optional<std::string> Debugger::resume(Mode how, std::string_view address) 
     }
     altered = false;
     stepped = false;
-    MipsCpu.pause = 0;  // what could not be executed is tried again
+    MipsCpu.pause = 0;  // try the instruction again
     current = how;
     if (how == Mode::Running && !points.empty()) {
         stops.emplace(points);
@@ -301,7 +301,7 @@ std::optional<std::string> Debugger::resume(Mode how, std::string_view address) 
 }
 
 std::optional<std::string> Debugger::resumeWithSignal(Mode how, std::string_view arguments) {
-    // The guest knows no signals: the number is checked and forgotten.
+    // The guest has no signals: the number is checked and ignored.
     if (!takeHex(arguments)) {
         return badArguments;
     }
@@ -342,7 +342,7 @@ std::optional<std::string> Debugger::resumeThreads(std::string_view actions) {
     }
 }
 
-/// Notes what a packet has written: history begins anew when the machine moves.
+/// Notes that a packet has written to the machine: a new history begins when it next moves.
 std::string Debugger::changed(std::string reply) {
     altered = altered || reply == ok;
     return reply;
@@ -433,9 +433,9 @@ std::optional<std::string> Debugger::interrupt() {
 
 std::optional<std::string> Debugger::beforeStep() {
     if (gifTransferGoesOn()) {
-        return std::nullopt;  // the step before is not over
+        return std::nullopt;  // the previous step is not complete
     }
-    // A single step starts where the debugger stands, so only a continued run looks at breakpoints.
+    // A single step ignores the breakpoint that it starts on.
     if ((current == Mode::Running || stepped) && points.breaksAt(MipsCpu.PC)) {
         return stop(stoppedByTrap);
     }

@@ -1,4 +1,4 @@
-// The debugger's side of the machine: what each packet asks, and when the running machine stops for it.
+// Debugger packets, and the conditions on which the running machine stops for the debugger.
 #pragma once
 
 #include "base/types.h"
@@ -15,52 +15,50 @@ namespace tarn::gdb {
 /// The stop reply that names the watchpoint and the watched address.
 std::string watchReply(const history::WatchHit& hit);
 
-/// Answers packets and decides whether the machine runs. Knows no sockets; the machine's step is its
-/// caller's.
+/// Answers packets and decides whether the machine runs. The caller handles the socket and runs the machine.
 class Debugger {
   public:
-    /// Without a timeline the machine runs forwards only. Both live as long as the debugger.
+    /// Without a timeline the machine only runs forwards. Both must outlive the debugger.
     Debugger(history::Timeline* past, const symbols::SymbolTable& names) : timeline(past), symbols(names) {}
 
-    /// Whether driver steps are to be made now.
+    /// What the caller should do with the machine.
     enum class Mode : u8 {
-        Stopped,  ///< none until the debugger says so
-        Step,     ///< one
-        Running,  ///< on and on
-        Killed,   ///< none any more: the run is to end
+        Stopped,  ///< no steps until a packet changes the mode
+        Step,     ///< one step, or steps within a range
+        Running,  ///< run until something stops it
+        Killed,   ///< end the run
     };
 
     Mode mode() const { return current; }
 
-    /// False before a debugger has attached, and once it has detached or its connection is gone.
+    /// False before a debugger attaches, and after it has detached or lost its connection.
     bool isAttached() const { return attached; }
 
     /// A debugger has connected: the machine stops where it is.
     void attach();
 
-    /// The connection is gone. Its breakpoints and watchpoints go with it; the machine runs on or stays
-    /// stopped.
+    /// The connection is lost. Breakpoints and watchpoints are removed; the machine runs on or stays stopped.
     void drop();
 
-    /// Has the machine run, if no debugger is attached.
+    /// Lets the machine run if no debugger is attached.
     void runOn();
 
-    /// Takes the payload of a packet and returns the payload of the reply, or nothing when the packet has
-    /// none (yet).
+    /// Handles the payload of a packet. Returns the payload of the reply, or nothing if there is none (yet).
     std::optional<std::string> answer(std::string_view packet);
 
-    /// The debugger asks for the machine to stop. The reply, or nothing when it is stopped already.
+    /// Handles an interrupt from the debugger. Returns the reply, or nothing if the machine is already
+    /// stopped.
     std::optional<std::string> interrupt();
 
-    /// Writes the picture to a file for a user; false when it cannot.
+    /// Writes the picture to a file. Returns false on failure.
     bool (*writePicture)(const std::string& path) = nullptr;
 
-    /// To be called before each driver step: the stop reply when a breakpoint or a watchpoint keeps it from
-    /// being made.
+    /// Call it before each driver step. Returns a stop reply if a breakpoint or a watchpoint prevents the
+    /// step.
     std::optional<std::string> beforeStep();
 
-    /// To be called after each driver step: the stop reply when that was the one asked for, or the CPU paused
-    /// while a debugger is attached.
+    /// Call it after each driver step. Returns a stop reply if the requested step is done, or if the CPU has
+    /// paused while a debugger is attached.
     std::optional<std::string> afterStep();
 
   private:

@@ -23,12 +23,12 @@ namespace tarn::gdb {
 
 namespace {
 
-constexpr u32 stepsPerLook = 1 << 18;  ///< driver steps between two looks at the connection
+constexpr u32 stepsPerLook = 1 << 18;  ///< driver steps between two polls of the connection
 constexpr int idleMilliseconds =
-    100;  ///< how long a stopped machine waits before it asks whether the run is over
-constexpr int sendMilliseconds = 2000;  ///< a debugger that takes no bytes for so long is dropped
+    100;  ///< how long a stopped machine waits before it checks whether the run is over
+constexpr int sendMilliseconds = 2000;  ///< a debugger that accepts no bytes for this long is disconnected
 
-/// Waits until the descriptor is ready for `events`; false when it is not within the time.
+/// Waits until the descriptor is ready for `events`. Returns false if that takes too long.
 bool ready(int descriptor, short events, int milliseconds) {
     pollfd entry{descriptor, events, 0};
     const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
@@ -36,7 +36,7 @@ bool ready(int descriptor, short events, int milliseconds) {
     for (;;) {
         const int count = poll(&entry, 1, left);
         if (count >= 0 || errno != EINTR || events != POLLOUT) {
-            return count > 0;  // a wait for packets may end early: the caller has signals to look at
+            return count > 0;  // a wait for packets may end early: the caller checks for signals
         }
         const auto rest = end - std::chrono::steady_clock::now();
         left = std::max(
@@ -135,8 +135,8 @@ void Server::interrupt() {
     }
 }
 
-/// One step, or, of a machine that runs, as many as nothing stops up to `limit`. What was heard before is not
-/// said again.
+/// Makes one step, or runs up to `limit` until something stops the machine. Steps that the run has already
+/// passed are muted.
 void Server::advance(u64 limit, bool (*interrupted)()) {
     const u64 now = machine.counters.driverSteps;
     std::optional<MutedDiagnostics> muted;
@@ -155,7 +155,7 @@ void Server::advance(u64 limit, bool (*interrupted)()) {
     }
 }
 
-/// Serves the listening port and the connection, waiting up to `timeout` milliseconds for something to come.
+/// Handles the listening port and the connection, waiting up to `timeout` milliseconds for either.
 void Server::exchange(int timeout) {
     if (!connection.open()) {
         if (ready(listener.get(), POLLIN, timeout)) {
@@ -167,7 +167,7 @@ void Server::exchange(int timeout) {
 }
 
 void Server::acceptDebugger() {
-    // A debugger that has gone again, or no descriptor to be had, must not make the wait a busy one.
+    // If accept() fails (the debugger is gone, or there is no free descriptor), do not poll in a busy loop.
     connection.reset(accept4(listener.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
     if (!connection.open()) {
         poll(nullptr, 0, idleMilliseconds);
@@ -195,7 +195,7 @@ void Server::receive() {
     for (ssize_t i = 0; i < count && connection.open(); ++i) {
         take(bytes[static_cast<std::size_t>(i)]);
     }
-    if (!pendingSign.empty()) {  // a packet without a reply yet
+    if (!pendingSign.empty()) {  // the packet has no reply yet
         send(std::exchange(pendingSign, {}));
     }
 }
@@ -238,7 +238,7 @@ void Server::takePacket(const std::string& packet) {
     }
 }
 
-/// Says whether a packet has arrived well, together with the reply if there is one.
+/// Sends the acknowledgement of a packet, together with the reply if there is one.
 void Server::acknowledge(const char* sign) {
     if (acknowledging) {
         pendingSign += sign;

@@ -30,15 +30,15 @@ class Descriptor {
 class Server {
   public:
     /// With a timeline, which must be begun before the first turn, the machine can be run backwards.
-    /// `programName` begins what is said on standard error.
+    /// `programName` begins each message on standard error.
     Server(const char* programName, history::Timeline* past, const symbols::SymbolTable& names)
         : speaker(programName), timeline(past), debugger(past, names) {}
 
-    /// Has `monitor picture` write the picture with this function.
+    /// Sets the function with which `monitor picture` writes the picture.
     void setPictureWriter(bool (*writer)(const std::string& path)) { debugger.writePicture = writer; }
 
-    /// Listens on `port`, or on any free one when it is 0, and says so on standard error.
-    /// False, with the reason on standard error, when the port cannot be had.
+    /// Listens on `port`, or on any free port if it is 0, and reports it on standard error. Returns false
+    /// after a message if the port is not available.
     bool listen(u16 port);
 
     /// Why run() has returned.
@@ -46,29 +46,29 @@ class Server {
         LimitReached,
         Interrupted,  ///< the caller ended the run
         Killed,       ///< the debugger did
-        Paused,       ///< the CPU paused, and no debugger was attached to look at it
+        Paused,       ///< the CPU paused while no debugger was attached
     };
 
-    /// Waits for a debugger and runs the machine as it says, until a limit is reached or `interrupted`, which
-    /// is asked every few thousand steps, returns true. A connection that breaks off changes nothing: the
-    /// machine runs on or stays stopped, and the next debugger takes over.
+    /// Waits for a debugger and runs the machine under its control, until a limit is reached or
+    /// `interrupted`, which is called every few thousand steps, returns true. A lost connection changes
+    /// nothing: the machine runs on or stays stopped, and the next debugger takes over.
     Finish run(const RunLimits& limits, bool (*interrupted)());
 
-    /// A part of such a run, for those who have a loop of their own: either waits for up to `patience`
-    /// milliseconds for what a debugger says, or makes up to `most` steps. Returns why the run is over, if it
-    /// is; Paused need not be its end, `interrupted` is asked within a step only.
+    /// A part of such a run, for callers with a loop of their own: either waits up to `patience` milliseconds
+    /// for a packet, or makes up to `most` steps. Returns why the run has ended, if it has; after Paused the
+    /// caller may go on. `interrupted` is only called within a step.
     std::optional<Finish> turn(const RunLimits& limits, u64 most, int patience, bool (*interrupted)());
 
-    /// Tells a debugger that waits for a stop that there is nothing more to wait for, and lets go of it.
+    /// Tells a waiting debugger that the program has exited, and closes the connection.
     void sayGoodbye();
 
     Debugger::Mode mode() const { return debugger.mode(); }
     bool isAttached() const { return debugger.isAttached(); }
 
-    /// Has the machine run, if no debugger is attached.
+    /// Lets the machine run if no debugger is attached.
     void runOn() { debugger.runOn(); }
 
-    /// Stops the machine as a debugger's interrupt does, and tells it.
+    /// Stops the machine like an interrupt from the debugger, and reports the stop to it.
     void interrupt();
 
   private:
@@ -88,11 +88,11 @@ class Server {
     Descriptor listener;
     Descriptor connection;
     PacketReader reader;
-    u64 stepsToLook = 0;  ///< until the connection is looked at again
+    u64 stepsToLook = 0;  ///< until the connection is polled again
     Debugger debugger;
-    std::string lastReply;      ///< as it was sent, for a debugger that did not get it
+    std::string lastReply;      ///< as sent, to be repeated if the debugger asks for it
     std::string pendingSign;    ///< acknowledgements that go out with the reply
-    bool acknowledging = true;  ///< until the debugger asks for the mode without
+    bool acknowledging = true;  ///< until the debugger turns acknowledgements off
 };
 
 }  // namespace tarn::gdb

@@ -1,6 +1,7 @@
 // Bitmap fonts: loading, glyph markers, drawing at a position.
 #include "gui/bitmap_font.h"
 
+#include "base/diagnostics.h"
 #include "gui/blits.h"
 #include "gui/bmp_file.h"
 #include "gui/pixel_access.h"
@@ -134,10 +135,10 @@ const char* formatText(const char* format, ...) {
 
 u32 GetPixel(const SDL_Surface* surface, s32 x, s32 y) {
     if (x < 0) {
-        std::puts("x too small in GetPixel!");
+        printDiagnostic("x too small in GetPixel!\n");
     }
     if (x >= surface->w) {
-        std::puts("x too big in GetPixel!");
+        printDiagnostic("x too big in GetPixel!\n");
     }
     const SDL_PixelFormat* format = surface->format;
     const u8* address = pixelInBuffer(surface, x, y);

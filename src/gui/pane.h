@@ -28,7 +28,7 @@ inline constexpr u32 titleBarHeight = 22;  ///< the whole height of a shaded pan
 inline constexpr u32 textLineHeight = 11;  ///< what maxLines counts with
 inline constexpr u8 textMargin = 3;        ///< left of the text in a pane, of its frame's width
 
-/// Where a pane stands, and whether its body shows.
+/// The position of a pane, and whether its body is shown.
 struct PanePlace {
     s32 x = 0;
     s32 y = 0;
@@ -75,7 +75,7 @@ struct koGUIwidget {
     PaneState state{};
     u8 dirty = 0;  ///< 1: the screen must be redrawn
     char title[56] = {};
-    /// The body's contents end with the body. A smaller picture is in its middle, on black.
+    /// The contents are clipped to the body, and a smaller picture is centred on black.
     bool clipped = false;
 
     void (*external_draw)(koGUIwidget*, koGUIscreen*) = nullptr;  ///< frame, title bar, title, shade box
@@ -91,7 +91,7 @@ struct koGUIwidget {
     koGUItextLine* (*addText)(koGUIwidget*, const char*) = nullptr;
     u32 maxLines = 0;   ///< lines that the pane has room for
     u32 firstLine = 0;  ///< index of the first line shown
-    u32 keptLines = 0;  ///< older ones than so many are forgotten; 0: none are
+    u32 keptLines = 0;  ///< older lines are dropped; 0: all are kept
 
     // At the last redraw.
     PanePlace drawnPlace;
@@ -113,10 +113,10 @@ PaneHit koGUIwidget_isClick_TitleBar(koGUIwidget* pane, koGUIscreen* screen, s32
 /// has no list.
 koGUItextLine* koGUIwidget_addText(koGUIwidget* pane, const char* text);
 
-/// The same in as many lines as the text needs to fit the pane's width.
+/// The same, wrapped to the width of the pane.
 koGUItextLine* koGUIwidget_addWrappedText(koGUIwidget* pane, const char* text);
 
-/// Makes these the lines of a text pane.
+/// Replaces the lines of a text pane.
 void koGUIwidget_replaceText(koGUIwidget* pane, std::span<const std::string> lines);
 
 /// The part of a pane below the title bar, cut to SDL's 16-bit fields.

@@ -16,8 +16,8 @@ PixelArea areaOfText(const BitmapFont* font, s64 x, s64 y, std::string_view text
                            : PixelArea{};
 }
 
-/// Where a pane draws, text that runs out of it included. Nothing if it draws in ways of its own, or where
-/// coordinates do not fit SDL's 16 bits and come back on the other side.
+/// The area that a pane draws in, including text beyond its frame. Nothing if it has a drawing function of
+/// its own, or if coordinates exceed SDL's 16 bits and wrap.
 std::optional<PixelArea> areaOf(const koGUIscreen* screen, const koGUIwidget& pane) {
     const s64 x = pane.x;
     const s64 y = pane.y;

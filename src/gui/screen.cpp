@@ -15,7 +15,7 @@ namespace {
 
 constexpr SDL_Color backgroundColour{0, 105, 153, 0};
 
-/// Between two looks at input, and two pictures that nothing comes with; no display shows more of them.
+/// The interval at which input is handled and pictures are shown when nothing else is to be drawn.
 constexpr std::chrono::milliseconds quickInterval{1};
 
 FontPtr loadFontOrExit(const char* path, const char* complaint) {
@@ -36,9 +36,9 @@ bool anyPaneDirty(const koGUIscreen* screen) {
     return false;
 }
 
-/// Lets the display server show a part of the window. Where it is told without waiting until it has read the
-/// pixels (SDL_ASYNCBLIT), the newer ones may show early; now and then it is waited for, not to get far
-/// ahead.
+/// Shows a part of the window. With SDL_ASYNCBLIT the display server reads the pixels later, and may show
+/// newer ones; every now and then the call waits for the server, so that the program does not get far ahead
+/// of it.
 void update(SDL_Surface* video, const SDL_Rect& place) {
     constexpr u32 updatesAhead = 32;
     static u32 updates = 0;
@@ -76,7 +76,7 @@ void prepareImages(const koGUIscreen* screen) {
     }
 }
 
-/// Keeps what is drawn on a surface within the body of a pane while it lives, if that pane is clipped.
+/// Clips drawing to the body of a pane during its lifetime, if that pane is clipped.
 class BodyClip {
   public:
     BodyClip(SDL_Surface* surface, const koGUIwidget* pane) : clipped(pane->clipped ? surface : nullptr) {
@@ -122,7 +122,7 @@ void redrawEverything(koGUIscreen* screen, SDL_Surface* video) {
     screen->shownPicture.clear();
 }
 
-/// Does the same where panes have changed.
+/// The same, limited to the area of the panes that have changed.
 void redraw(koGUIscreen* screen, SDL_Surface* video) {
     const std::optional<PixelArea> area =
         screen->ClearScreen == koGUI_ClearScreen ? areaToRedraw(screen) : std::nullopt;
@@ -142,15 +142,15 @@ void redraw(koGUIscreen* screen, SDL_Surface* video) {
     screen->shownPicture.clear();
 }
 
-/// Copies what of the picture has changed straight to the window; the rectangle leaves as where that was.
-/// False if the formats do not allow it.
+/// Copies the changed rows of the picture straight to the window, and sets the rectangle to where they are.
+/// Returns false if the pixel formats do not allow it.
 bool showChanges(koGUIscreen* screen, SDL_Surface* video, const koGUIwidget* pane, SDL_Rect* place) {
     const BodyClip clip(video, pane);
     return blitChanges(pane->image, video, place, screen->shownPicture);
 }
 
-/// The redraw of a frame's picture alone, when that is allowed and nothing else has changed; false otherwise.
-/// One that is not due stays dirty.
+/// Redraws the picture alone, if that is allowed and nothing else has changed; otherwise returns false. A
+/// picture that is not due yet stays dirty.
 bool redrawPicture(koGUIscreen* screen, SDL_Surface* video, bool due) {
     koGUIwidget* pane = &screen->widgets[videoOutputPane];
     if (screen->quickPicture != 1 || pane->internal_draw != koGUIwidget_image_internal_draw ||
@@ -197,7 +197,7 @@ int koGUI_Init(koGUIscreen* screen) {
         printDiagnostic("CreateRGBSurface failed: %s\n", SDL_GetError());
         return 0;
     }
-    // A surface with an alpha channel would be blended into the window, which costs and rounds; it is opaque.
+    // The surface is opaque. Blending its alpha channel into the window would be slow and inexact.
     SDL_SetAlpha(screen->surface.get(), 0, SDL_ALPHA_OPAQUE);
     screen->font1 = loadFontOrExit("data/font_1.bmp", "Couldnt load Font1\n");
     screen->font2 = loadFontOrExit("data/font_2.bmp", "Couldnt load Font2\n");
@@ -228,7 +228,7 @@ void koGUI_AddWidget(koGUIscreen* screen, const koGUIwidget* pane) {
         return;
     }
     koGUIwidget& entry = screen->widgets[screen->nbWidgets];
-    const u32 savedH = entry.savedH;  // the one field that is not taken over
+    const u32 savedH = entry.savedH;  // the only field that is not copied
     entry = *pane;
     entry.savedH = savedH;
     entry.id = screen->nbWidgets++;
@@ -238,7 +238,7 @@ void koGUI_MainLoop(koGUIscreen* screen) {
     SDL_Surface* video = SDL_GetVideoSurface();
     using Clock = std::chrono::steady_clock;
     Clock::time_point last{};
-    bool exposed = false;  // what lay over the window has left a hole in it
+    bool exposed = false;  // another window no longer covers this one
     while (screen->running == 1) {
         screen->IdleProc();
         const bool quick = screen->quickPicture == 1;
@@ -252,7 +252,7 @@ void koGUI_MainLoop(koGUIscreen* screen) {
         exposed = false;
         if (due) {
             last = now;
-            SDL_Event event;  // the event filter has done what else there is to do
+            SDL_Event event;  // the event filter has already handled it
             exposed = SDL_PollEvent(&event) != 0 && event.type == SDL_VIDEOEXPOSE;
         }
     }

@@ -10,7 +10,7 @@ namespace tarn {
 
 namespace {
 
-/// How many characters of a text go into a line of that width: up to a space where there is one.
+/// How many characters of a text fit in a line of that width, broken at a space if possible.
 std::size_t lengthOfLine(const BitmapFont* font, std::string_view text, s32 width) {
     std::size_t length = 0;
     while (length < text.size() && (width -= CharWidth(font, text[length])) >= 0) {

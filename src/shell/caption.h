@@ -10,7 +10,7 @@ namespace tarn {
 
 class Caption {
   public:
-    /// Brings the caption up to date, if that is due. To be called often.
+    /// Updates the caption if an update is due. Call it often.
     void update();
 
   private:
@@ -18,8 +18,8 @@ class Caption {
 
     std::string shown;
     Clock::time_point due{};
-    Clock::time_point measured{};  ///< when the speed was measured last, and
-    u64 blanks = 0;                ///< how many vertical blanks there had been
+    Clock::time_point measured{};  ///< when the speed was last measured
+    u64 blanks = 0;                ///< vertical blanks at that time
     double speed = 0;              ///< vertical blanks per second
     u64 shownStep = ~u64{0};
 };

@@ -1,4 +1,4 @@
-// The settings as the configuration has them.
+// Reading the settings from the configuration.
 #include "base/configuration_source.h"
 #include "base/file.h"
 #include "machine/settings.h"

@@ -47,7 +47,7 @@ constexpr std::array<KnownKey, 17> knownKeys{{
     {"Video", "Fit_window"},
 }};
 
-constexpr unsigned warningLimit = 20;  ///< a file with more is hardly a configuration file
+constexpr unsigned warningLimit = 20;  ///< a file with more is probably not a configuration file
 
 char lowerCase(char letter) { return static_cast<char>(std::tolower(static_cast<unsigned char>(letter))); }
 
@@ -55,7 +55,7 @@ bool sameName(std::string_view a, std::string_view b) {
     return std::ranges::equal(a, b, {}, lowerCase, lowerCase);
 }
 
-/// The key of that name, or null when nothing reads it.
+/// The key of that name, or null if it is unknown.
 const KnownKey* findKey(std::string_view section, std::string_view name) {
     const auto* known = std::ranges::find_if(knownKeys, [&](const KnownKey& each) {
         return sameName(section, each.section) && sameName(name, each.name);
@@ -63,7 +63,7 @@ const KnownKey* findKey(std::string_view section, std::string_view name) {
     return known != knownKeys.end() ? known : nullptr;
 }
 
-/// How many letters have to be inserted, removed or changed to turn one name into the other. Only the
+/// The edit distance of two names: letters to insert, remove or change. Only the
 /// beginning of a very long name is compared, which bounds the work for hostile files.
 unsigned editDistance(std::string_view name, std::string_view known) {
     constexpr std::size_t longest = 24;
@@ -94,7 +94,7 @@ const KnownKey& nearestKey(std::string_view section, std::string_view name) {
     return *std::ranges::min_element(knownKeys, {}, distance);
 }
 
-/// Whether the whole text is a number by the rules that numbers are read with.
+/// Whether the whole text is a number as the configuration reads it.
 bool isNumber(const std::string& text) {
     char* end = nullptr;
     std::strtol(text.c_str(), &end, 0);
@@ -185,7 +185,7 @@ void warnAboutConfiguration(const IniFile& file, const char* origin) {
         if (entries[i].value) {
             warnings += warnAboutValue(origin, file, entries[i]) ? 1 : 0;
         } else if (i + 1 == entries.size() || !entries[i + 1].name.starts_with(name + ":")) {
-            // Of a section with keys, the warnings about its keys say more.
+            // If the section has keys, the warnings about them are more helpful.
             warnings += warnAboutSection(origin, name) ? 1 : 0;
         }
     }

@@ -1,4 +1,4 @@
-// A run without a window: where its text goes, when it ends, what it leaves behind.
+// A run without a window: its diagnostics, limits and outputs.
 #include "shell/headless.h"
 
 #include "base/configuration_source.h"
@@ -34,8 +34,8 @@ enum class End { StepLimit, FrameLimit, Place, Signal, Paused, Killed, StartFail
 HeadlessHistory* past = nullptr;  ///< during the run
 ProgressLine progress;
 
-/// The panes keep no text: EmuOutput's goes to standard error. A text that ends its own line is not given a
-/// second end.
+/// The panes keep no text; that of EmuOutput goes to standard error. A newline is added unless the text ends
+/// in one.
 koGUItextLine* passOnText(koGUIwidget* pane, const char* text) {
     if (pane->id == emuOutputPane) {
         progress.clear();
@@ -44,7 +44,7 @@ koGUItextLine* passOnText(koGUIwidget* pane, const char* text) {
     return nullptr;
 }
 
-/// What the guest says is seen as soon as its line is complete.
+/// Guest output is flushed after every line.
 void passOnGuestText(const char* text) {
     progress.clear();
     printDiagnostic("%s", text);
@@ -53,7 +53,7 @@ void passOnGuestText(const char* text) {
     }
 }
 
-/// Runs the start-up machine; true when the interpreter is ready to run.
+/// Runs the start-up state machine. Returns whether the interpreter is ready to run.
 bool start() {
     TarnGUI.running = 1;
     TarnGUI.IdleProc = koGUI_TarnInitProc;
@@ -68,7 +68,7 @@ RunLimits limitsOf(const HeadlessOptions& options) {
     return {options.steps.value_or(none.steps), options.frames.value_or(none.verticalBlanks)};
 }
 
-/// Shows how far the run has come; true when a signal ends it.
+/// Updates the progress line. Returns whether a signal ends the run.
 bool lookAround() {
     progress.update(machine.counters.driverSteps, machine.counters.verticalBlanks);
     if (past != nullptr) {
@@ -90,7 +90,7 @@ End endOf(RunEnd end) {
     }
 }
 
-/// Runs the machine as a debugger says; limits and signals end the run all the same.
+/// Runs the machine under a debugger. Limits and signals still end the run.
 End runDebugged(gdb::Server& debugger, const RunLimits& limits) {
     using Finish = gdb::Server::Finish;
     switch (debugger.run(limits, stopRequested)) {
@@ -132,7 +132,7 @@ void reportEnd(End end) {
     std::fprintf(stderr, "%s\n", countsSoFar().c_str());
 }
 
-/// With `ownResult` it is the program's when that has ended by itself.
+/// With `ownResult` it is the program's own status if the program has ended by Exit.
 int exitStatus(End end, bool ownResult) {
     switch (end) {
     case End::Paused:
@@ -159,7 +159,7 @@ std::optional<u32> addressOf(const std::string& name) {
     return address ? std::optional(symbols::foldAddress(*address)) : std::nullopt;
 }
 
-/// The address at which the run is to stop, if anywhere; false, with a message, when there is no such place.
+/// Finds the address of --until, if given. Returns false after a message if there is no such place.
 bool findPlace(const HeadlessOptions& options, std::optional<u32>& place) {
     if (options.until && !(place = addressOf(options.until->name))) {
         std::fprintf(stderr, "tarn-headless: '%s' is neither an address nor a symbol of %s\n",
@@ -190,8 +190,7 @@ End runToPlace(const RunLimits& limits, u32 address, u64& count) {
     }
 }
 
-/// Runs until something ends the run, with a numbered picture now and then, and a trace for a while, when
-/// they are asked for.
+/// Runs to the end, and writes numbered pictures and switches the trace on the way as requested.
 End run(const HeadlessOptions& options, std::optional<u32> place, HeadlessOutputs& outputs) {
     const RunLimits limits = limitsOf(options);
     u64 count = options.until ? options.until->count : 0;
@@ -218,7 +217,7 @@ End run(const HeadlessOptions& options, std::optional<u32> place, HeadlessOutput
     }
 }
 
-/// What the configuration is, and whether the program can be run at all; false, with a message, otherwise.
+/// Reads the configuration and checks the program file. Returns false after a message on failure.
 bool configure(const HeadlessOptions& options) {
     configurationSource = {.readsFile = !options.program, .assignments = options.assignments};
     if (options.program) {
@@ -253,7 +252,7 @@ bool configure(const HeadlessOptions& options) {
 }  // namespace
 
 int runHeadless(const HeadlessOptions& options) {
-    // A debugger's user sees where the machine is, and its output must not wait for the line.
+    // A debugger shows where the machine is, so there is no progress line.
     progress.begin(!options.quiet && !options.gdbPort && options.tracePath() != "-");
     HeadlessOutputs outputs(options, programSymbols);
     std::optional<u32> place;

@@ -18,7 +18,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto interval = 16ms;  ///< between two views of a trace
+constexpr auto interval = 16ms;  ///< between two updates of a running trace
 
 bool sameRegisters(const MipsCpuRecord& one, const MipsCpuRecord& other) {
     return one.PC == other.PC && std::memcmp(&one.GPR, &other.GPR, sizeof one.GPR) == 0 &&
@@ -70,7 +70,7 @@ void MachineView::show(bool stands) {
     const u64 step = machine.counters.driverSteps;
     koGUIwidget& opcodes = TarnGUI.widgets[opcodesPane];
     std::vector<std::string> text;
-    // A step whose transfer to the GIF goes on is not over.
+    // A step is not complete while its GIF transfer continues.
     const bool leadsHere = everTraced && (!stands || step == tracedStep + (gifTransferGoesOn() ? 0 : 1));
     const u64 most = std::min<u64>(opcodes.maxLines, ringSize) - (stands ? 1 : 0);
     for (u64 line = std::max(firstLine, lines - std::min(lines, most)); leadsHere && line < lines; ++line) {

@@ -1,5 +1,5 @@
-// The panes Opcodes and CpuRegisters as a view of the machine: of a trace a few dozen times a second, of a
-// machine that stands where it is.
+// The panes Opcodes and CpuRegisters as a view of the machine: the last lines of a running trace, refreshed
+// about sixty times a second, or the position of a paused machine.
 #pragma once
 
 #include "base/diagnostics.h"
@@ -10,13 +10,13 @@
 
 namespace tarn {
 
-/// Keeps the last lines of the trace, and nothing else of it.
+/// Keeps only the last lines of the trace.
 class MachineView final : public TraceObserver {
   public:
     void branchTaken() override;
     void executed(u64 pc, u32 word) override;
 
-    /// Brings the panes up to date, if that is due. To be called often.
+    /// Updates the panes if an update is due. Call it often.
     void update();
 
   private:
@@ -28,13 +28,13 @@ class MachineView final : public TraceObserver {
     std::array<decltype(Machine::traceLine), ringSize> ring{};
     u64 lines = 0;  ///< traced so far
     u64 shownLines = 0;
-    u64 tracedStep = 0;  ///< the driver step that was traced last, and
-    u64 firstLine = 0;   ///< the line with which its unbroken trace began
+    u64 tracedStep = 0;  ///< the last traced driver step
+    u64 firstLine = 0;   ///< the first line of the uninterrupted trace that leads to it
     bool everTraced = false;
     Clock::time_point due{};
     MipsCpuRecord shownCpu{};
     u64 shownStep = 0;
-    bool stood = false;  ///< at the last look
+    bool stood = false;  ///< the machine was paused at the last update
 };
 
 }  // namespace tarn

@@ -38,7 +38,7 @@ WindowLayout layOut() {
 }
 
 void openWindow(const WindowLayout& layout) {
-    // Whoever asks for speed does not wait for the display server after every frame.
+    // With Steps_per_poll the user wants speed: do not wait for the display server after every frame.
     const u32 flags = SDL_HWSURFACE | (Settings.stepsPerPoll > 1 ? SDL_ASYNCBLIT : 0);
     if (SDL_SetVideoMode(static_cast<int>(layout.width), static_cast<int>(layout.height),
                          Settings.koGUI_MainScreenBPP, flags) == nullptr) {
@@ -46,7 +46,7 @@ void openWindow(const WindowLayout& layout) {
     }
 }
 
-/// What the panes do that they do not do by default.
+/// Sets the optional behaviour of the panes.
 void preparePanes() {
     constexpr u32 keptLines = 1000;
     for (u32 i = 0; i < TarnGUI.nbWidgets; ++i) {
@@ -75,7 +75,7 @@ void reportRest() {
     }
 }
 
-/// What shows more of the machine than there is to see by default.
+/// Attaches the optional views of the machine.
 void attachTools() {
     static MachineView view;
     static Caption caption;
@@ -95,7 +95,7 @@ void attachTools() {
     };
 }
 
-/// The panes disappear with the window, so what they said of a failure is said again.
+/// Repeats the messages about a failure, because the panes disappear with the window.
 void reportFailedStart() {
     std::fprintf(stderr, "tarn: start-up failed\n");
     for (const koGUItextLine* line = TarnGUI.widgets[emuOutputPane].textLines;
@@ -109,7 +109,7 @@ void reportFailedStart() {
 int main(int, char**) {
     prepareProcess();
     commandName = "tarn";
-    // Without a display SDL would go on to draw in the terminal, where there is no mouse and little to see.
+    // Without a display SDL would fall back to text drawn in the terminal, without a mouse.
     setenv("SDL_VIDEODRIVER", "x11", 0);
     if (SDL_Init(SDL_INIT_VIDEO) < 0) {
         failFor("Couldn't initialize SDL: %s\n");

@@ -1,4 +1,4 @@
-// Where the panes stand: at fixed places, or side by side in a window as large as they need.
+// The positions of the panes: fixed, or side by side in a window that fits them.
 #include "shell/pane_layout.h"
 
 #include "gui/screen.h"
@@ -10,7 +10,7 @@ namespace {
 
 constexpr u32 gap = 10;  ///< around and between the panes
 
-// What the panes need, their frames' last column and row left out as everywhere.
+// Sizes of the panes. As everywhere, a frame is one pixel larger than its width and height say.
 constexpr u32 messagesWidth = 500;
 constexpr u32 textHeight = 170;
 constexpr u32 opcodesWidth = 250;
@@ -19,10 +19,10 @@ constexpr u32 registersHeight = 400;
 constexpr u32 leastPictureWidth = 240;
 constexpr u32 leastPictureHeight = textHeight;
 
-/// From one pane to the next, or to the window's edge.
+/// The position of the next pane, or of the window's edge.
 constexpr u32 after(u32 place, u32 size) { return place + size + 1 + gap; }
 
-/// What of `wanted` there is room for beside so much else; at least `least`.
+/// `wanted`, reduced to what a screen has left beside `rest`, but not below `least`.
 u32 room(u32 wanted, u32 least, u32 screen, u32 rest) {
     const u32 left = screen > rest ? screen - rest : 0;
     return std::max(std::min(wanted, left), least);

@@ -1,4 +1,4 @@
-// Where the panes stand, and how large the window is.
+// The positions of the panes, and the size of the window.
 #pragma once
 
 #include "gui/pane.h"

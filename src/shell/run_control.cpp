@@ -1,4 +1,4 @@
-// What the keys make of the run.
+// Control of the run by keys.
 #include "shell/run_control.h"
 
 #include "machine/devices.h"
@@ -14,7 +14,7 @@ namespace {
 
 constexpr u32 usualRate = 60;
 
-/// The steps that a part of the run may make.
+/// The maximum number of steps for one call of advanceRun().
 u64 stepsAtOnce(const RunControl& run) {
     const u64 most = std::max<u64>(Settings.stepsPerPoll, 1);
     if (run.endStep) {
@@ -23,7 +23,7 @@ u64 stepsAtOnce(const RunControl& run) {
     return run.endBlank ? std::min(most, quietSteps() + 1) : most;
 }
 
-/// Pauses the machine where a request asked for it.
+/// Pauses the machine if it has reached the end of a request.
 void endAtGoal(RunControl& run) {
     const bool reached = (run.endStep && machine.counters.driverSteps >= *run.endStep) ||
                          (run.endBlank && verticalBlanks >= *run.endBlank);
@@ -83,7 +83,7 @@ void advanceRun() {
             return;
         }
     }
-    // The trace of a single step is what it is made for.
+    // A single step is always traced.
     const u8 formerTrace = std::exchange(Settings.debug_op, run.endStep ? u8{1} : Settings.debug_op);
     run.advance(stepsAtOnce(run));
     Settings.debug_op = formerTrace;

@@ -1,4 +1,4 @@
-// What the keys make of the run: pausing, single steps, the way to the next vertical blank, the pace.
+// Control of the run by keys: pause, single step, run to the next vertical blank, pace.
 #pragma once
 
 #include "machine/run_loop.h"
@@ -11,34 +11,33 @@ namespace tarn {
 enum class RunRequest : u8 { Pause, Resume, Step, NextBlank };
 
 struct RunControl {
-    std::optional<u64> endStep;   ///< the machine pauses when it has made so many steps
-    std::optional<u64> endBlank;  ///< or when so many vertical blanks have come
+    std::optional<u64> endStep;   ///< pause after this driver step
+    std::optional<u64> endBlank;  ///< or after this vertical blank
     bool unpaced = false;
-    bool pausedByKey = false;  ///< the pause that lasts is the user's, and no news
+    bool pausedByKey = false;  ///< the user asked for the current pause, so it is not reported
     FramePacer pacer;
 
-    /// Makes up to so many driver steps, ending early as runSteps does.
+    /// Runs up to `steps` driver steps. May end early, like runSteps.
     void (*advance)(u64 steps) = [](u64 steps) { runSteps(steps); };
-    /// Who else controls the machine is asked about a request first; true when it has seen to it. Null:
-    /// nobody else does.
+    /// Offers a request to a debugger. Returns true if the debugger has handled it. Null without one.
     bool (*seesTo)(RunRequest request) = nullptr;
-    /// Whether it holds the machine where it is.
+    /// Whether the debugger has stopped the machine.
     bool (*holds)() = nullptr;
 };
 
-/// Does what a key asks for.
+/// Handles the request of a key.
 void request(RunRequest what);
 
-/// From as fast as possible to paced, and back.
+/// Switches between paced and as fast as possible.
 void togglePace();
 
-/// Vertical blanks shown per second at most; 0: any number.
+/// The maximum number of vertical blanks per second; 0: no limit.
 u32 shownRate();
 
-/// Whether the machine makes no steps until somebody says so.
+/// Whether the machine is paused, or stopped by a debugger.
 bool machineStands();
 
-/// A part of the run that is short enough to look at input after it.
+/// Runs for a short time, after which input can be handled.
 void advanceRun();
 
 }  // namespace tarn

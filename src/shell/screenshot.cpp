@@ -1,4 +1,4 @@
-// Pictures of the emulated display at the press of a key.
+// Screenshots.
 #include "shell/screenshot.h"
 
 #include "base/diagnostics.h"
@@ -12,7 +12,7 @@
 namespace tarn {
 namespace {
 
-/// A name that no file has; the last one when all numbers are taken.
+/// The first unused file name, or the last one if all numbers are taken.
 std::string freeName() {
     constexpr int numbers = 9999;
     char name[32];

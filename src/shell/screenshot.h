@@ -1,4 +1,4 @@
-// Pictures of the emulated display at the press of a key.
+// Screenshots.
 #pragma once
 
 namespace tarn {

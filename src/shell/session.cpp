@@ -18,7 +18,7 @@ volatile std::sig_atomic_t stopSignals = 0;
 
 void noteStopSignal(int) { stopSignals = 1; }
 
-/// SDL makes a surface of more bits, but with pixels larger than it can draw.
+/// SDL creates surfaces of more than 32 bits, but cannot draw to them.
 bool checkDepth(u32 bitsPerPixel) {
     if (bitsPerPixel > 32) {
         SDL_SetError("No pixels of %u bits", bitsPerPixel);
@@ -40,7 +40,7 @@ void createMainScreen() {
         std::printf("CreateRGBSurface failed: %s\n", SDL_GetError());
         return;
     }
-    // The picture is opaque: without this SDL blends it, by an alpha that depths below 32 do not even have.
+    // The picture is opaque. Without this SDL would blend it, even at depths that have no alpha.
     SDL_SetAlpha(MainScreen, 0, SDL_ALPHA_OPAQUE);
 }
 
@@ -84,14 +84,14 @@ void prepareProcess() {
             [[maybe_unused]] const int opened = open("/dev/null", O_RDONLY);
         }
     }
-    // Redirected, standard output would lose what it holds back when the process is killed.
+    // Buffered by lines even when redirected, so that little is lost when the process is killed.
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
-    // A reader that has gone and a file that may not grow are failures of the write.
+    // A closed pipe and a file size limit make writes fail instead.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     struct sigaction action {};
     action.sa_handler = noteStopSignal;
-    action.sa_flags = SA_RESTART;  // or standard output would lose what it was writing
+    action.sa_flags = SA_RESTART;  // an interrupted write to standard output would lose data
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
 }

@@ -14,7 +14,8 @@ inline constexpr const char* programName = "Tarn";
 /// The surface of the emulated picture, owned by the program.
 inline SDL_Surface* MainScreen = nullptr;
 
-/// Makes MainScreen as the settings say, or leaves it null with a message on standard output.
+/// Creates MainScreen with the size and depth of the settings. On failure it is null, and a message is
+/// printed.
 void createMainScreen();
 void freeMainScreen();
 
@@ -23,14 +24,14 @@ std::span<u8> picturePixels();
 
 using AddTextOperation = koGUItextLine* (*)(koGUIwidget*, const char*);
 
-/// Adds the four panes to TarnGUI: the picture, and three of text that append with `addText`.
+/// Adds the four panes to TarnGUI: the picture, and three text panes, which append with `addText`.
 void addPanes(const WindowLayout& layout, AddTextOperation addText);
 
 /// Opens closed standard streams on /dev/null, so that no other file gets their descriptors, turns SIGPIPE
 /// into a failed write, and makes SIGINT and SIGTERM request a stop.
 void prepareProcess();
 
-/// Whether SIGINT or SIGTERM has come.
+/// Whether SIGINT or SIGTERM has been received.
 bool stopRequested();
 
 }  // namespace tarn

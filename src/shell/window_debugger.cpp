@@ -1,4 +1,5 @@
-// The debugger that the window lets in. The past costs one checkpoint, that of the start, until one attaches.
+// The debugger connection of the window. Until a debugger attaches, the history is a single checkpoint, of
+// the start.
 #include "shell/window_debugger.h"
 
 #include "base/diagnostics.h"
@@ -17,7 +18,7 @@
 namespace tarn {
 namespace {
 
-/// Milliseconds for which the window waits for a packet while there is nothing to do.
+/// How long an idle window waits for a packet, in milliseconds.
 constexpr int patience = 2;
 
 struct WindowDebugger {
@@ -30,7 +31,8 @@ struct WindowDebugger {
 
 std::optional<WindowDebugger> debugger;
 
-/// Nothing announces the pictures of a past that has been shown already.
+/// Redraws the picture when the machine has been moved to another step: replays are muted and report no
+/// pictures.
 void showPicture() {
     const u64 step = machine.counters.driverSteps;
     if (step != debugger->shownStep && (debugger->holds() || step < debugger->timeline.furthest())) {
@@ -40,7 +42,7 @@ void showPicture() {
 }
 
 void advance(u64 steps) {
-    // The trace of a single step is what it is made for.
+    // A single step is always traced.
     const bool isSingle = debugger->server.mode() == gdb::Debugger::Mode::Step;
     const u8 formerTrace = std::exchange(Settings.debug_op, isSingle ? u8{1} : Settings.debug_op);
     if (debugger->server.turn({}, steps, patience, stopRequested) == gdb::Server::Finish::Killed) {

@@ -1,14 +1,14 @@
-// The debugger that the window lets in.
+// The debugger connection of the window.
 #pragma once
 
 namespace tarn {
 
-/// Listens on the port of the settings, says on standard error and in the EmuOutput pane whether that works,
-/// and has the debugger run the machine from then on; the machine does not wait for it. To be called when the
-/// machine is ready to run.
+/// Listens on the port in the settings, and reports on standard error and in the EmuOutput pane whether that
+/// worked. From then on the debugger, once attached, controls the run. Call it when the machine is ready to
+/// run.
 void startDebugger();
 
-/// Says goodbye to a debugger that is attached.
+/// Disconnects an attached debugger.
 void endDebugger();
 
 }  // namespace tarn

@@ -2,7 +2,7 @@
 // asks for in the usual course of things is left to the tests with a real one.
 #include "gdb/debugger.h"
 
-#include "gdb/machine.h"
+#include "gdb/machine_access.h"
 #include "gdb/packet.h"
 #include "r5900/instruction.h"
 #include "r5900/operation.h"

@@ -1,5 +1,5 @@
 // The debugger's view of the machine: registers by number, memory without side effects.
-#include "gdb/machine.h"
+#include "gdb/machine_access.h"
 
 #include "base/device_codes.h"
 #include "history/memory_access.h"
