@@ -3,6 +3,7 @@
 
 #include "base/vectors.h"
 #include "gs/gs.h"
+#include "gs/gs_records.h"
 #include "gs/registers.h"
 #include "machine/machine.h"
 #include "support/gif_stream.h"
@@ -26,7 +27,7 @@ inline void fillLocalMemory() {
 /// Everything the renderer holds, to be compared.
 struct GsImage {
     std::vector<u8> memory{Gs.vRam.begin(), Gs.vRam.end()};
-    std::vector<u8> record{reinterpret_cast<const u8*>(&Gs._gsfb), reinterpret_cast<const u8*>(&Gs + 1)};
+    std::vector<u8> record = saveGsRecords(Gs);
 
     bool operator==(const GsImage&) const = default;
 };
