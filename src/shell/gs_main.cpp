@@ -1,4 +1,5 @@
 // tarn-gs: lists, replays and compares recordings of what the GS received.
+#include "base/file.h"
 #include "base/png_file.h"
 #include "recording/comparison.h"
 #include "recording/frame_report.h"
@@ -13,7 +14,9 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <memory>
 
 namespace tarn {
 namespace {
@@ -53,12 +56,26 @@ int writeCommandPicture(recording::Reader& reader, const GsOptions& options) {
     return failure.empty() && !writePicturePng(picture, options.arguments[1]) ? Lost : status;
 }
 
+/// The page is complete before the file is opened: one that is there already is not lost to a failure.
 int writeFrameReport(recording::Reader& reader, const GsOptions& options) {
+    char* page = nullptr;
+    std::size_t size = 0;
+    FilePtr memory(open_memstream(&page, &size));
+    if (memory == nullptr) {
+        return finish(reader, options.arguments[0], std::strerror(errno), Lost);
+    }
+    const std::string failure = recording::writeReport(reader, options.list.frame, memory.get());
+    memory.reset();
+    const std::unique_ptr<char, decltype(&std::free)> owner(page, std::free);
+    const int status = finish(reader, options.arguments[0], failure, Well);
+    if (!failure.empty()) {
+        return status;
+    }
     OutputFile file;
     file.open(options.arguments[1]);
-    const std::string failure =
-        file.isOpen() ? recording::writeReport(reader, options.list.frame, file.stream()) : "";
-    const int status = finish(reader, options.arguments[0], failure, Well);
+    if (file.isOpen() && std::fwrite(page, 1, size, file.stream()) != size) {
+        file.noteFailure();
+    }
     return file.close() ? status : Lost;
 }
 

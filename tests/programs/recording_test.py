@@ -176,6 +176,7 @@ class CommandsTest(RecordingTest):
                 (("paint", "scene.gsr"), 2, "no command 'paint'"), (("report", "scene.gsr", "/no/x"), 3, "cannot write")):
             with self.subTest(arguments):
                 self.assertRegex(self.gs(*arguments, status=status)[1], message)
+        self.assertEqual(list(self.directory.glob("x.*")), [], "what fails writes nothing")
         self.assertEqual(self.commands_of("short"), self.commands_of("scene.gsr"))
         for options, status, message in ((("--record-frames", "3:2"), 2, "FIRST:LAST"),
                                          (("--frames", "1", "--record", "x.gsr", "--record-frames", "9:9"), 1, "first frame")):
