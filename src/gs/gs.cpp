@@ -1,7 +1,8 @@
 // The renderer's life cycle: local memory, start values, the display.
+#include "gs/gs.h"
+
 #include "base/buffer.h"
 #include "gs/display.h"
-#include "gs/gs.h"
 #include "gs/local_memory.h"
 #include "gs/registers.h"
 
