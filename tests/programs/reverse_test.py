@@ -39,10 +39,11 @@ class ReverseTest(SessionTest):
             "break remember", "continue", "continue", "reverse-finish", "p i", "reverse-step", "reverse-next",
             "delete", "rwatch player.lives", "continue", "reverse-continue", "set var player.lives = 9",
             "reverse-stepi", "continue", "delete", "continue", "kill")
-        self.expect(output, "No more reverse-execution history", "Breakpoint 1, walk .*=6", "Breakpoint 1, walk .*=3",
+        beginning = "No more reverse-execution history|Reached end of recorded history"  # before gdb 16, and since
+        self.expect(output, beginning, "Breakpoint 1, walk .*=6", "Breakpoint 1, walk .*=3",
                     "Breakpoint 1, walk .*=6", "Breakpoint 2, remember .*=0", "Breakpoint 2, remember .*=1",
                     "^21.*remember", r"\$1 = 1", r"^20\t", r"^19\t", "watchpoint 3", r"^Value = 5\n0x(\w+) in main",
-                    r"^Value = 5\n0x(\w+) in main", "No more reverse-execution history", "^Value = 9", "SIGSYS", "killed")
+                    r"^Value = 5\n0x(\w+) in main", beginning, "^Value = 9", "SIGSYS", "killed")
         self.end(0)
 
     def test_monitor_commands(self):
