@@ -38,7 +38,7 @@ class Display:
             self.name = ":" + number.readline().strip()
         # What a build with sanitizers is to overlook.
         suppressions = Path(self.directory.name) / "suppressions"
-        suppressions.write_text("leak:libX11\n")
+        suppressions.write_text("leak:libX11\nleak:libdbus\nleak:libGLX\n")
         self.environment = {**os.environ, "DISPLAY": self.name, "SDL_VIDEO_WINDOW_POS": "0,0",
                             "LSAN_OPTIONS": f"suppressions={suppressions}:print_suppressions=0"}
         with open(Path(self.directory.name) / "Xvfb_screen0", "rb") as file:
