@@ -4,6 +4,7 @@
 #include "base/png_file.h"
 #include "gs/display.h"
 #include "gui/surface.h"
+#include "machine/settings.h"
 
 #include <cerrno>
 #include <cstring>
@@ -15,7 +16,9 @@ namespace {
 
 /// A view of MainScreen's pixels with their actual masks. The surface has the same masks at every depth.
 SurfacePtr trueColours(SDL_Surface* surface) {
-    const int depth = surface->format->BitsPerPixel;
+    const int declared = surface->format->BitsPerPixel;
+    const int depth =
+        declared == 16 && Settings.koGUI_MainScreenBPP == 15 ? 15 : declared;  // see createPicture
     SDL_Surface* view = nullptr;
     if (depth == 15) {
         view = SDL_CreateRGBSurfaceFrom(surface->pixels, surface->w, surface->h, depth, surface->pitch,

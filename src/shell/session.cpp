@@ -3,6 +3,7 @@
 
 #include "gs/display.h"
 #include "gui/pane_sinks.h"
+#include "gui/surface.h"
 #include "machine/settings.h"
 
 #include <array>
@@ -32,10 +33,10 @@ bool checkDepth(u32 bitsPerPixel) {
 void createMainScreen() {
     const u32 depth = Settings.koGUI_MainScreenBPP;
     // The same masks whatever the depth: the display output knows how the pixels of each depth are stored.
-    MainScreen = checkDepth(depth) ? SDL_CreateRGBSurface(SDL_HWSURFACE, Settings.koGUI_MainScreenW,
-                                                          Settings.koGUI_MainScreenH, static_cast<int>(depth),
-                                                          0x00FF0000, 0x0000FF00, 0x000000FF, 0xFF000000)
-                                   : nullptr;
+    MainScreen = checkDepth(depth)
+                     ? createPicture(SDL_HWSURFACE, Settings.koGUI_MainScreenW, Settings.koGUI_MainScreenH,
+                                     static_cast<int>(depth), 0xFF000000)
+                     : nullptr;
     if (MainScreen == nullptr) {
         std::printf("CreateRGBSurface failed: %s\n", SDL_GetError());
         return;

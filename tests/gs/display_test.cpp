@@ -2,6 +2,7 @@
 #include "gs/display.h"
 
 #include "gs/interface_extras.h"
+#include "gui/surface.h"
 #include "machine/settings.h"
 #include "support/gs_machine.h"
 #include "support/machine_test.h"
@@ -21,7 +22,7 @@ using Surface = std::unique_ptr<SDL_Surface, decltype(&SDL_FreeSurface)>;
 /// The kind of surface that the machine is given: these masks whatever the depth.
 Surface makeSurface(s32 width, s32 height, s32 depth) {
     const u32 alpha = depth == 32 ? 0xFF000000 : 0;
-    return {SDL_CreateRGBSurface(0, width, height, depth, 0xFF0000, 0xFF00, 0xFF, alpha), SDL_FreeSurface};
+    return {createPicture(0, width, height, depth, alpha), SDL_FreeSurface};
 }
 
 std::vector<u8> bytesOf(const SDL_Surface& surface) {

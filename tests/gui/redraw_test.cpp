@@ -34,6 +34,10 @@ bool samePicture(const SDL_Surface* one, const SDL_Surface* other) {
     return true;
 }
 
+/// SDL's compatibility library, whose blits with a colour key differ, and which drops events that a test
+/// sends.
+bool isCompatibilityLibrary() { return SDL_Linked_Version()->patch >= 50; }
+
 struct Format {
     int depth;
     u32 red, green, blue, alpha;
@@ -57,6 +61,9 @@ SDL_Rect anyRectangle(int size) {
 }
 
 TEST(Redraw, CopiesAndFillsAreSdls) {
+    if (isCompatibilityLibrary()) {
+        GTEST_SKIP() << "a question for SDL 1.2 itself";
+    }
     for (const Format& from : formats) {
         for (const Format& to : formats) {
             const SurfacePtr source = makeSurface(40, 30, from);
@@ -273,6 +280,9 @@ TEST_F(Window, PicturesInQuickSuccessionAreShownNowAndThenAndTheLastForSure) {
 }
 
 TEST_F(Window, HasNoHolesWhereOthersLayOverIt) {
+    if (isCompatibilityLibrary()) {
+        GTEST_SKIP() << "the tests of the window send the event";
+    }
     turn();
     const std::vector<u8> before = shown();
     SDL_FillRect(SDL_GetVideoSurface(), nullptr, 0x123456);
